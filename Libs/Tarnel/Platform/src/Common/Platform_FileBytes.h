@@ -1,0 +1,36 @@
+#pragma once
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
+
+// Whole files as bytes. Paths are UTF-8. No failure throws: a file that does not fit in memory is a read failure.
+namespace Platform {
+
+// The step at which a whole-file read failed; each caller has texts of its own for the steps.
+enum class ReadOutcome { Done, OpenFailed, Empty, ReadFailed };
+
+// What others may do with the file while it is read: Everything copes with a file that its writer still holds
+// open; DenyWriters fails to open such a file.
+enum class ReadSharing { Everything, DenyWriters };
+
+// Replaces bytes. After anything but Done they are empty. A file of length 0 is Empty.
+[[nodiscard]] ReadOutcome ReadWholeFile(const std::string& path, std::vector<uint8_t>& bytes,
+                                        ReadSharing sharing = ReadSharing::Everything);
+
+// The generic texts: "Failed to open input file", "Failed to read zero length input file!" and
+// "Failed to read file bytes".
+ResultCode ReadFileBytes(const std::string& path, std::vector<uint8_t>& bytes);
+
+enum class WriteOutcome { Done, OpenFailed, WriteFailed };
+
+// Creates or truncates the file, writes everything in one piece. With FlushToDisk the bytes are on the medium
+// when the call returns.
+enum class WriteDurability { Buffered, FlushToDisk };
+[[nodiscard]] WriteOutcome WriteWholeFile(const std::string& path, std::span<const uint8_t> bytes,
+                                          WriteDurability durability = WriteDurability::Buffered);
+
+} // namespace Platform

@@ -1,0 +1,75 @@
+# Two declarations build the whole tree: morvane_library and morvane_test.
+find_package(Threads REQUIRED)
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_RUNTIME_OUTPUT_DIRECTORY ${CMAKE_BINARY_DIR}/bin)
+
+option(MORVANE_SANITIZE "Address and undefined-behaviour sanitizers (native builds)" OFF)
+option(MORVANE_TRAP_UNDEFINED "Undefined behaviour traps (cross-built debug)" OFF)
+
+# Settings that every target of the project shares.
+add_library(morvane_options INTERFACE)
+target_link_libraries(morvane_options INTERFACE morvane_warnings Threads::Threads)
+target_include_directories(morvane_options INTERFACE ${CMAKE_SOURCE_DIR})
+if(WIN32)
+    target_compile_definitions(morvane_options INTERFACE
+        UNICODE _UNICODE NOMINMAX WIN32_LEAN_AND_MEAN _WIN32_WINNT=0x0A00 __USE_MINGW_ANSI_STDIO=1)
+endif()
+if(MSVC)
+    # __FILE__ starts at the repository's root, as the reports show it.
+    target_compile_options(morvane_options INTERFACE "/d1trimfile:${CMAKE_SOURCE_DIR}\\" /guard:cf)
+    target_link_options(morvane_options INTERFACE /guard:cf /DYNAMICBASE /HIGHENTROPYVA /NXCOMPAT)
+    set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
+else()
+    target_compile_options(morvane_options INTERFACE
+        "-fmacro-prefix-map=${CMAKE_SOURCE_DIR}/=" -fstack-protector-strong)
+    target_link_options(morvane_options INTERFACE -fstack-protector-strong)
+endif()
+if(MINGW)
+    target_compile_options(morvane_options INTERFACE -mcx16)
+    target_link_options(morvane_options INTERFACE
+        -static -Wl,--dynamicbase,--high-entropy-va,--nxcompat)
+endif()
+if(MORVANE_SANITIZE)
+    target_compile_options(morvane_options INTERFACE
+        -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+    target_link_options(morvane_options INTERFACE -fsanitize=address,undefined)
+endif()
+if(MORVANE_TRAP_UNDEFINED)
+    target_compile_options(morvane_options INTERFACE -fsanitize=undefined -fsanitize-undefined-trap-on-error)
+    target_compile_definitions(morvane_options INTERFACE _GLIBCXX_ASSERTIONS)
+endif()
+
+# morvane_library(NAME SOURCES file... [NEEDS target...])
+function(morvane_library name)
+    cmake_parse_arguments(arg "" "" "SOURCES;NEEDS" ${ARGN})
+    add_library(${name} STATIC ${arg_SOURCES})
+    target_link_libraries(${name} PUBLIC morvane_options ${arg_NEEDS})
+endfunction()
+
+# GoogleTest comes as source, so that every preset builds it with its own compiler and flags.
+set(MORVANE_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's source folder")
+set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+set(gtest_force_shared_crt OFF CACHE BOOL "" FORCE)
+add_subdirectory(${MORVANE_GTEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+if(MORVANE_SANITIZE)
+    foreach(target gtest gtest_main gmock gmock_main)
+        target_compile_options(${target} PRIVATE -fsanitize=address,undefined)
+    endforeach()
+endif()
+
+# morvane_test(NAME SOURCES file... [NEEDS target...]): one test program, run by CTest within its time limit.
+function(morvane_test name)
+    cmake_parse_arguments(arg "" "" "SOURCES;NEEDS" ${ARGN})
+    add_executable(${name} ${arg_SOURCES})
+    target_link_libraries(${name} PRIVATE morvane_options ${arg_NEEDS} gtest gtest_main)
+    if(WIN32)
+        # Narrow calls speak UTF-8 in the tests as they do in the agent.
+        target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/TestProgram.rc)
+    endif()
+    add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 120)
+endfunction()

@@ -1,0 +1,20 @@
+# Every warning flag of the project stands here; an exception carries its reason.
+add_library(morvane_warnings INTERFACE)
+if(MSVC)
+    target_compile_options(morvane_warnings INTERFACE
+        /W4 /WX /permissive- /utf-8 /Zc:__cplusplus /Zc:preprocessor
+        /wd4324) # padding added by alignas is what alignas asks for
+else()
+    target_compile_options(morvane_warnings INTERFACE
+        -Wall -Wextra -Wpedantic -Werror
+        -Wshadow -Wconversion -Wsign-conversion -Wold-style-cast -Wcast-qual -Wcast-align
+        -Wnon-virtual-dtor -Woverloaded-virtual -Wformat=2 -Wimplicit-fallthrough -Wundef
+        -Wextra-semi -Wunused)
+    if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+        target_compile_options(morvane_warnings INTERFACE -Wduplicated-cond -Wduplicated-branches -Wlogical-op)
+    endif()
+    if(MINGW)
+        # GetProcAddress hands out every function under one type; the cast is how it is used.
+        target_compile_options(morvane_warnings INTERFACE -Wno-cast-function-type)
+    endif()
+endif()
