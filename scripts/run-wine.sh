@@ -6,5 +6,9 @@ export WINEPREFIX=${WINEPREFIX:-$root/build/wine}
 export WINEDEBUG=${WINEDEBUG:--all} WINEARCH=win64
 # No installer pop-ups for parts that nobody here needs.
 export WINEDLLOVERRIDES=${WINEDLLOVERRIDES:-mscoree,mshtml=;winemenubuilder.exe=d}
-mkdir -p "$WINEPREFIX"
+# A new prefix links the Windows user's Documents to the home folder: give it one that is ours.
+export HOME=$root/build/home
+# File names are UTF-8 whatever the machine's own language.
+export LC_ALL=${LC_ALL:-C.UTF-8}
+mkdir -p "$WINEPREFIX" "$HOME"
 exec wine "$@"
