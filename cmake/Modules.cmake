@@ -50,15 +50,21 @@ function(morvane_library name)
     target_link_libraries(${name} PUBLIC morvane_options ${arg_NEEDS})
 endfunction()
 
-# GoogleTest comes as source, so that every preset builds it with its own compiler and flags.
+# GoogleTest comes as source where the system has it, so that every preset builds it with its own compiler and
+# flags; elsewhere as a package (vcpkg).
 set(MORVANE_GTEST_SOURCE /usr/src/googletest CACHE PATH "GoogleTest's source folder")
-set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
-set(gtest_force_shared_crt OFF CACHE BOOL "" FORCE)
-add_subdirectory(${MORVANE_GTEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
-if(MORVANE_SANITIZE)
-    foreach(target gtest gtest_main gmock gmock_main)
-        target_compile_options(${target} PRIVATE -fsanitize=address,undefined)
-    endforeach()
+if(EXISTS ${MORVANE_GTEST_SOURCE}/CMakeLists.txt)
+    set(INSTALL_GTEST OFF CACHE BOOL "" FORCE)
+    set(BUILD_GMOCK OFF CACHE BOOL "" FORCE)
+    add_subdirectory(${MORVANE_GTEST_SOURCE} ${CMAKE_BINARY_DIR}/googletest EXCLUDE_FROM_ALL)
+    if(MORVANE_SANITIZE)
+        target_compile_options(gtest PRIVATE -fsanitize=address,undefined)
+        target_compile_options(gtest_main PRIVATE -fsanitize=address,undefined)
+    endif()
+else()
+    find_package(GTest CONFIG REQUIRED)
+    add_library(gtest ALIAS GTest::gtest)
+    add_library(gtest_main ALIAS GTest::gtest_main)
 endif()
 
 # morvane_test(NAME SOURCES file... [NEEDS target...]): one test program, run by CTest within its time limit.
