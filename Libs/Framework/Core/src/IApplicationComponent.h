@@ -7,6 +7,7 @@
 // come on the main thread: before the processes are initialised, and after the last of them has ended.
 class IApplicationComponent : public Reflection::IQueryObject {
 public:
+    void* QueryObj(const Reflection::TypeDescriptor&) override { return nullptr; }
     virtual ResultCode Initialize(int argc, const char** argv) = 0;
     virtual ResultCode Shutdown() = 0;
 };

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "Libs/Framework/Core/src/ApplicationProcessBase.h"
+#include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
+
+// Gives a process or component class its place in the reflection: it answers queries for its own type and for
+// what its base answers, and can be asked for its type. The class derives from it with itself as argument:
+//
+//   class ProcessMonitor : public Reflected<ProcessMonitor> { ... };
+//   class UploaderS3 : public Reflected<UploaderS3, UploaderBase> { ... };
+//   class CloudComponent : public Reflected<CloudComponent, IApplicationComponent> { ... };
+//   Reflection_DeclarePolymorphicType(ProcessMonitor);
+template <class Derived, class Base = ApplicationProcessBase>
+class Reflected : public Base {
+public:
+    using Base::Base;
+
+    void* QueryObj(const Reflection::TypeDescriptor& type) override {
+        if (&type == &Reflection::TypeOf<Derived>()) {
+            return static_cast<Derived*>(this);
+        }
+        return Base::QueryObj(type);
+    }
+
+    // The class as it was declared to the reflection.
+    virtual const Reflection::TypeDescriptor& GetStaticType() const { return Reflection::TypeOf<Derived>(); }
+};
