@@ -1,0 +1,17 @@
+#include "Libs/Processes/Cloud/src/CloudComponent.h"
+
+#include "Libs/Processes/Cloud/src/ObjectStore.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+
+Reflection_DefinePolymorphicType(CloudComponent);
+
+ResultCode CloudComponent::Initialize(int, const char**) {
+    PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
+    return InitializeObjectStores();
+}
+
+ResultCode CloudComponent::Shutdown() {
+    PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
+    return ShutdownObjectStores();
+}

@@ -1,0 +1,80 @@
+#include "Libs/Processes/Cloud/src/S3PackageUpload.h"
+
+#include <algorithm>
+#include <array>
+
+#include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
+
+namespace {
+
+using Digest = std::array<uint8_t, Crypto::MD5::DigestSize>;
+
+Digest DigestOf(std::span<const uint8_t> bytes) {
+    constexpr std::size_t LargestPiece = std::size_t{1} << 30; // an update takes less than 4 GiB
+    Crypto::MD5 md5;
+    while (!bytes.empty()) {
+        const auto piece = bytes.first(std::min(bytes.size(), LargestPiece));
+        md5.Update(piece.data(), static_cast<uint32_t>(piece.size()));
+        bytes = bytes.subspan(piece.size());
+    }
+    md5.Finish();
+    Digest digest;
+    std::copy(md5.Digest().begin(), md5.Digest().end(), digest.begin());
+    return digest;
+}
+
+std::string HexEncode(const Digest& digest) {
+    char text[Crypto::MD5TextSize];
+    Crypto::MD5ToText(digest, text, sizeof(text));
+    return text;
+}
+
+} // namespace
+
+ResultCode PutPackage(IObjectStore& store, std::span<const uint8_t> package) {
+    std::string eTag;
+    if (!store.PutObject(RequestForPackage(package), eTag)) {
+        return "Failed to put stream in S3 bucket";
+    }
+    if (!ETagMatches(eTag, package)) {
+        return "MD5 of stream received by S3 doesn't match the MD5 we computed locally";
+    }
+    return Platform::Success;
+}
+
+PutObjectRequest RequestForPackage(std::span<const uint8_t> package) {
+    const Digest digest = DigestOf(package);
+    PutObjectRequest request;
+    request.key = HexEncode(digest);
+    request.contentMd5 = Base64Encode(digest);
+    request.contentType = "application/octet-stream";
+    request.contentLength = AnnouncedLength(package.size());
+    request.body = package;
+    return request;
+}
+
+bool ETagMatches(std::string_view eTag, std::span<const uint8_t> package) {
+    // Hashed anew, not taken from the request: the check covers the bytes as they are after the sending.
+    return eTag == "\"" + HexEncode(DigestOf(package)) + "\"";
+}
+
+int64_t AnnouncedLength(std::size_t packageSize) {
+    return static_cast<int32_t>(static_cast<uint32_t>(packageSize)); // narrowed on purpose, see the header
+}
+
+std::string Base64Encode(std::span<const uint8_t> bytes) {
+    static constexpr char Digits[] = "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+    std::string text;
+    text.reserve((bytes.size() + 2) / 3 * 4);
+    for (std::size_t i = 0; i < bytes.size(); i += 3) {
+        const std::size_t count = std::min<std::size_t>(3, bytes.size() - i);
+        uint32_t group = 0; // three bytes, the missing ones zero
+        for (std::size_t j = 0; j < 3; ++j) {
+            group = group << 8 | (j < count ? bytes[i + j] : 0u);
+        }
+        for (std::size_t j = 0; j < 4; ++j) {
+            text += j <= count ? Digits[group >> (18 - 6 * j) & 63] : '=';
+        }
+    }
+    return text;
+}

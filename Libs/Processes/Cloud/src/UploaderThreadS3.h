@@ -1,0 +1,21 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "Libs/Processes/Cloud/src/ObjectStore.h"
+#include "Libs/Processes/Cloud/src/UploaderS3.h"
+#include "Libs/Processes/Core/src/UploaderThreadBase.h"
+
+// One upload of one package to an S3 bucket, with a client of its own. See UploaderThreadBase for its life.
+class UploaderThreadS3 final : public UploaderThreadBase {
+public:
+    // Copies what it needs of the configuration.
+    UploaderThreadS3(UploadPermission permission, const std::string& folder, const UploaderS3Config& config);
+    ~UploaderThreadS3() override;
+
+    ResultCode UploadPackage(const std::vector<uint8_t>& package) override;
+
+private:
+    const ObjectStoreConfig m_store;
+};

@@ -1,0 +1,62 @@
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Libs/Framework/Core/src/ApplicationBase.h"
+#include "Libs/Framework/Core/src/Thread.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
+
+// One attempt to upload one submission folder, on a thread of its own: loads the package, hands it to the
+// concrete upload and deletes the folder after success, or deletes it unread when the player refused. After a
+// failure the folder stays for a later run. Owned by its uploader; made, started, asked and destroyed on the
+// uploader's thread.
+//
+// Destruction waits for the thread without limit. The thread calls UploadPackage, so a derived class is final
+// and calls WaitForEnd first in its destructor, before anything that the upload uses is gone.
+class UploaderThreadBase {
+public:
+    UploaderThreadBase(UploadPermission permission, std::string folder, std::string submissionFileName,
+                       uint32_t timeBetweenRetriesMs);
+    virtual ~UploaderThreadBase();
+    UploaderThreadBase(const UploaderThreadBase&) = delete; // the running thread holds the object's address
+    UploaderThreadBase& operator=(const UploaderThreadBase&) = delete;
+
+    // Sends the whole package, opaque bytes, to the store. Called at most once, on the upload's own thread. A
+    // success means that the store is known to hold them: the folder is deleted then.
+    virtual ResultCode UploadPackage(const std::vector<uint8_t>& package) = 0;
+
+    // Starts the thread; once.
+    ResultCode Start();
+
+    // False before Start, after a Start that failed, and once the thread has ended.
+    bool IsRunning() const;
+
+    const std::string& GetFolder() const { return m_folder; }
+    uint32_t GetConnectTimeout() const { return m_connectTimeoutMs; }
+    uint32_t GetRequestTimeout() const { return m_requestTimeoutMs; }
+
+protected:
+    // Any number of times; returns at once where no thread was started.
+    void WaitForEnd() const;
+
+private:
+    void ThreadMain();
+    void UploadFolder();
+    void DeleteFolder() const;
+
+    // All constant after construction but the flag.
+    const uint32_t m_connectTimeoutMs = 500;
+    const uint32_t m_requestTimeoutMs = 30000;
+    const uint32_t m_maxAttempts =
+        10; // recorded, as the time between retries is: an upload is tried once a run
+    const UploadPermission m_permission; // as it was when the upload was made
+    const std::string m_folder;
+    const std::string m_submissionFileName;
+    const uint32_t m_timeBetweenRetriesMs;
+    const std::string m_threadName;
+    bool m_started = false; // a thread that was never resumed reports that it runs
+    const std::shared_ptr<Thread> m_thread;
+};
