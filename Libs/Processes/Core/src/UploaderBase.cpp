@@ -3,6 +3,7 @@
 #include <windows.h>
 
 #include <ctime>
+#include <exception>
 #include <utility>
 
 #include "Libs/Processes/Core/src/UploadDecisions.h"
@@ -39,7 +40,11 @@ bool UploaderBase::ThreadMain() {
         return IsStopRequested();
     }
     while (!IsStopRequested()) {
-        RunCycle(*pWatcher);
+        try {
+            RunCycle(*pWatcher);
+        } catch (const std::exception& error) { // no memory for a while; the uploads in flight are waited for
+            PLATFORM_LOG(Platform::ErrorLog, " Failed to start uploads. Error=%s", error.what());
+        }
     }
     WaitForUploads();
     return IsStopRequested();

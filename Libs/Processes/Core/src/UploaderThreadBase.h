@@ -38,6 +38,10 @@ public:
     uint32_t GetConnectTimeout() const { return m_connectTimeoutMs; }
     uint32_t GetRequestTimeout() const { return m_requestTimeoutMs; }
 
+    // Recorded settings: an upload makes one attempt.
+    uint32_t GetMaxAttempts() const { return m_maxAttempts; }
+    uint32_t GetTimeBetweenRetries() const { return m_timeBetweenRetriesMs; }
+
 protected:
     // Any number of times; returns at once where no thread was started.
     void WaitForEnd() const;
@@ -50,8 +54,7 @@ private:
     // All constant after construction but the flag.
     const uint32_t m_connectTimeoutMs = 500;
     const uint32_t m_requestTimeoutMs = 30000;
-    const uint32_t m_maxAttempts =
-        10; // recorded, as the time between retries is: an upload is tried once a run
+    const uint32_t m_maxAttempts = 10;
     const UploadPermission m_permission; // as it was when the upload was made
     const std::string m_folder;
     const std::string m_submissionFileName;
