@@ -9,8 +9,8 @@
 
 class ApplicationBase;
 
-// What all processes share: the way back to the application, the thread, the stop flag and the name. A process
-// adds Initialize (main thread) and ThreadMain (its own thread), a loop of this shape:
+// What all processes share: the way back to the application, the thread, the stop flag and the name. A
+// process adds Initialize (main thread) and ThreadMain (its own thread), a loop of this shape:
 //
 //   while (!IsStopRequested()) { one round of work; Sleep(the configured time between checks); }
 //   return IsStopRequested();

@@ -12,33 +12,40 @@
 class ApplicationBase;
 
 // Makes objects of one interface by name. What Make takes depends on the interface.
-template <class Interface> struct Maker;
+template <class Interface>
+struct Maker;
 
-template <> struct Maker<IApplicationProcess> {
+template <>
+struct Maker<IApplicationProcess> {
     virtual ~Maker() = default;
     virtual std::shared_ptr<IApplicationProcess> Make(ApplicationBase* application, const char* name) = 0;
 };
 
-template <> struct Maker<IApplicationComponent> {
+template <>
+struct Maker<IApplicationComponent> {
     virtual ~Maker() = default;
     virtual std::shared_ptr<IApplicationComponent> Make() = 0;
 };
 
-template <class T, class Interface> struct TypedMaker;
+template <class T, class Interface>
+struct TypedMaker;
 
-template <class T> struct TypedMaker<T, IApplicationProcess> final : Maker<IApplicationProcess> {
+template <class T>
+struct TypedMaker<T, IApplicationProcess> final : Maker<IApplicationProcess> {
     std::shared_ptr<IApplicationProcess> Make(ApplicationBase* application, const char* name) override {
         return std::make_shared<T>(application, name);
     }
 };
 
-template <class T> struct TypedMaker<T, IApplicationComponent> final : Maker<IApplicationComponent> {
+template <class T>
+struct TypedMaker<T, IApplicationComponent> final : Maker<IApplicationComponent> {
     std::shared_ptr<IApplicationComponent> Make() override { return std::make_shared<T>(); }
 };
 
 // The makers of one interface by name. One factory an interface, reached through FactoryInstance. Makers are
 // registered by static initialisers and looked up on the main thread; any thread may do either.
-template <class Interface> class Factory {
+template <class Interface>
+class Factory {
 public:
     Factory() {
         static int checkThreading = 0;
@@ -47,7 +54,8 @@ public:
     Factory(const Factory&) = delete; // there is one an interface
     Factory& operator=(const Factory&) = delete;
 
-    template <class T> void RegisterMaker(const char* procName) {
+    template <class T>
+    void RegisterMaker(const char* procName) {
         const std::lock_guard lock(m_lock);
         PLATFORM_ASSERT(m_makers.find(procName) == m_makers.end());
         m_makers.emplace(procName, std::make_shared<TypedMaker<T, Interface>>());
@@ -65,7 +73,8 @@ private:
     std::map<std::string, std::shared_ptr<Maker<Interface>>> m_makers;
 };
 
-template <class Interface> Factory<Interface>& FactoryInstance() {
+template <class Interface>
+Factory<Interface>& FactoryInstance() {
     static Factory<Interface> s_factory;
     return s_factory;
 }

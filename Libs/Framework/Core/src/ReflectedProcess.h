@@ -22,6 +22,7 @@ public:
         return Base::QueryObj(type);
     }
 
-    // The class as it was declared to the reflection.
-    virtual const Reflection::TypeDescriptor& GetStaticType() const { return Reflection::TypeOf<Derived>(); }
+    // The class among the registered types: its identity, and its description.
+    virtual String::GlobalID GetStaticType() const { return Reflection::TypeOf<Derived>().Id(); }
+    virtual const Reflection::TypeDescriptor& GetTypeDescription() const { return Reflection::TypeOf<Derived>(); }
 };

@@ -1,0 +1,196 @@
+#include "Libs/Framework/Core/src/ApplicationBase.h"
+
+#include <vector>
+
+#include "Libs/Framework/Core/src/ApplicationFolders.h"
+#include "Libs/Framework/Core/src/ExceptionToResult.h"
+#include "Libs/Framework/Core/src/ThreadWait.h"
+#include "Libs/Shared/src/JsonConfig.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+
+namespace {
+
+// Takes every process through one step. Whoever fails it is reported and dropped, and ends there: nothing has
+// started its thread yet.
+template <class Step, class Report>
+void DropFailing(ProcessMap& processes, Step&& step, Report&& report) {
+    for (auto it = processes.begin(); it != processes.end();) {
+        PLATFORM_ASSERT_TEXT(it->second, "procPair.second");
+        const ResultCode result = it->second ? ExceptionToResult([&] { return step(*it->second); })
+                                             : ResultCode("There is no process");
+        if (result) {
+            ++it;
+            continue;
+        }
+        report(it->first.c_str(), result.Text());
+        it = processes.erase(it);
+    }
+}
+
+} // namespace
+
+ApplicationBase::~ApplicationBase() {
+    StopProcesses();
+}
+
+ResultCode ApplicationBase::Initialize(int argc, const char** argv) {
+    JsonDocument config;
+    if (const ResultCode result = LoadConfig(argc, argv, config); !result) {
+        return result;
+    }
+    if (const ResultCode result = PrepareFolders(argc, argv); !result) {
+        return result;
+    }
+    if (const ResultCode result = PreInitialize(); !result) {
+        return result;
+    }
+    if (const ResultCode result = CreateComponents(m_config, m_components); !result) {
+        return result;
+    }
+    if (const ResultCode result = CreateProcesses(m_config, this, m_processes); !result) {
+        return result;
+    }
+    if (const ResultCode result = InitializeComponents(argc, argv); !result) {
+        return result;
+    }
+    InitializeProcesses(config, argc, argv);
+    return PostInitialize();
+}
+
+ResultCode ApplicationBase::LoadConfig(int argc, const char** argv, JsonDocument& config) {
+    m_configPath = ResolveConfigPath(argc, argv);
+    PLATFORM_LOG(Platform::InfoLog, " Using config: %s", m_configPath.c_str());
+    if (!PlatformHelpers::PathExists(m_configPath)) {
+        return "Failed to find config file on disk!";
+    }
+    if (const ResultCode result = LoadJsonConfig(m_configPath, config); !result) {
+        return result;
+    }
+    m_config = {};
+    return ReadConfigSection(config, "Application", m_config);
+}
+
+ResultCode ApplicationBase::PrepareFolders(int argc, const char** argv) {
+    m_applicationFolder = ResolveApplicationFolder(argc, argv, m_config.applicationFolder);
+    PLATFORM_LOG(Platform::InfoLog, " Using application folder: %s", m_applicationFolder.c_str());
+    if (const ResultCode result = CreateMissingFolder(m_applicationFolder); !result) {
+        return result;
+    }
+    m_logFolder = ResolveLogFolder(argc, argv, m_applicationFolder);
+    PLATFORM_LOG(Platform::InfoLog, " Using log folder: %s", m_logFolder.c_str());
+    if (const ResultCode result = CreateMissingFolder(m_logFolder); !result) {
+        return result;
+    }
+    return SetLogRootFolder(m_logFolder);
+}
+
+ResultCode ApplicationBase::PreInitialize() {
+    DropFailing(
+        m_processes, [](IApplicationProcess& process) { return process.PreInitialize(); },
+        [](const char* name, const char* error) {
+            PLATFORM_LOG(Platform::ErrorLog, " Failed pre-initialize step for process %s, Error: %s", name,
+                         error);
+        });
+    return Platform::Success;
+}
+
+ResultCode ApplicationBase::InitializeComponents(int argc, const char** argv) {
+    for (const auto& [name, component] : m_components) {
+        const ResultCode result = ExceptionToResult([&] { return component->Initialize(argc, argv); });
+        if (!result) {
+            return result;
+        }
+    }
+    return Platform::Success;
+}
+
+void ApplicationBase::InitializeProcesses(const JsonDocument& config, int argc, const char** argv) {
+    DropFailing(
+        m_processes, [&](IApplicationProcess& process) { return process.Initialize(config, argc, argv); },
+        [](const char* name, const char* error) {
+            PLATFORM_LOG(Platform::ErrorLog, " Failed to initialize process %s, Error: %s", name, error);
+        });
+}
+
+ResultCode ApplicationBase::PostInitialize() {
+    DropFailing(
+        m_processes, [](IApplicationProcess& process) { return process.PostInitialize(); },
+        [](const char* name, const char* error) {
+            PLATFORM_LOG(Platform::ErrorLog, " Failed post initialize step for process %s, Error: %s", name,
+                         error);
+        });
+    return Platform::Success;
+}
+
+ResultCode ApplicationBase::Run() {
+    for (const auto& procPair : m_processes) {
+        PLATFORM_ASSERT(procPair.second);
+        if (!procPair.second) {
+            return "There is no process";
+        }
+        if (const ResultCode result = procPair.second->Start(); !result) {
+            return result;
+        }
+    }
+    std::vector<void*> handles;
+    handles.reserve(m_processes.size());
+    for (const auto& procPair : m_processes) {
+        const std::shared_ptr<Thread>& procThreadPtr = procPair.second->GetThread();
+        PLATFORM_ASSERT(procThreadPtr);
+        if (procThreadPtr) {
+            handles.push_back(procThreadPtr->GetHandle());
+        }
+    }
+    return WaitForThreads(handles);
+}
+
+ResultCode ApplicationBase::Shutdown() {
+    for (const auto& procPair : m_processes) {
+        PLATFORM_ASSERT(procPair.second);
+        if (!procPair.second) {
+            return "There is no process";
+        }
+        if (const ResultCode result = procPair.second->Shutdown(); !result) {
+            return result;
+        }
+    }
+    for (const auto& [name, component] : m_components) {
+        const ResultCode result = ExceptionToResult([&] { return component->Shutdown(); });
+        if (!result) {
+            return result;
+        }
+    }
+    return Platform::Success;
+}
+
+ResultCode ApplicationBase::AskUploadPermission(UploadPermission& answer) {
+    answer = UploadPermission::Allowed;
+    return Platform::Success;
+}
+
+ResultCode ApplicationBase::GetVersion(PlatformHelpers::ModuleVersion&, uint32_t&) {
+    return "The program has no version";
+}
+
+void ApplicationBase::RequestShutdown() {
+    for (const auto& procPair : m_processes) {
+        if (procPair.second) {
+            procPair.second->RequestShutdown();
+        }
+    }
+}
+
+std::shared_ptr<IApplicationProcess> ApplicationBase::GetProcess(const std::string& name) const {
+    const auto found = m_processes.find(name);
+    return found == m_processes.end() ? nullptr : found->second;
+}
+
+void ApplicationBase::StopProcesses() {
+    RequestShutdown();
+    for (const auto& procPair : m_processes) {
+        if (procPair.second && procPair.second->GetThread()) {
+            procPair.second->GetThread()->Finish();
+        }
+    }
+}

@@ -1,0 +1,32 @@
+#include "Libs/Framework/Core/src/CommandLine.h"
+
+#include <cstring>
+
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+
+const char* CommandLine::ValueOfArgument(const char* argument, const char* opt) {
+    PLATFORM_ASSERT_TEXT(opt && *opt, "opt && *opt");
+    if (!opt || !*opt || !argument || _strnicmp(argument, opt, std::strlen(opt)) != 0) {
+        return nullptr;
+    }
+    const char* equals = std::strchr(argument, '=');
+    return equals ? equals + 1 : nullptr;
+}
+
+std::optional<std::string> CommandLine::FindOption(int argc, const char* const* argv, const char* opt) {
+    for (int i = 0; i < argc; ++i) {
+        if (const char* value = ValueOfArgument(argv[i], opt)) {
+            return *value ? std::optional<std::string>(value) : std::nullopt;
+        }
+    }
+    return std::nullopt;
+}
+
+bool CommandLine::HasFlag(int argc, const char* const* argv, const char* flag) {
+    for (int i = 0; i < argc; ++i) {
+        if (argv[i] && _stricmp(argv[i], flag) == 0) {
+            return true;
+        }
+    }
+    return false;
+}

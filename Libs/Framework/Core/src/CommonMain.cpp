@@ -1,0 +1,75 @@
+#include "Libs/Framework/Core/src/CommonMain.h"
+
+#include "Libs/Framework/Core/src/ApplicationFolders.h"
+#include "Libs/Framework/Core/src/ConsoleLogSink.h"
+#include "Libs/Framework/Core/src/ExceptionToResult.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+
+namespace {
+
+enum ExitCode : int { Done = 0, NoApplication = 1, InitializeFailed = 2, RunFailed = 3, ShutdownFailed = 4 };
+
+// A root that can't be set is reported once there is a sink to report it to.
+void SetUpLogging(int argc, const char** argv) {
+    const std::string folder = ResolveLogFolder(argc, argv, ".");
+    const ResultCode result = SetLogRootFolder(folder);
+    InstallConsoleLogSink();
+    if (!result) {
+        PLATFORM_LOG(Platform::ErrorLog, " Failed to set log root folder to \"%s\". Error=%s", folder.c_str(),
+                     result.Text());
+    }
+}
+
+void LogVersion(ApplicationBase& application) {
+    PlatformHelpers::ModuleVersion version;
+    uint32_t changelist = 0;
+    const ResultCode result = ExceptionToResult([&] { return application.GetVersion(version, changelist); });
+    if (!result) {
+        PLATFORM_LOG(Platform::InfoLog, " Failed to get version information. Error=%s", result.Text());
+    }
+    PLATFORM_LOG(Platform::InfoLog, " %s version %u.%u.%u.%u - %u", GetApplicationDisplayName(),
+                 version.major, version.minor, version.build, version.revision, changelist);
+}
+
+std::shared_ptr<ApplicationBase> MakeApplication(int argc, const char** argv) {
+    std::shared_ptr<ApplicationBase> application;
+    const ResultCode result = ExceptionToResult([&]() -> ResultCode {
+        application = CreateApplication(argc, argv);
+        return Platform::Success;
+    });
+    return result ? application : nullptr;
+}
+
+} // namespace
+
+int CommonMain(int argc, const char** argv) {
+    GetMainThreadId();
+    SetUpLogging(argc, argv);
+    const std::shared_ptr<ApplicationBase> application = MakeApplication(argc, argv);
+    if (!application) {
+        return NoApplication;
+    }
+    LogVersion(*application);
+
+    PLATFORM_LOG(Platform::InfoLog, " initializing application...");
+    ResultCode result = ExceptionToResult([&] { return application->Initialize(argc, argv); });
+    if (!result) {
+        PLATFORM_LOG(Platform::ErrorLog, " Initialization failure. Error=%s", result.Text());
+        return InitializeFailed;
+    }
+    PLATFORM_LOG(Platform::InfoLog, " running application processes...");
+    result = ExceptionToResult([&] { return application->Run(); });
+    if (!result) {
+        PLATFORM_LOG(Platform::ErrorLog, " Run failure. Error=%s", result.Text());
+        return RunFailed;
+    }
+    PLATFORM_LOG(Platform::InfoLog, " shutting down application processes...");
+    result = ExceptionToResult([&] { return application->Shutdown(); });
+    if (!result) {
+        PLATFORM_LOG(Platform::ErrorLog, " Shutdown failure. Error=%s", result.Text());
+        return ShutdownFailed;
+    }
+    PLATFORM_LOG(Platform::InfoLog, " exiting application...");
+    return Done;
+}
