@@ -1,0 +1,57 @@
+#include "Libs/Shared/src/JsonConfig.h"
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+#include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+
+namespace {
+
+ResultCode ReadConfigBytes(const std::string& path, std::vector<uint8_t>& bytes) {
+    switch (Platform::ReadWholeFile(path, bytes)) {
+    case Platform::ReadOutcome::Done:
+        return Platform::Success;
+    case Platform::ReadOutcome::OpenFailed:
+        return "Failed to open json config file";
+    case Platform::ReadOutcome::Empty:
+        return "Failed to read zero length json config file";
+    case Platform::ReadOutcome::ReadFailed:
+        break;
+    }
+    return "Failed to read json config file!";
+}
+
+} // namespace
+
+ResultCode LoadJsonConfig(const std::string& path, JsonDocument& document) {
+    std::vector<uint8_t> bytes;
+    if (const ResultCode result = ReadConfigBytes(path, bytes); !result) {
+        return result;
+    }
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    if (!JsonSerialization::ParseText(text, document)) {
+        PLATFORM_LOG(Platform::ErrorLog, " Failed to parse file \"%s\" at position %u. %s", path.c_str(),
+                     static_cast<unsigned>(document.GetErrorOffset()),
+                     JsonSerialization::ParseErrorText(document));
+        return "Failed to decode json header data!";
+    }
+    return Platform::Success;
+}
+
+ResultCode FindConfigSection(const JsonDocument& config, const char* name, const JsonValue*& section) {
+    section = nullptr;
+    if (!config.IsObject()) {
+        return "configuration section not found";
+    }
+    const auto found = config.FindMember(name);
+    if (found == config.MemberEnd()) {
+        return "configuration section not found";
+    }
+    if (!found->value.IsObject()) {
+        return "configuration section found is not an object";
+    }
+    section = &found->value;
+    return Platform::Success;
+}

@@ -1,0 +1,53 @@
+#include "Libs/Tarnel/String/src/String_PaletteAllocator.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+
+namespace String {
+
+namespace {
+
+bool IsAlignment(std::size_t uiAlign) {
+    PLATFORM_ASSERT(uiAlign && !(uiAlign & (uiAlign - 1)));
+    return uiAlign && !(uiAlign & (uiAlign - 1));
+}
+
+} // namespace
+
+std::size_t AlignUp(std::size_t value, std::size_t uiAlign) {
+    return IsAlignment(uiAlign) ? (value + uiAlign - 1) & ~(uiAlign - 1) : value;
+}
+
+void* PaletteAllocator::Allocate(std::size_t uiBytes, std::size_t uiAlignment) {
+    if (!IsAlignment(uiAlignment)) {
+        return nullptr;
+    }
+    PLATFORM_ASSERT_TEXT((uiBytes % uiAlignment) == 0, "(uiBytes % uiAlignment) == 0");
+    if (uiBytes % uiAlignment != 0) {
+        return nullptr;
+    }
+    const std::size_t padding = (0 - reinterpret_cast<std::uintptr_t>(m_next)) & (uiAlignment - 1);
+    if (!m_next || m_left < padding || m_left - padding < uiBytes) {
+        return AllocateFromNewBlock(uiBytes);
+    }
+    std::byte* const bytes = m_next + padding;
+    m_next = bytes + uiBytes;
+    m_left -= padding + uiBytes;
+    return bytes;
+}
+
+// A large request gets a block of its own and leaves the rest of the current one in use.
+void* PaletteAllocator::AllocateFromNewBlock(std::size_t uiBytes) {
+    const std::size_t size = std::max(uiBytes, BlockSize);
+    std::byte* const block = static_cast<std::byte*>(::operator new(size, std::nothrow));
+    if (block && size - uiBytes > m_left) {
+        m_next = block + uiBytes;
+        m_left = size - uiBytes;
+    }
+    return block;
+}
+
+} // namespace String
