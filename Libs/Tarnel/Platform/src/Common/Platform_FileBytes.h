@@ -7,7 +7,8 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// Whole files as bytes. Paths are UTF-8. No failure throws: a file that does not fit in memory is a read failure.
+// Whole files as bytes. Paths are UTF-8. No failure throws: a file that does not fit in memory is a read
+// failure.
 namespace Platform {
 
 // The step at which a whole-file read failed; each caller has texts of its own for the steps.

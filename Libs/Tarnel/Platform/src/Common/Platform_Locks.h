@@ -7,8 +7,8 @@
 
 namespace Platform {
 
-// A 32-bit word taken by swapping 0 for 1 and released by storing 0. Busy-waits: hold it for a few instructions.
-// Fits std::lock_guard.
+// A 32-bit word taken by swapping 0 for 1 and released by storing 0. Busy-waits: hold it for a few
+// instructions. Fits std::lock_guard.
 class SpinLock {
 public:
     void lock() {
@@ -23,8 +23,9 @@ private:
     std::atomic<uint32_t> m_iLock = 0;
 };
 
-// Many readers or one writer in one 32-bit word: readers count up, a writer waits for 0 and swaps in the high bit.
-// Fits std::shared_lock and std::unique_lock. A thread that holds either side must not ask for the other.
+// Many readers or one writer in one 32-bit word: readers count up, a writer waits for 0 and swaps in the high
+// bit. Fits std::shared_lock and std::unique_lock. A thread that holds either side must not ask for the
+// other.
 class ReaderWriterLock {
 public:
     void lock() {

@@ -2,6 +2,8 @@
 
 #include <cstdint>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_Printf.h"
+
 namespace Platform {
 
 // The three logs. A sink tells them apart by content, not by pointer.
@@ -22,11 +24,7 @@ void LogFileSink(const wchar_t* logName, const char* data, uint32_t length, int)
 
 // Puts "[year-month-day hour:minute:second]\t" in local time before the message and writes the entry. By
 // convention the format starts with one blank and carries no line terminator.
-void LogFormat(const wchar_t* logName, const char* format, ...)
-#if defined(__GNUC__)
-    __attribute__((format(printf, 2, 3)))
-#endif
-    ;
+void LogFormat(const wchar_t* logName, const char* format, ...) PLATFORM_PRINTF(2, 3);
 
 } // namespace Platform
 
@@ -36,8 +34,9 @@ extern "C" {
 // Null or empty clears the root. Takes the first 258 characters, turns "\" into "/" and ends the root in "/".
 void EXP_SetLogRoot(const wchar_t* path);
 
-// Writes root and file name to output and returns the length without the terminator; without a root it returns 1
-// and writes nothing. The caller's buffer must hold root, name and terminator (260 more than the name is enough).
+// Writes root and file name to output and returns the length without the terminator; without a root it
+// returns 1 and writes nothing. The caller's buffer must hold root, name and terminator (260 more than the
+// name is enough).
 uint32_t EXP_GetLogPath(wchar_t* output, const wchar_t* fileName);
 
 // Null reinstalls the file sink.

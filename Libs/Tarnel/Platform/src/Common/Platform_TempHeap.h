@@ -1,0 +1,52 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+
+namespace Platform {
+
+// A lock-free bump arena for short-lived blocks, reclaimed as a whole when its last block is freed. Any
+// thread may call anything at any time. Without an arena, as it starts, every request is turned down.
+class TempHeap {
+public:
+    constexpr TempHeap() = default;
+    ~TempHeap();
+    TempHeap(const TempHeap&) = delete; // blocks point into it
+    TempHeap& operator=(const TempHeap&) = delete;
+
+    // Gives the heap an arena of capacity bytes, rounded down to a multiple of 16. False when it has one
+    // already, when capacity holds no granule or when there is no memory.
+    [[nodiscard]] bool SetUp(uint32_t capacity);
+
+    // Gives the arena back. False, with nothing changed, while blocks are live.
+    [[nodiscard]] bool ShutDown();
+
+    // Null when the request does not fit. Size 0 gives a block without room, to be freed like any other.
+    [[nodiscard]] void* Allocate(std::size_t size);
+
+    bool Owns(const void* pointer) const;
+
+    // Null is allowed.
+    void Free(void* block);
+
+    uint32_t UsedBytes() const { return m_uiUsed.load(std::memory_order_relaxed); }
+    int32_t LiveBlocks() const;
+
+private:
+    static constexpr int32_t Resetting = INT32_MIN;
+
+    void TakeReference();
+    void ReleaseReference();
+    bool EnterReset();
+    void LeaveReset();
+
+    std::atomic<int32_t> m_iState = 0; // live blocks, or Resetting
+    std::atomic<uint8_t*> m_pBase = nullptr;
+    std::atomic<uint32_t> m_uiUsed = 0; // a multiple of 16
+    std::atomic<uint64_t> m_uiCapacity = 0;
+};
+
+} // namespace Platform
+
+extern "C" Platform::TempHeap* EXP_GetTempHeap();
