@@ -1,11 +1,14 @@
 #include "Libs/Processes/Cloud/src/UploaderS3.h"
 
+#include <thread>
+
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Processes/Cloud/src/CloudComponent.h"
 #include "Libs/Processes/Cloud/src/UploaderThreadS3.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
 
 namespace {
 
@@ -160,4 +163,19 @@ TEST(CloudComponent, StartsAndEndsWithoutAnUploadAndAnswersForItself) {
     EXPECT_STREQ("OK", component.Shutdown().Text());
     EXPECT_EQ(&component, Reflection::Query<CloudComponent>(component));
     EXPECT_EQ(nullptr, Reflection::Query<UploaderS3>(component));
+}
+
+TEST(CloudComponent, OtherThreadsAreReported) {
+    GetMainThreadId();
+    EXP_GetAssertState()->showDialogs = 0;
+    const Platform::BugState& bugs = *EXP_GetBugState();
+    const uint32_t before = bugs.failedCount[0];
+    CloudComponent component;
+    std::thread([&] {
+        EXPECT_TRUE(component.Initialize(0, nullptr));
+        EXPECT_TRUE(component.Shutdown());
+    }).join();
+    EXPECT_EQ(before + 2, bugs.failedCount[0]);
+    EXPECT_STREQ("GetMainThreadId() == GetCurrentThreadIdImpl()", bugs.lastExpression);
+    EXPECT_STREQ("Libs/Processes/Cloud/src/CloudComponent", bugs.lastSourceUnit);
 }

@@ -11,6 +11,7 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
 
 namespace {
 
@@ -85,6 +86,8 @@ public:
         }
         m_board.Tell([&](Board& board) { board.started.push_back(folder); });
     }
+
+    using UploaderBase::AddActiveUpload;
 
     bool m_startsThreads = true;
 
@@ -320,4 +323,19 @@ TEST_F(Uploader, AnswersForItsOwnType) {
     EXPECT_EQ(m_uploader.get(), Reflection::Query<UploaderBase>(*m_uploader));
     EXPECT_EQ(nullptr, Reflection::Query<IWatcher>(*m_uploader));
     Start(); // a thread that never ran can't be waited for
+}
+
+TEST_F(Uploader, MisuseIsReportedAndSurvived) {
+    EXP_GetAssertState()->showDialogs = 0;
+    const Platform::BugState& bugs = *EXP_GetBugState();
+    Run(false);
+    m_uploader->AddActiveUpload(nullptr); // not the uploader's thread
+    EXPECT_STREQ("GetThread()->GetThreadId() == GetCurrentThreadIdImpl()", bugs.lastExpression);
+    EXPECT_STREQ("Libs/Processes/Core/src/UploaderBase", bugs.lastSourceUnit);
+    const uint32_t before = bugs.failedCount[0];
+    HoldingUploader alone(m_application.get(), m_board, nullptr);
+    alone.ThreadMain(); // no watcher: it ends at once
+    EXPECT_STREQ("pWatcher", bugs.lastExpression);
+    EXPECT_EQ(before + 2, bugs.failedCount[0]); // "m_watcherProcPtr" first
+    Start();
 }
