@@ -1,0 +1,33 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+#include "Libs/Processes/Cloud/src/ObjectStore.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
+
+// Where the requests for one bucket go. Made of checked parts only, so that every field can stand in a
+// request line or a header as it is.
+struct S3Endpoint {
+    bool secure = true;
+    std::string host; // name, IPv4 address or bracketed IPv6 address: what is connected to
+    uint16_t port = 443;
+    std::string bucketPath = "/"; // what leads the key: "/" or "/bucket/"
+    bool bucketInHost = false;    // the host starts with the bucket
+
+    // Host and, unless it is the scheme's own, port: "store.local:8080".
+    std::string HostHeader() const;
+};
+
+// Turns the configuration into an endpoint, or refuses it before anything is sent. Without an override it is
+// Amazon's regional one: "BUCKET.s3.us-east-1.amazonaws.com". An override is a scheme, a host and perhaps a
+// port: "http://127.0.0.1:8080", "https://[::1]/"; user, path, query and fragment are refused.
+//
+// The bucket goes before the host when the configuration says so and it can: it must be one lower-case DNS
+// label, because a certificate's wildcard covers one label only, and the host must be a name. Otherwise it
+// leads the path.
+ResultCode ResolveS3Endpoint(const ObjectStoreConfig& config, S3Endpoint& endpoint);
+
+// Lower-case letters, digits and inner hyphens; 1 to 63 of them.
+[[nodiscard]] bool IsDnsLabel(std::string_view text);
