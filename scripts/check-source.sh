@@ -1,0 +1,51 @@
+#!/usr/bin/env bash
+# What a machine can see of the house rules: layout, layers, windows.h, wording. Prints every place that breaks one.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")/.."
+
+mapfile -t sources < <(git ls-files -- '*.cpp' '*.h')
+failed=0
+
+report() { # rule, places that break it, if any
+    [ -n "$2" ] || return 0
+    printf 'check-source: %s\n%s\n' "$1" "$2"
+    failed=1
+}
+
+# Includes run downwards only. A folder may include itself, what stands before it here, and no more.
+check_layers() {
+    awk '
+        BEGIN {
+            split("Libs/Tarnel/ Libs/Shared/ Libs/Framework/Core/ Libs/Framework/Application/ " \
+                  "Libs/Processes/Core/ Libs/Processes/Cloud/ app/ Tools/ bench/ tests/", layers, " ")
+        }
+        function rank(path,    i) {
+            for (i = 1; i in layers; ++i) if (index(path, layers[i]) == 1) return i
+            return 0
+        }
+        /^#include "/ {
+            split($0, parts, "\"")
+            if (rank(parts[2]) > rank(FILENAME)) print FILENAME ":" FNR ": " $0
+            else if (rank(parts[2]) == 0) print FILENAME ":" FNR ": not from the root of the repository: " $0
+        }' "${sources[@]}"
+}
+
+windows_headers() {
+    grep -nHiE '^ *# *include *<windows\.h>' -- "${sources[@]}" | grep -E '^[^:]*\.h:' | grep -v '^Libs/Tarnel/Platform/' || true
+}
+
+# The brackets keep this line from finding itself.
+wording() {
+    git ls-files -z | xargs -0 grep -nIiE '\bspecificatio[n]\b|\bthe spe[c]\b|spec[.]md|\bParts? [0-9][.][0-9]' || true
+}
+
+layout() {
+    clang-format --dry-run "${sources[@]}" 2>&1 | grep -E 'warning|error' || true
+}
+
+report "an include that runs upwards, or not from the root" "$(check_layers)"
+report "windows.h in a header outside Libs/Tarnel/Platform" "$(windows_headers)"
+report "words that the project never uses" "$(wording)"
+report "not as clang-format lays it out (clang-format -i FILE mends it)" "$(layout)"
+if ((failed)); then exit 1; fi
+echo "check-source: ${#sources[@]} sources are in order"

@@ -1,0 +1,52 @@
+#!/usr/bin/env bash
+# Sets the machine up, builds, and runs every test: on the sources, natively with sanitizers, under Wine, end to end.
+# A second run builds only what changed and needs no network. Exit code 0 only when everything passed.
+#
+#   ./test.sh [STEP...]    steps: source native release debug e2e (default: all, in this order)
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+
+steps=("$@")
+[ $# -gt 0 ] || steps=(source native release debug e2e)
+passed=0
+failed=()
+
+# Runs one step, whose output shows as it comes, and remembers how it ended.
+step() {
+    local name=$1 start=$SECONDS
+    shift
+    echo "==== $name"
+    if "$@"; then
+        passed=$((passed + 1))
+        echo "==== $name passed in $((SECONDS - start)) s"
+    else
+        failed+=("$name")
+        echo "==== $name FAILED after $((SECONDS - start)) s"
+    fi
+}
+
+build() { # preset
+    cmake --preset "$1" >"build/$1-configure.log" 2>&1 || { cat "build/$1-configure.log" && return 1; }
+    cmake --build --preset "$1"
+}
+
+unit_tests() { # preset
+    build "$1" && ctest --preset "$1" -j "$(nproc)"
+}
+
+end_to_end() {
+    build release && /usr/bin/python3 -m pytest -q -ra --durations=8 tests/e2e
+}
+
+scripts/setup.sh
+for name in "${steps[@]}"; do
+    case $name in
+    source) step source scripts/check-source.sh ;;
+    native | release | debug) step "$name" unit_tests "$name" ;;
+    e2e) step e2e end_to_end ;;
+    *) echo "test.sh: unknown step $name" >&2 && exit 2 ;;
+    esac
+done
+
+echo "$passed passed, ${#failed[@]} failed${failed[*]:+: ${failed[*]}} (in $SECONDS s)"
+[ ${#failed[@]} -eq 0 ]

@@ -1,0 +1,74 @@
+"""Fixtures of the end-to-end tests: one store for all, and for each test a bucket, a scratch folder and a limit."""
+import re
+import shutil
+import signal
+
+import pytest
+
+import wine
+from agent import EXECUTABLE, GAME, Site
+from store.client import Store
+
+USUAL_LIMIT = 60
+
+
+@pytest.fixture(scope="session", autouse=True)
+def prefix():
+    for program in (EXECUTABLE, GAME):
+        assert program.is_file(), f"{program} is missing: ./test.sh builds it"
+    wine.make_prefix()
+    yield
+    wine.stop_prefix()
+
+
+@pytest.fixture(autouse=True)
+def limit(request):
+    """Fails the test when its time is up."""
+    marker = request.node.get_closest_marker("limit")
+    seconds = marker.args[0] if marker else USUAL_LIMIT
+
+    def time_is_up(*_):
+        raise TimeoutError(f"the test took more than {seconds} s")
+
+    signal.signal(signal.SIGALRM, time_is_up)
+    signal.alarm(seconds)
+    yield
+    signal.alarm(0)
+
+
+def short_name(request):
+    return re.sub(r"[^a-z0-9]+", "-", request.node.name.lower()).strip("-")[:48]
+
+
+@pytest.fixture
+def scratch(request):
+    """An empty folder that stays after the test, to be looked at."""
+    folder = wine.SCRATCH / request.node.path.stem / short_name(request)
+    shutil.rmtree(folder, ignore_errors=True)
+    folder.mkdir(parents=True)
+    return folder
+
+
+@pytest.fixture(scope="session")
+def running_store():
+    folder = wine.SCRATCH / "store"
+    shutil.rmtree(folder, ignore_errors=True)
+    with Store(folder) as store:
+        yield store
+
+
+@pytest.fixture
+def store(running_store):
+    running_store.reset()
+    return running_store
+
+
+@pytest.fixture
+def bucket(store, request):
+    return store.make_bucket(short_name(request))
+
+
+@pytest.fixture
+def site(scratch, store, bucket):
+    """An installation that uploads into the test's bucket."""
+    return Site(scratch, store, bucket)

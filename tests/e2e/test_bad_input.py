@@ -1,0 +1,151 @@
+"""Hostile and broken submissions: each gives its text, the next one goes on, nothing outside the folder is touched."""
+import gzip
+import json
+import os
+
+from package_reader import read_package
+from submissions import catalog, header, write_folder, write_small
+from wine import windows_path
+
+PARSE = "Failed to parse json header data in dump folder!"
+BRACKETS = 500_000
+
+
+def text_of(**changes):
+    return json.dumps(header(**changes)).encode()
+
+
+def without(key):
+    fields = header()
+    del fields[key]
+    return json.dumps(fields).encode()
+
+
+BAD_HEADERS = {
+    "empty": (b"", "Invalid header of size 0 in dump folder!"),
+    "no json": (b"crash!", PARSE),
+    "cut": (text_of()[:-1], PARSE),
+    "trailing": (text_of() + b"x", PARSE),
+    "array": (b"[]", PARSE),
+    "brackets": (b"[" * BRACKETS, PARSE),
+    "objects": (b'{"Catalog":' * BRACKETS, PARSE),
+    "closed brackets": (b'{"Host":' + b"[" * BRACKETS + b"]" * BRACKETS + b"}", PARSE),
+    "unterminated": (b'{"Host":"' + b"x" * 30_000_000, PARSE),
+    "encoding": (text_of(Host="?").replace(b"?", b"\xc3\x28"), PARSE),
+    "surrogate": (text_of(Host="?").replace(b"?", b"\\ud800"), PARSE),
+    "no source of that name": (text_of(Source="MARTIAN"), PARSE),
+    "text for number": (text_of(Changelist="7"), PARSE),
+    "too large": (text_of(Changelist=2 ** 32), PARSE),
+    "wrong stack": (text_of(Callstack=["0x1"]), PARSE),
+    "catalog": (text_of(Catalog=[]), PARSE),
+    "attachments": (text_of(Catalog={"Attachments": {}}), PARSE),
+    **{f"no {key}": (without(key), PARSE) for key in (
+        "Host", "Time", "Application", "SubmissionType", "Catalog", "Exception", "Callstack", "ModuleInfo",
+        "Changelist")},
+}
+
+
+def test_bad_headers_give_their_text_and_the_next_goes_on(site, store, bucket):
+    for name, (content, _) in BAD_HEADERS.items():
+        write_folder(site.dumps / name, {"game.log": b"log"}, content)
+    write_small(site.dumps, "good")
+    with site.start_with_game() as beside:
+        site.wait_all_sent(45)
+        beside.agent.wait_for(" Uploaded package for submission folder")
+        assert beside.quit() == 0
+    errors = beside.agent.stderr.decode()
+    for name, (_, error) in BAD_HEADERS.items():
+        folder = windows_path(site.dumps / name)
+        assert f' Failed to package dump folder "{folder}", error: "{error}"\r\n' in errors
+    assert errors.count("Failed to package") == len(BAD_HEADERS)
+    assert len(store.keys(bucket)) == 1
+    assert not list(site.dumps.iterdir()), "a submission is never tried twice"
+    assert not list(site.work.iterdir()), "a failed submission leaves no work folder"
+
+
+def hostile_names(secret):
+    inside = windows_path(secret)
+    return [
+        "..\\secret.txt", "../secret.txt", "logs\\..\\..\\secret.txt", "logs/../../secret.txt", ".\\..\\secret.txt",
+        inside, inside.replace("\\", "/"), "\\" + inside[2:].lstrip("\\"), inside[2:], "Z:secret.txt",
+        "\\\\?\\" + inside, "\\\\.\\" + inside, "\\\\localhost\\share\\secret.txt",
+        "note.txt:stream", "note.txt::$DATA", "NUL", "nul.txt", "CON", "logs\\COM1", "aux .txt",
+        "linked\\secret.txt", "linked/secret.txt",
+    ]
+
+
+def test_hostile_names_are_missing_files(site, store, bucket):
+    outside = site.folder / "outside"
+    outside.mkdir()
+    secrets = [site.dumps / "secret.txt", site.folder / "secret.txt", outside / "secret.txt"]
+    for path in secrets:
+        path.write_bytes(b"TOP SECRET " * 100)
+    names = hostile_names(secrets[1])
+    folder = site.dumps / "hostile"
+    write_folder(folder, {"note.txt": b"a note", "logs/太郎.txt": b"a log below", "game.log": b"log"},
+                 header(Catalog=catalog(dump=names[0], log="game.log",
+                                        attachments=["note.txt", *names, "logs/太郎.txt", ""])), complete=False)
+    os.symlink(outside, folder / "linked")
+    os.symlink(outside, folder / "unused link")
+    (folder / "header.json").chmod(0o444)
+
+    with site.start() as agent:
+        site.wait_all_sent()
+        assert agent.wait() == 0
+    for name in names:
+        assert f" Failed to copy or compress attachment {name}. Error=Failed to find attachment on disk\r\n" \
+            in agent.stderr.decode()
+
+    (key,) = store.keys(bucket)
+    package = read_package(store.get(bucket, key))
+    assert {entry.name: entry.original for entry in package.entries} == {
+        "game.log": b"log", "note.txt": b"a note", "logs/太郎.txt": b"a log below"}
+    assert package.header["Catalog"]["Dump"] == {"File": "", "MD5": ""}
+    assert not folder.exists(), "the folder goes, links in it as links"
+    for path in secrets:
+        assert path.read_bytes() == b"TOP SECRET " * 100
+
+
+def test_linked_submission_folders_are_not_followed_when_deleted(site):
+    """Whoever may write into the dumps folder must not be able to have other folders deleted."""
+    outside = site.folder / "outside"
+    write_folder(outside, {"precious.txt": b"keep me"}, header(Catalog=catalog(log="precious.txt")))
+    os.symlink(outside, site.dumps / "linked")
+    with site.start() as agent:
+        assert agent.wait() == 0
+    assert (outside / "precious.txt").read_bytes() == b"keep me"
+    assert (outside / "header.json").exists()
+
+
+def test_files_as_games_name_them(site, store, bucket):
+    """Already compressed files, doubly compressed names, empty and missing ones."""
+    files = {"plain.txt": b"plain", "ready.txt.gz": gzip.compress(b"ready"), "trace.gz": b"raw trace", "empty.txt": b"",
+             "太郎.dmp": b"dump"}
+    names = ["plain.txt", "ready.txt", "trace.gz", "empty.txt", "missing.txt"]
+    write_folder(site.dumps / "names", files, header(Catalog=catalog(dump="太郎.dmp", attachments=names)))
+    with site.start() as agent:
+        site.wait_all_sent()
+        assert agent.wait() == 0
+    (key,) = store.keys(bucket)
+    package = read_package(store.get(bucket, key))
+    assert {entry.name: entry.original for entry in package.entries} == {
+        "太郎.dmp": b"dump", "plain.txt": b"plain", "ready.txt": b"ready", "trace.gz": b"raw trace"}
+    assert package.header["InstanceKey"] == "太郎"
+    for name, error in (("empty.txt", "Failed to read zero length input file!"),
+                        ("missing.txt", "Failed to find attachment on disk")):
+        assert f" Failed to copy or compress attachment {name}. Error={error}\r\n" in agent.text
+
+
+def test_the_sentinel_alone_decides(site, store, bucket):
+    """A writable header is not taken; made read-only, it is taken on the next pass, once."""
+    folder = write_folder(site.dumps / "late", {"game.log": b"log"}, header(Catalog=catalog(log="game.log")),
+                          complete=False)
+    write_small(site.dumps, "complete")
+    with site.start_with_game() as beside:
+        beside.agent.wait_for('complete" in ')
+        assert (folder / "game.log").exists()
+        (folder / "header.json").chmod(0o444)
+        beside.agent.wait_for('late" in ')
+        assert beside.quit() == 0
+    assert beside.agent.text.count(f"Added {windows_path(folder)} to pending") == 1
+    assert len(store.keys(bucket)) == 2

@@ -1,0 +1,122 @@
+"""Options, exit codes and what the two outputs carry."""
+import re
+import shutil
+
+import pytest
+
+from agent import EXECUTABLE, GAME
+from wine import Program, windows_path
+
+LINE = re.compile(rb"\[\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\]\t [^\r\n]*\r\n")
+
+
+@pytest.fixture
+def idle(site):
+    """An installation whose agent does nothing and ends soon."""
+    site.configuration = {
+        "Application": {"Processes": {"ProcessMonitor": ["Monitor"]}, "Components": [], "ApplicationFolder": ""},
+        "Monitor": {"TimeBetweenChecks": 50, "ShutdownDelay": 50}}
+    return site
+
+
+def run(*arguments, executable=EXECUTABLE, **options):
+    with Program(executable, *arguments, **options) as program:
+        return program.wait(), program
+
+
+def test_a_quiet_run_says_exactly_this(idle):
+    with idle.start() as agent:
+        assert agent.wait() == 0
+    app = windows_path(idle.folder / "app")
+    messages = [line.split(b"\t ", 1)[1].decode() for line in agent.stdout.split(b"\r\n")[:-1]]
+    assert messages == [
+        "MorvaneCrashReporter version 1.0.0.0 - 1",
+        "initializing application...",
+        f"Using config: {windows_path(idle.folder / 'agent.json')}",
+        f"Using application folder: {app}",
+        f"Using log folder: {app}",
+        "running application processes...",
+        "All monitored processes have closed, starting shutdown delay timer...",
+        "ProcessMonitor requesting shutting down...",
+        "shutting down application processes...",
+        "exiting application...",
+    ]
+
+
+def test_each_output_carries_whole_lines(idle):
+    idle.configuration["Application"]["Processes"]["Watcher"] = ["NoSection"]
+    with idle.start() as agent:
+        assert agent.wait() == 0
+    for output in (agent.stdout, agent.stderr):
+        assert re.fullmatch(rb"(%s)+" % LINE.pattern, output), output
+    assert b" Failed to initialize process NoSection, Error: configuration section not found\r\n" in agent.stderr
+    assert b"Failed" not in agent.stdout
+
+
+@pytest.mark.parametrize("arguments", [
+    ["-config={good}"],
+    ["-CONFIG={good}"],
+    ["-configfile={good}"],  # the name is a prefix
+    ["-config", "-config={good}"],
+    ["-config={good}", "-config={bad}"],
+    ["--config={bad}", "-nonsense", "-config={good}"],
+])
+def test_the_option_grammar(idle, arguments):
+    names = {"good": windows_path(idle.write_configuration()), "bad": windows_path(idle.folder / "none.json")}
+    code, agent = run(*[argument.format(**names) for argument in arguments],
+                      f"-appFolder={windows_path(idle.folder / 'app')}")
+    assert f" Using config: {names['good']}\r\n" in agent.text
+    assert code == 0
+
+
+def test_an_empty_value_counts_as_absent(idle):
+    """The first match decides, even when it is empty: the default configuration is looked for."""
+    code, agent = run("-config=", f"-config={windows_path(idle.write_configuration())}")
+    assert f" Using config: {windows_path(EXECUTABLE)}.json\r\n" in agent.text
+    assert code == 2
+
+
+def test_the_default_configuration_lies_beside_the_program(idle):
+    program = idle.folder / "agent.exe"
+    shutil.copy(EXECUTABLE, program)
+    shutil.move(idle.write_configuration(), idle.folder / "agent.exe.json")
+    code, agent = run(f"-appFolder={windows_path(idle.folder / 'app')}", executable=program)
+    assert f" Using config: {windows_path(program)}.json\r\n" in agent.text
+    assert code == 0
+
+
+def test_folders_are_made_with_their_parents(idle):
+    app, log = idle.folder / "a 太郎" / "b", idle.folder / "logs" / "deep"
+    code, agent = run(f"-config={windows_path(idle.write_configuration())}", f"-APPFOLDER={windows_path(app)}",
+                      f"-LOG={windows_path(log)}")
+    assert code == 0 and app.is_dir() and log.is_dir()
+    assert f" Using application folder: {windows_path(app)}\r\n" in agent.text
+    assert f" Using log folder: {windows_path(log)}\r\n" in agent.text
+    assert not list(log.iterdir())  # lines go to the outputs, not to files
+
+
+def test_the_application_folder_lies_in_the_documents(idle):
+    for name, last in (("太郎 Game", "太郎 Game"), ("", "MorvaneCrashReporter")):
+        idle.configuration["Application"]["ApplicationFolder"] = name
+        code, agent = run(f"-config={windows_path(idle.write_configuration())}")
+        folder = re.search(r" Using application folder: (.*)\r\n", agent.text).group(1)
+        assert code == 0 and folder.rstrip("\\").endswith("\\Documents\\" + last), agent.text
+
+
+def test_process_options_add_games(idle):
+    with Program(GAME, "--stay-alive", "900000", "--crash", "none") as game:
+        with idle.start("-PROCESS=samplegame.EXE", "-process=other.exe") as agent:
+            agent.wait_for(" running application processes...")
+            with pytest.raises(AssertionError):
+                agent.wait(2)
+            game.kill()
+            assert agent.wait() == 0
+
+
+def test_a_missing_configuration_ends_with_2(idle):
+    missing = windows_path(idle.folder / "none.json")
+    code, agent = run(f"-config={missing}")
+    assert code == 2
+    assert f" Using config: {missing}\r\n" in agent.stdout.decode()
+    assert b" Initialization failure. Error=Failed to find config file on disk!\r\n" in agent.stderr
+    assert b"exiting" not in agent.stdout

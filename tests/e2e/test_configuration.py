@@ -1,0 +1,83 @@
+"""Every fault of the configuration file gives its text; only some of them stop the program."""
+import pytest
+
+from wine import windows_path
+
+BRACKETS = 500_000
+
+
+@pytest.mark.parametrize("content, texts", [
+    (b"", ["Failed to read zero length json config file"]),
+    (b'{"Application":', [" at position ", "Failed to decode json header data!"]),
+    (b"[" * BRACKETS, [" at position ", "Failed to decode json header data!"]),
+    (b'{"a":' * BRACKETS, [" at position ", "Failed to decode json header data!"]),
+    (b'{"Application": "\xff\xfe"}', [" at position ", "Failed to decode json header data!"]),
+    (b'{"Application": "' + b"x" * 30_000_000, [" at position ", "Failed to decode json header data!"]),
+    (b"{}", ["configuration section not found"]),
+    (b"[]", ["configuration section not found"]),
+    (b'{"Application": []}', ["configuration section found is not an object"]),
+    (b'{"Application": {"Processes": {}, "ApplicationFolder": ""}}',
+     [' Failed to find field "Components" in json data', "Field not found in json"]),
+    (b'{"Application": {"Processes": [], "Components": [], "ApplicationFolder": ""}}', ["Element is not an object"]),
+    (b'{"Application": {"Processes": {"watcher": ["W"]}, "Components": [], "ApplicationFolder": ""}}',
+     [" Failed to find maker for process W\r\n", "Failed to find maker for process\r\n"]),
+    (b'{"Application": {"Processes": {}, "Components": ["Cloud"], "ApplicationFolder": ""}}',
+     [" Failed to find maker for component Cloud\r\n", "Failed to find maker for component\r\n"]),
+], ids=["empty", "cut", "brackets", "objects", "encoding", "unterminated", "no section", "array root", "array section",
+        "missing field", "wrong kind", "unknown process", "unknown component"])
+def test_a_fault_of_the_application_stops_it(site, content, texts):
+    path = site.write_configuration(content)
+    site.write_configuration = lambda: path
+    with site.start() as agent:
+        assert agent.wait() == 2
+    for text in texts:
+        assert text in agent.text
+    errors = agent.stderr.decode()
+    assert " Initialization failure. Error=" + texts[-1].rstrip("\r\n") + "\r\n" in errors
+    if " at position " in texts:
+        assert f' Failed to parse file "{windows_path(path)}" at position ' in errors
+
+
+FAULTY_PROCESSES = {
+    # instance: (class, section or None, error)
+    "A no section": ("Watcher", None, "configuration section not found"),
+    "A no object": ("Watcher", [], "configuration section found is not an object"),
+    "A no folder": ("Watcher", {}, "Field not found in json"),
+    "A wrong kind": ("Watcher", {"Folder": 3}, "Field not string"),
+    "A negative": ("Watcher", {"Folder": "f", "TimeBetweenChecks": -1}, "Field not unsigned integer"),
+    "A number for bool": ("Watcher", {"Folder": "f", "ShutdownAfterCheck": 1}, "Field not bool"),
+    "A no metrics": ("Watcher", {"Folder": "f", "MetricsCollectorName": "M"},
+                     "No metrics process to provide metrics collection for watcher"),
+    "B no watcher": ("Packager", {"WatcherName": "none"}, "No watcher process to provide submission for packager"),
+    "B regex": ("Packager", {"WatcherName": "DumpWatcher", "AttachmentBlacklist": ["a", "("]},
+                "Invalid regular expression in attachment black list"),
+    "B source": ("Packager", {"WatcherName": "DumpWatcher", "Source": "NOWHERE"},
+                 "Unknown enum value found in data"),
+    "B limits": ("Packager", {"WatcherName": "DumpWatcher", "AttachmentLimits": {}}, "Not an array"),
+    "C keys": ("UploaderS3", {"WatcherName": "PackageWatcher", "BucketName": "b", "AccessKey": "k"},
+               "Field not found in json"),
+    "C no watcher": ("UploaderS3", {"WatcherName": "none", "BucketName": "b", "AccessKey": "k", "SecretKey": "s"},
+                     "No watcher process to provide submissions for uploader"),
+    "D no section": ("ProcessMonitor", None, "configuration section not found"),
+}
+
+
+def test_a_fault_of_one_process_drops_that_process(site):
+    processes = site.configuration["Application"]["Processes"]
+    for name, (maker, section, _) in FAULTY_PROCESSES.items():
+        processes[maker] = processes[maker] + [name]
+        if section is not None:
+            site.configuration[name] = section
+    with site.start() as agent:
+        assert agent.wait() == 0
+    for name, (_, _, error) in FAULTY_PROCESSES.items():
+        assert f" Failed to initialize process {name}, Error: {error}\r\n" in agent.stderr.decode()
+    assert ' Invalid regular expression "(" in black list for Packager "B regex". Message="' in agent.text
+
+
+def test_the_uploader_needs_the_cloud_component(site):
+    site.configuration["Application"]["Components"] = []
+    with site.start() as agent:
+        assert agent.wait() == 0
+    assert (" Failed to initialize process Uploader, Error: UploaderS3 requires CloudComponent for initialization\r\n"
+            in agent.text)

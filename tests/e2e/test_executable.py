@@ -1,0 +1,46 @@
+"""What the shipped file is made of: its exports, its hardening, what it needs, its version."""
+import re
+import subprocess
+
+import pytest
+
+from agent import EXECUTABLE
+
+EXPORTS = {"EXP_SetLogRoot", "EXP_GetLogPath", "EXP_SetLogEventCallback", "EXP_GetLogEventCallback",
+           "EXP_GetAssertState", "EXP_GetBugState", "EXP_GetStringPalette", "EXP_GetEmptyBasicString",
+           "EXP_GetTempHeap"}
+# Parts of every Windows 10 and 11.
+SYSTEM_LIBRARIES = {"advapi32.dll", "bcrypt.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "normaliz.dll", "ntdll.dll",
+                    "ole32.dll", "psapi.dll", "shell32.dll", "shlwapi.dll", "ucrtbase.dll", "user32.dll",
+                    "version.dll", "winhttp.dll", "ws2_32.dll"}
+
+
+@pytest.fixture(scope="module")
+def headers():
+    return subprocess.run(["x86_64-w64-mingw32-objdump", "-p", EXECUTABLE], check=True, capture_output=True,
+                          text=True).stdout
+
+
+def test_exports_exactly_these(headers):
+    table = headers[headers.index("[Ordinal/Name Pointer] Table"):]
+    assert set(re.findall(r"^\s*\[\s*\d+\]\s+(\S+)$", table, re.MULTILINE)) == EXPORTS
+
+
+@pytest.mark.parametrize("flag", ["HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"])
+def test_is_hardened(headers, flag):
+    assert flag in headers
+
+
+def test_is_a_windows_program(headers):
+    assert "(Windows GUI)" in headers
+
+
+def test_needs_nothing_but_the_system(headers):
+    needed = {name.lower() for name in re.findall(r"DLL Name: (\S+)", headers)}
+    assert needed and needed <= SYSTEM_LIBRARIES
+
+
+def test_carries_its_version():
+    content = EXECUTABLE.read_bytes()
+    assert content.count("FileVersion".encode("utf-16-le")) == 1
+    assert "1.0.0.0 (1)".encode("utf-16-le") in content

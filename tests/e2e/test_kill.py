@@ -1,0 +1,36 @@
+"""Killed at random moments and started again, the agent loses nothing and sends nothing under two keys."""
+import random
+import time
+
+import pytest
+
+from submissions import write_small
+from test_load import names_in
+
+KILLS = 20
+BATCH = 40
+
+
+@pytest.mark.limit(240)
+def test_twenty_kills_lose_nothing(site, store, bucket):
+    seed = random.randrange(1 << 32)
+    print(f"seed {seed}")
+    rng = random.Random(seed)
+    names = []
+    interrupted = 0
+    for kill in range(KILLS):
+        batch = [f"kill-{kill:02}-{number:02}" for number in range(BATCH)]
+        for name in batch:
+            write_small(site.dumps, name)
+        names += batch
+        with site.start() as agent:
+            agent.wait_for(" running application processes...")
+            time.sleep(rng.uniform(0, 0.8))
+            agent.kill()
+        interrupted += not site.all_sent()
+    assert interrupted >= KILLS // 2, "too few kills met the agent at work to say anything"
+
+    with site.start_with_game() as beside:
+        site.wait_all_sent(120)
+        assert beside.quit() == 0
+    assert sorted(names_in(store, bucket)) == sorted(names)

@@ -1,0 +1,112 @@
+"""A store that fails in every way: the package stays, there is no second attempt in the run, and a later run sends it."""
+import time
+
+import pytest
+
+from package_reader import read_package
+from store.client import SECRET_KEY
+from submissions import write_small
+from wine import wait_until
+
+FAILED = "Failed to put stream in S3 bucket"
+WRONG_ETAG = "MD5 of stream received by S3 doesn't match the MD5 we computed locally"
+REQUEST_TIMEOUT = 30
+
+FAULTS = [
+    {"kind": "status", "status": 503, "code": "SlowDown"},
+    {"kind": "status", "status": 503, "code": "SlowDown", "early": True},
+    {"kind": "status", "status": 500, "code": "InternalError"},
+    {"kind": "status", "status": 403, "code": "AccessDenied"},
+    {"kind": "status", "status": 307, "code": "TemporaryRedirect", "headers": [["Location", "http://127.0.0.1:9/x"]]},
+    {"kind": "reset", "at": "first"},
+    {"kind": "reset", "at": "middle"},
+    {"kind": "reset", "at": "last"},
+    {"kind": "close"},
+    {"kind": "bad-etag"},
+]
+
+
+def assert_failed(agent, count, error=FAILED):
+    errors = agent.stderr.decode()
+    assert errors.count(" Failed to upload package in folder ") == count, errors
+    assert errors.count(f". Error={error}\r\n") == count, errors
+
+
+def run_until_failed(site, count, seconds=30):
+    with site.start_with_game() as beside:
+        wait_until(lambda: beside.agent.stderr.count(b"\n") >= count, seconds, f"{count} failures")
+        assert beside.quit() == 0
+    return beside.agent
+
+
+def assert_later_run_sends(site, store, bucket, count):
+    store.reset()
+    assert len(site.waiting_packages()) == count
+    with site.start_with_game() as beside:
+        site.wait_all_sent()
+        assert beside.quit() == 0
+    assert beside.agent.stderr == b""
+    keys = store.keys(bucket)
+    assert len(keys) == count
+    return [read_package(store.get(bucket, key)) for key in keys]
+
+
+@pytest.mark.parametrize("fault", FAULTS, ids=lambda fault: "-".join(str(v) for v in fault.values() if v is not True
+                                                                   and not isinstance(v, list)))
+def test_a_failing_store_keeps_the_package(site, store, bucket, fault):
+    write_small(site.dumps, "kept")
+    store.set_faults(fault)
+    agent = run_until_failed(site, 1)
+    assert_failed(agent, 1, WRONG_ETAG if fault["kind"] == "bad-etag" else FAILED)
+    assert len(store.uploads()) == 1, "no retry within a run"
+    assert_later_run_sends(site, store, bucket, 1)
+
+
+@pytest.mark.parametrize("key, value", [
+    ("SecretKey", SECRET_KEY + "x"), ("AccessKey", "AKIAUNKNOWN"), ("BucketName", "no-such-bucket"),
+    ("Region", "eu-west-1"), ("EndpointOverride", "http://127.0.0.1:9"), ("EndpointOverride", "https://127.0.0.1:9"),
+    ("EndpointOverride", "http://no-such-host.invalid"),
+])
+def test_a_wrong_setting_keeps_the_package(site, store, bucket, key, value):
+    right = site.configuration["Uploader"].get(key, "us-east-1")
+    site.configuration["Uploader"][key] = value
+    write_small(site.dumps, "kept")
+    assert_failed(run_until_failed(site, 1), 1)
+    site.configuration["Uploader"][key] = right
+    assert_later_run_sends(site, store, bucket, 1)
+
+
+@pytest.mark.limit(120)
+def test_a_silent_store_fails_within_the_request_timeout(site, store, bucket):
+    """Four hang at once; each must fail after the request time-out and at most a second more."""
+    for number in range(4):
+        write_small(site.dumps, f"silent-{number}")
+    store.set_faults({"kind": "hang", "times": 4})
+    with site.start_with_game() as beside:
+        wait_until(lambda: len(store.uploads()) == 4, 20, "four uploads")
+        start = time.time()
+        wait_until(lambda: beside.agent.stderr.count(b"\n") == 4, REQUEST_TIMEOUT + 10, "four failures")
+        assert REQUEST_TIMEOUT - 2 <= time.time() - start <= REQUEST_TIMEOUT + 1.5
+        assert beside.quit() == 0
+    assert_failed(beside.agent, 4)
+    assert_later_run_sends(site, store, bucket, 4)
+
+
+def test_a_slow_answer_is_a_good_answer(site, store, bucket):
+    write_small(site.dumps, "slow")
+    store.set_faults({"kind": "drip", "ms": 5})
+    with site.start_with_game() as beside:
+        site.wait_all_sent()
+        assert beside.quit() == 0
+    assert beside.agent.stderr == b""
+    assert len(store.keys(bucket)) == 1
+
+
+def test_uploads_in_flight_end_before_the_agent(site, store, bucket):
+    write_small(site.dumps, "in-flight")
+    store.set_faults({"kind": "delay", "ms": 3000})
+    with site.start_with_game() as beside:
+        wait_until(lambda: store.uploads(), 20, "the upload's start")
+        assert beside.quit() == 0
+    assert " Waiting for 1 active uploads to complete\r\n" in beside.agent.text
+    assert len(store.keys(bucket)) == 1 and not site.waiting_packages()

@@ -1,0 +1,122 @@
+"""Windows programs run under Wine, in a prefix that belongs to the end-to-end tests alone."""
+import os
+import subprocess
+import threading
+import time
+from pathlib import Path
+
+ROOT = Path(__file__).resolve().parents[2]
+BIN = Path(os.environ.get("MORVANE_BIN", ROOT / "build" / "release" / "bin"))
+SCRATCH = ROOT / "build" / "e2e"
+TEMPLATE = ROOT / "build" / "wine"
+PREFIX = SCRATCH / "wine"
+
+
+def windows_path(path):
+    return "Z:" + str(path).replace("/", "\\")
+
+
+def environment():
+    return {**os.environ, "WINEPREFIX": str(PREFIX), "LC_ALL": "C.UTF-8"}
+
+
+def make_prefix():
+    """A copy of the template that scripts/setup.sh makes."""
+    subprocess.run(["rm", "-rf", PREFIX], check=True)
+    PREFIX.parent.mkdir(parents=True, exist_ok=True)
+    subprocess.run(["cp", "-a", TEMPLATE, PREFIX], check=True)
+
+
+def stop_prefix():
+    """Ends whatever still runs in the prefix, and its server."""
+    subprocess.run(["wineserver", "-k"], env=environment(), check=False)
+
+
+def wait_until(condition, seconds, what):
+    """Polls condition() until it is true and returns its value; fails the test after the time."""
+    deadline = time.monotonic() + seconds
+    while not (value := condition()):
+        assert time.monotonic() < deadline, f"not within {seconds} s: {what}"
+        time.sleep(0.02)
+    return value
+
+
+class Program:
+    """One running program. The Unix process that Popen holds is the Windows process itself, so kill() is abrupt.
+
+    Both outputs are read by threads as they come; lines keep their order within one output.
+    """
+
+    def __init__(self, executable, *arguments, cwd=None, command=()):
+        self._process = subprocess.Popen(
+            [*command, str(ROOT / "scripts" / "run-wine.sh"), str(executable), *arguments],
+            cwd=cwd, env=environment(), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+        self._arrival = threading.Condition()
+        self._output = {"stdout": b"", "stderr": b""}
+        self._readers = [threading.Thread(target=self._read, args=(name,), daemon=True) for name in self._output]
+        for reader in self._readers:
+            reader.start()
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        self.kill()
+
+    def _read(self, name):
+        stream = getattr(self._process, name)
+        while block := stream.read1(1 << 16):
+            with self._arrival:
+                self._output[name] += block
+                self._arrival.notify_all()
+        stream.close()
+
+    @property
+    def pid(self):
+        return self._process.pid
+
+    @property
+    def running(self):
+        return self._process.poll() is None
+
+    @property
+    def stdout(self):
+        with self._arrival:
+            return self._output["stdout"]
+
+    @property
+    def stderr(self):
+        with self._arrival:
+            return self._output["stderr"]
+
+    @property
+    def text(self):
+        """Standard output, then standard error, as text."""
+        return (self.stdout + self.stderr).decode("utf-8")
+
+    def wait_for(self, text, seconds=20):
+        """Until the text stands in one of the outputs."""
+        deadline = time.monotonic() + seconds
+        with self._arrival:
+            while not any(text.encode() in output for output in self._output.values()):
+                left = deadline - time.monotonic()
+                assert left > 0 and self.running, f"never said {text!r}:\n{self._said()}"
+                self._arrival.wait(min(left, 0.2))
+
+    def wait(self, seconds=30):
+        """Until the program has ended by itself and everything it said is read; its exit code."""
+        try:
+            code = self._process.wait(seconds)
+        except subprocess.TimeoutExpired:
+            raise AssertionError(f"still running after {seconds} s:\n{self._said()}") from None
+        for reader in self._readers:
+            reader.join(10)
+        return code
+
+    def kill(self):
+        """Ends the program at once, wherever it is."""
+        self._process.kill()
+        self.wait()
+
+    def _said(self):
+        return b"\n".join(self._output.values()).decode("utf-8", "replace")[-4000:]
