@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string_view>
+
+// The program's console window, which shows UTF-8 text. There is one a process. Ctrl+C, Ctrl+Break and
+// closing the window call the stop request, on a thread of the system's, instead of ending the program in the
+// middle of its work; after a close the system grants a few seconds.
+class ConsoleWindow {
+public:
+    // Empty when the system refuses a console, which is logged then.
+    static std::unique_ptr<ConsoleWindow> Open(std::function<void()> stopRequest);
+
+    // Once this returns the stop request is not running and is not called any more.
+    ~ConsoleWindow();
+    ConsoleWindow(const ConsoleWindow&) = delete; // it stands for the process's console
+    ConsoleWindow& operator=(const ConsoleWindow&) = delete;
+
+    // What can't be written is lost.
+    void Write(std::string_view text);
+
+private:
+    explicit ConsoleWindow(std::function<void()> stopRequest);
+
+    void* m_output; // the system's
+};

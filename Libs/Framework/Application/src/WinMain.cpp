@@ -1,0 +1,17 @@
+#include <windows.h>
+
+#include "Libs/Framework/Application/src/Utf8Arguments.h"
+#include "Libs/Framework/Core/src/CommonMain.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+
+int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
+    PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
+    const std::vector<std::string> arguments = Utf8Arguments(GetCommandLineW());
+    std::vector<const char*> pointers;
+    for (const std::string& argument : arguments) {
+        pointers.push_back(argument.c_str());
+    }
+    pointers.push_back(nullptr); // as main's arguments end
+    return CommonMain(static_cast<int>(arguments.size()), pointers.data());
+}

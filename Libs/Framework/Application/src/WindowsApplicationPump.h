@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstdint>
+
+#include "Libs/Framework/Core/src/ReflectedProcess.h"
+
+// The built-in process "MessagePump": handles the window messages of its thread. Owned by WindowsApplication,
+// which adds it itself; no configuration names it.
+class WindowsApplicationPump : public Reflected<WindowsApplicationPump> {
+public:
+    using Reflected::Reflected;
+
+    ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
+    bool ThreadMain() override;
+
+private:
+    void* m_instance = nullptr;    // the program's module
+    void* m_window = nullptr;      // goes with the process
+    uint32_t m_pollInterval = 250; // milliseconds
+};
+Reflection_DeclarePolymorphicType(WindowsApplicationPump);

@@ -1,0 +1,108 @@
+#include "Libs/Framework/Application/src/WindowsApplication.h"
+
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+
+namespace {
+
+const char* g_arguments[] = {"agent.exe", "-console=1"}; // no console: the flag has no value
+
+std::shared_ptr<WindowsApplication> MakeApplication() {
+    return std::make_shared<WindowsApplication>(2, g_arguments);
+}
+
+TEST(WindowsApplication, PassesWholeLinesOnWhileItLives) {
+    const TestSupport::LogCapture log;
+    {
+        const auto application = MakeApplication();
+        PLATFORM_LOG(Platform::InfoLog, " one\ntwo");
+        PLATFORM_LOG(Platform::ErrorLog, " three");
+    }
+    PLATFORM_LOG(Platform::InfoLog, " four");
+    EXPECT_EQ(log.Infos(), (std::vector<std::string>{" one\r\ntwo\r\n", " four"}));
+    EXPECT_EQ(log.Errors(), std::vector<std::string>{" three\r\n"});
+}
+
+TEST(WindowsApplication, EntriesOfManyThreadsStayWhole) {
+    const TestSupport::LogCapture log;
+    const auto application = MakeApplication();
+    std::vector<std::thread> threads;
+    for (int i = 0; i < 4; ++i) {
+        threads.emplace_back([] {
+            for (int j = 0; j < 100; ++j) {
+                PLATFORM_LOG(Platform::InfoLog, " %s", std::string(500, 'x').c_str());
+            }
+        });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+    EXPECT_EQ(log.Infos(), std::vector<std::string>(400, " " + std::string(500, 'x') + "\r\n"));
+}
+
+int g_failedChecks = 0;
+int CountFailedCheck(const char*, int, const char* expression, const char*) {
+    g_failedChecks += std::string(expression) == "s_this == nullptr";
+    return Platform::AssertAnswer_IgnoreOnce;
+}
+
+TEST(WindowsApplication, ThereIsOneAtATime) {
+    const TestSupport::LogCapture log;
+    Platform::AssertState& state = *EXP_GetAssertState();
+    const auto saved = std::pair(state.handlers[0], state.showDialogs);
+    state.handlers[0] = &CountFailedCheck;
+    state.showDialogs = 1;
+    {
+        const auto first = MakeApplication();
+        MakeApplication();
+        EXPECT_EQ(g_failedChecks, 1);
+        PLATFORM_LOG(Platform::InfoLog, " still here");
+    }
+    MakeApplication();
+    EXPECT_EQ(g_failedChecks, 1);
+    EXPECT_TRUE(log.Contains(Platform::InfoLog, " still here\r\n"));
+    std::tie(state.handlers[0], state.showDialogs) = saved;
+}
+
+TEST(WindowsApplication, RunsItsPumpAloneUntilToldToStop) {
+    RegisterApplicationDisplayName("WindowsApplicationTest");
+    const TestSupport::LogCapture log;
+    const TestSupport::ScratchFolder scratch;
+    const std::string config = "-config=" + scratch.MakeFile("agent.json", R"({"Application": {
+        "Processes": {}, "Components": [], "ApplicationFolder": ""}})");
+    const std::string folder = "-appFolder=" + scratch.Path();
+    const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
+    const auto application = MakeApplication();
+    ASSERT_TRUE(application->Initialize(3, argv));
+    const auto pump = application->GetProcess("MessagePump");
+    ASSERT_TRUE(pump);
+    EXPECT_EQ(Reflection::Query<WindowsApplicationPump>(*pump), pump.get());
+
+    std::thread stopper([&] { application->RequestShutdown(); });
+    EXPECT_TRUE(application->Run());
+    stopper.join();
+    EXPECT_EQ(pump->GetThread()->GetStatus(), Thread::Status::EndedNormally);
+    EXPECT_TRUE(application->Shutdown());
+    EXPECT_EQ(log.Errors(), std::vector<std::string>());
+}
+
+TEST(WindowsApplication, PermissionStaysRefusedWhileNobodyCanBeAsked) {
+    const TestSupport::LogCapture log;
+    UploadPermission answer = UploadPermission::Allowed;
+    EXPECT_FALSE(MakeApplication()->AskUploadPermission(answer));
+    EXPECT_EQ(answer, UploadPermission::Refused);
+}
+
+TEST(WindowsApplication, ReadsItsVersionFromTheProgramFile) {
+    const TestSupport::LogCapture log;
+    PlatformHelpers::ModuleVersion version;
+    uint32_t changelist = 0;
+    const ResultCode result = MakeApplication()->GetVersion(version, changelist);
+    EXPECT_STREQ(result.Text(), "File version info size was incorrect"); // this test program has no version
+}
+
+} // namespace
