@@ -12,18 +12,30 @@
 // state; any thread may call. System error numbers go to the error log, results carry fixed texts.
 namespace PlatformHelpers {
 
+inline constexpr uint32_t ReadOnlyAttribute = 0x01;
+inline constexpr uint32_t FolderAttribute = 0x10;
+inline constexpr uint32_t ReparseAttribute = 0x400;
+
+// Whether these mark a junction or a symbolic link. A file or folder that a cloud drive keeps elsewhere
+// carries the reparse attribute too, but stands for nothing than itself: its tag lacks the bit for that.
+constexpr bool IsLinkEntry(uint32_t attributes, uint32_t reparseTag) {
+    constexpr uint32_t StandsForAnother = 0x20000000;
+    return (attributes & ReparseAttribute) != 0 && (reparseTag == 0 || (reparseTag & StandsForAnother) != 0);
+}
+
 // One entry of a folder. Times are system file times (100 ns since 1601).
 struct PathInfo {
     std::string name;
     uint32_t attributes = 0; // as the system reports them
+    uint32_t reparseTag = 0; // the kind of a link or of a placeholder; 0 for neither
     uint64_t creationTime = 0;
     uint64_t lastAccessTime = 0;
     uint64_t lastWriteTime = 0;
     uint64_t size = 0; // bytes
 
-    bool IsFolder() const { return (attributes & 0x10) != 0; }
-    bool IsReadOnly() const { return (attributes & 0x01) != 0; }
-    bool IsLink() const { return (attributes & 0x400) != 0; } // junction or symbolic link
+    bool IsFolder() const { return (attributes & FolderAttribute) != 0; }
+    bool IsReadOnly() const { return (attributes & ReadOnlyAttribute) != 0; }
+    bool IsLink() const { return IsLinkEntry(attributes, reparseTag); }
 };
 
 // Clearing keepGoing ends the enumeration with success; a failure ends it with that failure. The PathInfo is
@@ -32,8 +44,10 @@ using EnumerationCallback = std::function<ResultCode(const PathInfo&, bool& keep
 
 enum EnumerationMode : uint32_t { EnumerateFiles = 1, EnumerateFolders = 2 };
 
-// The entries directly inside a folder, whose path must end in a separator; "." and ".." are never among them.
-ResultCode EnumerateFolder(const std::string& topLevelFolder, uint32_t mode, const EnumerationCallback& callback);
+// The entries directly inside a folder, whose path must end in a separator; "." and ".." are never among
+// them.
+ResultCode EnumerateFolder(const std::string& topLevelFolder, uint32_t mode,
+                           const EnumerationCallback& callback);
 
 // Conversions between UTF-8 and UTF-16 give composed text (normalisation form C) and refuse ill-formed input.
 ResultCode Utf8ToWide(std::string_view text, std::wstring& wide);
@@ -51,8 +65,9 @@ ResultCode RemoveFile(const std::string& path);
 ResultCode MakeFileWritable(const std::string& path);
 ResultCode MakeFileReadOnly(const std::string& path);
 
-// Deletes a folder with all it holds. Read-only files go first, so that a folder whose deletion was cut short no
-// longer carries the mark of a complete one. Links are removed as links; what they point to is never touched.
+// Deletes a folder with all it holds. Read-only files go first, so that a folder whose deletion was cut short
+// no longer carries the mark of a complete one. Links are removed as links; what they point to is never
+// touched.
 ResultCode RemoveFolder(const std::string& path);
 
 struct FileStatus {
@@ -62,11 +77,24 @@ struct FileStatus {
 };
 ResultCode QueryFileStatus(const std::string& path, FileStatus& status);
 
-// True for anything of that name, file or folder. Logs nothing.
+// True for anything of that name, file or folder; false too for a path that can't be asked about. Logs
+// nothing.
 bool PathExists(const std::string& path);
 
+// At most 4096 of them; the idle process has the id 0.
 ResultCode EnumerateProcesses(std::vector<uint32_t>& processIds);
+
+// The image's path with the system's own device name in place of a drive:
+// \Device\HarddiskVolume2\Games\Game.exe.
 ResultCode GetProcessImageName(uint32_t processId, std::string& name);
+
+// Whether image ends in name, whatever stands before it and whatever the case: game.exe matches
+// ...\mygame.exe. An empty name matches nothing, so that it can't stand for every process there is.
+bool ImageNameMatches(std::string_view image, std::string_view name);
+
+// The running processes whose image name matches, other than the idle process. Those that this user may not
+// ask about are left out.
+ResultCode FindProcessesByName(const std::string& name, std::vector<uint32_t>& processIds);
 
 struct ModuleVersion {
     uint32_t major = 0;
@@ -74,6 +102,8 @@ struct ModuleVersion {
     uint32_t build = 0;
     uint32_t revision = 0;
 };
+// Reads the version resource. changelist is the number in brackets of its FileVersion text: 1234 for "2.0.0.8
+// (1234)". A failure leaves what was found until then.
 ResultCode GetModuleVersion(const std::string& modulePath, ModuleVersion& version, uint32_t& changelist);
 
 // Documents\<name> of the user; Documents itself is created when missing, the named folder is not.
