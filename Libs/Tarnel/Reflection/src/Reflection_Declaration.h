@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Libs/Tarnel/Reflection/src/Reflection_Builder.h"
+#include "Libs/Tarnel/Reflection/src/Reflection_BuiltInTypes.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_GenericTypes.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_QueryObject.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_TypeLookup.h"
@@ -8,14 +9,18 @@
 // How records and enumerations describe themselves. All forms stand at global scope; the registered name is
 // the type's name as it is written there. In the header, after the type:
 //
-//   struct WatcherConfig { uint32_t timeBetweenChecks = 250; std::string folder; };
+//   struct WatcherConfig {
+//       uint32_t timeBetweenChecks = 250;
+//       std::string folder;
+//   };
 //   Reflection_DeclareType(WatcherConfig);
 //
 // and in one .cpp:
 //
-//   Reflection_DefineType(WatcherConfig,
-//                         Reflection_Field(timeBetweenChecks, "TimeBetweenChecks",
-//                         Reflection::OptionalAttribute()), Reflection_Field(folder, "Folder"));
+//   Reflection_DefineType(
+//       WatcherConfig,
+//       Reflection_Field(timeBetweenChecks, "TimeBetweenChecks", Reflection::OptionalAttribute()),
+//       Reflection_Field(folder, "Folder"));
 //
 // Beside fields the list may hold Reflection_Base(Base), which takes the base's fields over in front of the
 // own ones, and Reflection_TypeAttribute(...). A type with a v-table takes the Polymorphic forms.

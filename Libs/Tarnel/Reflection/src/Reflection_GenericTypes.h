@@ -4,56 +4,39 @@
 #include <map>
 #include <string>
 #include <string_view>
+#include <type_traits>
 #include <vector>
 
 #include "Libs/Tarnel/Reflection/src/Reflection_TypeLookup.h"
 
-// Descriptors of the built-in types, of standard strings, vectors and maps.
-
-#define REFLECTION_BUILT_IN_TYPE(Type)                    \
-    template <>                                           \
-    struct Reflection::TypeAccessor<Type> {               \
-        static const ::Reflection::TypeDescriptor& Get(); \
-    };
-
-REFLECTION_BUILT_IN_TYPE(int8_t)
-REFLECTION_BUILT_IN_TYPE(int16_t)
-REFLECTION_BUILT_IN_TYPE(int32_t)
-REFLECTION_BUILT_IN_TYPE(int64_t)
-REFLECTION_BUILT_IN_TYPE(uint8_t)
-REFLECTION_BUILT_IN_TYPE(uint16_t)
-REFLECTION_BUILT_IN_TYPE(uint32_t)
-REFLECTION_BUILT_IN_TYPE(uint64_t)
-REFLECTION_BUILT_IN_TYPE(float)
-REFLECTION_BUILT_IN_TYPE(double)
-REFLECTION_BUILT_IN_TYPE(bool)
-REFLECTION_BUILT_IN_TYPE(char)
-REFLECTION_BUILT_IN_TYPE(char16_t)
-REFLECTION_BUILT_IN_TYPE(char32_t)
-REFLECTION_BUILT_IN_TYPE(wchar_t) // under the name of the character type of its size
-
-#undef REFLECTION_BUILT_IN_TYPE
-
+// Descriptors of standard strings, vectors and maps. The names are formatted with their parameters' names.
 namespace Reflection {
-
-struct NullType {}; // marks the absence of a type
 
 void DescribeVector(TypeDescriptor& descriptor, const TypeDescriptor& element, std::size_t size,
                     const VectorOperations& operations);
 void DescribeMap(TypeDescriptor& descriptor, const TypeDescriptor& key, const TypeDescriptor& value,
                  std::size_t size, const MapOperations& operations);
 
-template <>
-struct TypeAccessor<NullType> {
-    static const TypeDescriptor& Get();
-};
-template <>
-struct TypeAccessor<std::string> {
-    static const TypeDescriptor& Get();
-};
-template <>
-struct TypeAccessor<std::wstring> {
-    static const TypeDescriptor& Get();
+// All but the name.
+void DescribeText(TypeDescriptor& descriptor, std::size_t size, const TextOperations<char>& operations);
+void DescribeText(TypeDescriptor& descriptor, std::size_t size, const TextOperations<wchar_t>& operations);
+
+template <class Char>
+struct TypeAccessor<std::basic_string<Char>> {
+    static_assert(std::is_same_v<Char, char> || std::is_same_v<Char, wchar_t>);
+    using Text = std::basic_string<Char>;
+
+    static constexpr TextOperations<Char> Operations = {
+        [](void* text, std::basic_string_view<Char> value) { static_cast<Text*>(text)->assign(value); },
+        [](const void* text) -> std::basic_string_view<Char> { return *static_cast<const Text*>(text); }};
+
+    static const TypeDescriptor& Get() {
+        static constinit TypeRegistration s_registration;
+        return s_registration.Get([](TypeDescriptor& descriptor) {
+            DescribeText(descriptor, sizeof(Text), Operations);
+            descriptor.name = String::FormatGlobal("std::basic_string<%s>", TypeOf<Char>().name.Text());
+        });
+    }
 };
 
 template <class T>
@@ -64,7 +47,8 @@ struct TypeAccessor<std::vector<T>> {
     static constexpr VectorOperations Operations = {
         [](void* vector, std::size_t count) { static_cast<Vector*>(vector)->resize(count); },
         [](const void* vector) { return static_cast<const Vector*>(vector)->size(); },
-        [](const void* vector) -> const void* { return static_cast<const Vector*>(vector)->data(); }};
+        [](const void* vector) -> const void* { return static_cast<const Vector*>(vector)->data(); },
+        [](void* vector) -> void* { return static_cast<Vector*>(vector)->data(); }};
 
     static const TypeDescriptor& Get() {
         static constinit TypeRegistration s_registration;

@@ -32,7 +32,9 @@ enum class TypeKind { Opaque, Record, Enumeration, Vector, Map, NarrowString, Wi
 struct VectorOperations {
     void (*resize)(void* vector, std::size_t count);
     std::size_t (*count)(const void* vector);
-    const void* (*elements)(const void* vector); // one after the other, in steps of the element type's size
+    // One after the other, in steps of the element type's size.
+    const void* (*elements)(const void* vector);
+    void* (*mutableElements)(void* vector);
 };
 
 // Maps keyed by std::string.

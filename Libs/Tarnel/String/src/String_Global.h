@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <string_view>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_Printf.h"
 #include "Libs/Tarnel/String/src/String_GlobalPalette.h"
 
 namespace String {
@@ -53,10 +54,6 @@ private:
 };
 
 // Interns a text made by printf rules.
-Global FormatGlobal(const char* szFormat, ...)
-#if defined(__GNUC__)
-    __attribute__((format(printf, 1, 2)))
-#endif
-    ;
+Global FormatGlobal(const char* szFormat, ...) PLATFORM_PRINTF(1, 2);
 
 } // namespace String

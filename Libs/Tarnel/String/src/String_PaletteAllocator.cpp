@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <new>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Memory.h"
 
 namespace String {
 
@@ -42,7 +42,7 @@ void* PaletteAllocator::Allocate(std::size_t uiBytes, std::size_t uiAlignment) {
 // A large request gets a block of its own and leaves the rest of the current one in use.
 void* PaletteAllocator::AllocateFromNewBlock(std::size_t uiBytes) {
     const std::size_t size = std::max(uiBytes, BlockSize);
-    std::byte* const block = static_cast<std::byte*>(::operator new(size, std::nothrow));
+    std::byte* const block = static_cast<std::byte*>(Platform::GeneralAllocate(size));
     if (block && size - uiBytes > m_left) {
         m_next = block + uiBytes;
         m_left = size - uiBytes;
