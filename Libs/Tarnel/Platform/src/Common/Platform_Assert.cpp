@@ -100,6 +100,7 @@ bool ActOn(int answer, AssertState& state, const AssertFailure& failure, std::at
     case AssertAnswer_Abort:
         state.showDialogs = 0;
         state.writeToLog = 0;
+        std::fflush(nullptr); // what was logged before belongs to the story
         EndProcessAtOnce(1);
     default: {
         char message[80];

@@ -27,6 +27,9 @@ template <class Char, class CreateOne>
     if (createOne(fullPath)) {
         return true;
     }
+    if (!fullPath) { // createOne has reported it
+        return false;
+    }
     std::basic_string<Char> path(fullPath);
     const auto nextSeparator = [&path](std::size_t from) {
         while (from < path.size() && !IsPathSeparator(path[from])) {

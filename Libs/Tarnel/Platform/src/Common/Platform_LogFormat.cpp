@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 #include <cstring>
@@ -43,9 +44,10 @@ void WriteEntry(const wchar_t* logName, std::size_t messageLength, const char* f
     const TimePrefix prefix = FormatTimePrefix(CurrentLocalTime());
     EntryBuffer entry(TimePrefix::Length + messageLength);
     std::memcpy(entry.Data(), prefix.text, TimePrefix::Length);
-    std::vsnprintf(entry.Data() + TimePrefix::Length, entry.Capacity() - TimePrefix::Length, format,
-                   arguments);
-    LogWrite(logName, entry.Data(), static_cast<uint32_t>(std::strlen(entry.Data())));
+    const std::size_t room = entry.Capacity() - TimePrefix::Length;
+    const int written = std::vsnprintf(entry.Data() + TimePrefix::Length, room, format, arguments);
+    const std::size_t kept = std::min(static_cast<std::size_t>(std::max(written, 0)), room - 1);
+    LogWrite(logName, entry.Data(), static_cast<uint32_t>(TimePrefix::Length + kept));
 }
 
 } // namespace

@@ -13,6 +13,7 @@ constinit TempHeap g_tempHeap;
 
 TempHeap::~TempHeap() {
     PLATFORM_ASSERT_TEXT_MESSAGE(!m_uiCapacity.load(), "!m_uiCapacity", "temp heap not shutdown");
+    static_cast<void>(ShutDown()); // with blocks still live the arena is left to the end of the process
 }
 
 bool TempHeap::SetUp(uint32_t capacity) {
