@@ -42,6 +42,24 @@ std::string WithNines(std::string text) {
     return text;
 }
 
+std::string EntryOfThread(int t) {
+    return std::string(static_cast<std::size_t>(10 + t), static_cast<char>('a' + t));
+}
+
+// How often each thread's entry stands in the file, whole; empty when anything else does.
+std::vector<int> CountEntries(const std::filesystem::path& path, int threads) {
+    std::vector<int> counts(static_cast<std::size_t>(threads));
+    std::ifstream file(path, std::ios::binary);
+    for (std::string line; std::getline(file, line);) {
+        const int t = line.empty() ? -1 : line[0] - 'a';
+        if (t < 0 || t >= threads || line != EntryOfThread(t)) {
+            return {};
+        }
+        ++counts[static_cast<std::size_t>(t)];
+    }
+    return counts;
+}
+
 // Log files stay open until the program ends, so every case uses log names of its own.
 class LogTest : public testing::Test {
 protected:
@@ -160,32 +178,25 @@ TEST_F(LogTest, LostEntriesUseNoSlot) {
 
 TEST_F(LogTest, ThreadsOpenANewLogOnceAndNeverMixEntries) {
     constexpr int Threads = 8;
-    constexpr int Entries = 200;
+    constexpr int Entries = 50;
     const ScratchFolder folder("LogThreads");
     EXP_SetLogRoot(folder.Wide().c_str());
-    std::atomic<int> ready = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < Threads; ++t) {
-        threads.emplace_back([&ready, t] {
-            for (++ready; ready < Threads;) { // all at the new name at once
-            }
-            for (int i = 0; i < Entries; ++i) {
-                Write(L"Threads.log",
-                      std::string(static_cast<std::size_t>(10 + t), static_cast<char>('a' + t)) + "\n");
-            }
-        });
+    for (int round = 0; round < 10; ++round) {
+        const std::wstring name = L"Threads" + std::to_wstring(round) + L".log";
+        std::atomic<int> ready = 0;
+        std::vector<std::thread> threads;
+        for (int t = 0; t < Threads; ++t) {
+            threads.emplace_back([&ready, &name, t] {
+                for (++ready; ready < Threads;) { // all at the new name at once
+                }
+                for (int i = 0; i < Entries; ++i) {
+                    Write(name.c_str(), EntryOfThread(t) + "\n");
+                }
+            });
+        }
+        for (std::thread& thread : threads) {
+            thread.join();
+        }
+        EXPECT_EQ(std::vector<int>(Threads, Entries), CountEntries(folder.Path() / name, Threads)) << round;
     }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    std::vector<int> counts(Threads);
-    std::ifstream file(folder.Path() / "Threads.log");
-    for (std::string line; std::getline(file, line);) {
-        ASSERT_FALSE(line.empty());
-        const auto t = static_cast<std::size_t>(line[0] - 'a');
-        ASSERT_LT(t, counts.size());
-        ASSERT_EQ(std::string(10 + t, static_cast<char>('a' + t)), line);
-        ++counts[t];
-    }
-    EXPECT_EQ(std::vector<int>(Threads, Entries), counts);
 }

@@ -8,8 +8,9 @@
 namespace Platform {
 namespace {
 
-// One call of the operating system moves at most so much; a multiple of every sector size.
-constexpr std::size_t MaxPiece = std::size_t{1} << 30;
+// One call of the operating system moves at most so much: small enough for its 32-bit lengths, large enough
+// that the calls cost nothing.
+constexpr std::size_t MaxPiece = std::size_t{1} << 20;
 
 uint32_t PieceOf(std::size_t left) {
     return static_cast<uint32_t>(std::min(left, MaxPiece));

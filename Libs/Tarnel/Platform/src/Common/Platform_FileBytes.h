@@ -28,8 +28,8 @@ ResultCode ReadFileBytes(const std::string& path, std::vector<uint8_t>& bytes);
 
 enum class WriteOutcome { Done, OpenFailed, WriteFailed };
 
-// Creates or truncates the file, writes everything in one piece. With FlushToDisk the bytes are on the medium
-// when the call returns.
+// Creates or truncates the file and writes everything; a failure may leave a part of it behind. With
+// FlushToDisk the bytes are on the medium when the call returns.
 enum class WriteDurability { Buffered, FlushToDisk };
 [[nodiscard]] WriteOutcome WriteWholeFile(const std::string& path, std::span<const uint8_t> bytes,
                                           WriteDurability durability = WriteDurability::Buffered);

@@ -40,6 +40,9 @@ private:
     char m_stack[StackEntryLength + 1];
 };
 
+void WriteEntry(const wchar_t* logName, std::size_t messageLength, const char* format, va_list arguments)
+    PLATFORM_PRINTF(3, 0);
+
 void WriteEntry(const wchar_t* logName, std::size_t messageLength, const char* format, va_list arguments) {
     const TimePrefix prefix = FormatTimePrefix(CurrentLocalTime());
     EntryBuffer entry(TimePrefix::Length + messageLength);

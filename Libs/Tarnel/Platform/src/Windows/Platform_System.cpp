@@ -1,4 +1,4 @@
-#include <cstring>
+#include <cstdlib>
 #include <ctime>
 #include <new>
 
