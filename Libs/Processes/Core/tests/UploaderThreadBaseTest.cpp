@@ -7,6 +7,7 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Processes/Core/src/UploadPackageFile.h"
 
 namespace {
 
@@ -70,6 +71,9 @@ TEST_F(UploaderThread, SendsThePackageAndDeletesItsFolder) {
 }
 
 TEST_F(UploaderThread, AFolderThatEndsInABackslashGetsNoSecondOne) {
+    EXPECT_EQ("C:\\dumps\\1\\a.pkg", UploadPackagePath("C:\\dumps\\1", "a.pkg"));
+    EXPECT_EQ("C:\\dumps\\1\\a.pkg", UploadPackagePath("C:\\dumps\\1\\", "a.pkg"));
+    EXPECT_EQ("C:/dumps/1/\\a.pkg", UploadPackagePath("C:/dumps/1/", "a.pkg"));
     Upload(MakeSubmission("one", "pkg") + "\\");
     EXPECT_EQ(1u, m_sent.size());
     EXPECT_FALSE(m_scratch.Exists("one"));
