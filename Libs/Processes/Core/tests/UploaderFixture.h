@@ -2,8 +2,6 @@
 
 #include "Libs/Processes/Core/src/UploaderBase.h"
 
-#include <windows.h>
-
 #include <algorithm>
 #include <chrono>
 #include <condition_variable>
@@ -206,7 +204,7 @@ protected:
     }
     void Stop() {
         m_uploader->RequestShutdown();
-        EXPECT_EQ(WAIT_OBJECT_0, WaitForSingleObject(m_uploader->GetThread()->GetHandle(), 10000));
+        m_uploader->GetThread()->Join(); // bounded: the uploads wait ten seconds at most
     }
 
     TestSupport::ScratchFolder m_scratch;
