@@ -28,7 +28,6 @@ public:
 
 class RegisterMakers : public testing::Environment {
     void SetUp() override {
-        RegisterApplicationDisplayName("TestApplication");
         FactoryInstance<IApplicationProcess>().RegisterMaker<FakeProcess>("Fake");
         FactoryInstance<IApplicationProcess>().RegisterMaker<FakeProcess>("OtherFake");
         FactoryInstance<IApplicationComponent>().RegisterMaker<FakeComponent>("FakeComponent");
@@ -40,6 +39,7 @@ class RegisterMakers : public testing::Environment {
 class ApplicationBaseTest : public testing::Test {
 protected:
     ApplicationBaseTest() {
+        RegisterApplicationDisplayName("TestApplication");
         TestApplication::s_hasVersion = true;
         TestApplication::s_canBeMade = true;
         Diary::Take();
