@@ -1,0 +1,86 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
+
+// The crash header, header.json: plain records that the game writes, the packager completes and the package
+// carries. The keys stand in BugHeader.cpp, in the order in which they are written.
+
+// Where a crash comes from.
+enum class BugSource : uint32_t { Unknown = 0, Internal = 1, External = 2 };
+Reflection_DeclareEnum(BugSource);
+
+// One file of a submission. An empty file stands for no file.
+struct Attachment {
+    std::string file; // relative to the submission folder, without the ".gz" that packaging adds
+    std::string md5;  // of the file as the package stores it; filled in by the packager
+};
+Reflection_DeclareType(Attachment);
+
+struct Catalog {
+    Attachment dump;
+    Attachment log;
+    std::vector<Attachment> attachments; // in the order of packaging
+};
+Reflection_DeclareType(Catalog);
+
+struct Exception {
+    std::string message;
+    std::string stackTrace;
+};
+Reflection_DeclareType(Exception);
+
+// One loaded module, by the fields of a debug-symbol lookup.
+struct ModuleInfo {
+    std::string file;
+    uint64_t baseAddr = 0;
+    uint64_t size = 0; // bytes
+    uint32_t guid1 = 0;
+    uint16_t guid2 = 0;
+    uint16_t guid3 = 0;
+    std::vector<uint8_t> guid4; // the last eight bytes
+    uint32_t age = 0;
+    std::string pdbPath;
+};
+Reflection_DeclareType(ModuleInfo);
+
+struct SessionInfo {
+    uint64_t hash = 0;
+    int64_t time = 0;
+};
+Reflection_DeclareType(SessionInfo);
+
+struct VersionInfo {
+    uint32_t major = 0;
+    uint32_t minor = 0;
+    uint32_t rev = 0;
+    uint32_t build = 0;
+};
+Reflection_DeclareType(VersionInfo);
+
+struct BugHeader {
+    uint32_t headerVersion = 0;
+    std::string host;
+    std::string time;
+    std::string application;
+    BugSource source = BugSource::Unknown;
+    std::string project;
+    std::string submissionType;
+    int32_t line = 0;
+    std::string file;
+    std::string instanceKey;
+    std::string key;
+    Catalog catalog;
+    Exception exception;
+    int32_t stackFrameStart = 0;
+    std::vector<uint64_t> callstack; // return addresses, innermost first
+    int32_t stackFrameEnd = 0;
+    SessionInfo session;
+    std::vector<ModuleInfo> moduleInfo;
+    VersionInfo version;
+    uint32_t changelist = 0;
+};
+Reflection_DeclareType(BugHeader);

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "Libs/Framework/Core/src/ApplicationProcessBase.h"
+#include "Libs/Processes/Core/src/AttachmentBlacklist.h"
+#include "Libs/Processes/Core/src/PackagerConfig.h"
+#include "Libs/Processes/Core/src/TaskData.h"
+
+// Takes complete submission folders from a watcher and turns each into a package in the packaged folder. A
+// folder is deleted after its attempt, whether or not that succeeded, so a failing submission is not met
+// again. Cut short at any step and started again it makes the same package: the folder goes only when the
+// package is on the disk. Two packagers must not share a work folder.
+class Packager : public ApplicationProcessBase {
+public:
+    using ApplicationProcessBase::ApplicationProcessBase;
+
+    ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
+    bool ThreadMain() override;
+
+private:
+    ResultCode PrepareFolders();
+    ResultCode PrepareFolder(std::string& folder, const char* defaultName, const char* kind) const;
+    ResultCode CompileBlacklist();
+    void WorkThrough(std::vector<TaskData>& tasks) const;
+    void Process(const std::string& submissionFolder) const;
+    ResultCode Package(const std::string& submissionFolder, std::string& name) const;
+    void DiscardWork(const std::string& name) const;
+
+    // Constant after Initialize.
+    PackagerConfig m_config;
+    AttachmentBlacklist m_blacklist;
+    bool m_sharesFolder = false; // the work folder is the packaged folder
+    std::shared_ptr<IApplicationProcess> m_watcherProcPtr;
+};
+Reflection_DeclarePolymorphicType(Packager);

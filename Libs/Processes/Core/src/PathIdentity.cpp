@@ -1,0 +1,81 @@
+#include "Libs/Processes/Core/src/PathIdentity.h"
+
+#include <windows.h>
+
+#include <memory>
+
+#include "Libs/Processes/Core/src/FolderPath.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
+
+namespace PathIdentity {
+
+namespace {
+
+struct CloseHandleDeleter {
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using UniqueHandle = std::unique_ptr<void, CloseHandleDeleter>;
+
+std::wstring ToWide(const std::string& path) {
+    std::wstring wide;
+    return Platform::Utf8ToWide(path, wide) == Platform::EncodingOutcome::Done ? wide : std::wstring();
+}
+
+// Empty when the path leads nowhere or when the volume has no such name to give.
+std::wstring FinalPath(const std::wstring& path) {
+    const HANDLE handle = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
+                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    if (handle == INVALID_HANDLE_VALUE) {
+        return {};
+    }
+    const UniqueHandle owner(handle);
+    std::wstring finalPath(MAX_PATH, L'\0');
+    DWORD length = GetFinalPathNameByHandleW(handle, finalPath.data(), MAX_PATH, FILE_NAME_NORMALIZED);
+    if (length >= finalPath.size()) { // then it is the size to come back with
+        finalPath.resize(length);
+        length = GetFinalPathNameByHandleW(handle, finalPath.data(), length, FILE_NAME_NORMALIZED);
+    }
+    finalPath.resize(length < finalPath.size() ? length : 0);
+    return finalPath;
+}
+
+bool IsLinkOrMissing(const std::wstring& path) {
+    return (GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT) !=
+           0; // missing has every bit set
+}
+
+} // namespace
+
+bool IsLink(const std::string& path) {
+    const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
+    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+}
+
+bool LiesInside(const std::string& folder, const std::string& relativeName) {
+    const std::wstring wideFolder = ToWide(FolderPath::Join(folder, ""));
+    const std::wstring wideName = ToWide(relativeName);
+    if (wideFolder.empty() || wideName.empty()) {
+        return false;
+    }
+    for (std::size_t end = 0; end != std::wstring::npos; ++end) {
+        end = wideName.find_first_of(L"\\/", end);
+        if (IsLinkOrMissing(wideFolder + wideName.substr(0, end))) {
+            return false;
+        }
+        if (end == std::wstring::npos) {
+            break;
+        }
+    }
+    // Not every link shows in the attributes, and not every volume knows final paths: each check covers the
+    // other.
+    const std::wstring finalFolder = FinalPath(wideFolder);
+    return finalFolder.empty() || FinalPath(wideFolder + wideName).starts_with(finalFolder + L'\\');
+}
+
+bool IsSameFolder(const std::string& left, const std::string& right) {
+    const std::wstring finalLeft = FinalPath(ToWide(left));
+    return !finalLeft.empty() && finalLeft == FinalPath(ToWide(right));
+}
+
+} // namespace PathIdentity

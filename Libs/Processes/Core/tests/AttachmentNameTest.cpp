@@ -1,0 +1,80 @@
+#include "Libs/Processes/Core/src/AttachmentName.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+using namespace std::string_view_literals;
+
+TEST(AttachmentName, PlainRelativePathsAreSafe) {
+    for (const std::string_view name :
+         {"a"sv, "game.log"sv, ".hidden"sv, "logs/dxdiag.txt"sv, "logs\\deep/er\\a.txt"sv, "太郎/ログ.txt"sv,
+          "two words.txt"sv, "a..b"sv, "..a"sv, "CONSOLE.txt"sv, "com.txt"sv, "com0"sv, "com10.txt"sv,
+          "LPT"sv, "nul_.txt"sv, "xcon"sv, "header.json"sv, "~a$;=+,[]{}'&^%#@!.txt"sv}) {
+        EXPECT_TRUE(IsSafeAttachmentName(name)) << name;
+    }
+}
+
+TEST(AttachmentName, NamesThatLeadElsewhereAreRefused) {
+    for (const std::string_view name : {""sv,
+                                        "/etc/passwd"sv,
+                                        "\\windows\\win.ini"sv,
+                                        "\\\\server\\share\\a"sv,
+                                        "//server/share/a"sv,
+                                        "\\\\?\\C:\\a"sv,
+                                        "\\\\.\\PhysicalDrive0"sv,
+                                        "C:\\a.txt"sv,
+                                        "c:a.txt"sv,
+                                        "a.txt:stream"sv,
+                                        "a.txt::$DATA"sv,
+                                        ".."sv,
+                                        "../a"sv,
+                                        "..\\a"sv,
+                                        "a/../b"sv,
+                                        "a/.."sv,
+                                        "."sv,
+                                        "./a"sv,
+                                        "a/./b"sv,
+                                        "..."sv,
+                                        ".. /a"sv,
+                                        "a//b"sv,
+                                        "a\\/b"sv,
+                                        "a/"sv,
+                                        "a."sv,
+                                        "a "sv,
+                                        "a./b"sv,
+                                        "a /b"sv}) {
+        EXPECT_FALSE(IsSafeAttachmentName(name)) << name;
+    }
+}
+
+TEST(AttachmentName, WildcardsAndControlCharactersAreRefused) {
+    for (const std::string_view name : {"*"sv, "a?.txt"sv, "a|b"sv, "a<b"sv, "a>b"sv, "\"a\""sv, "a\nb"sv,
+                                        "a\tb"sv, "a\0.txt"sv, "a.txt\0"sv, "\x1f"sv}) {
+        EXPECT_FALSE(IsSafeAttachmentName(name)) << name;
+    }
+}
+
+TEST(AttachmentName, DevicesAreRefusedInEverySpelling) {
+    for (const std::string_view name :
+         {"CON"sv, "con"sv, "Prn"sv, "AUX"sv, "NUL"sv, "nul.txt"sv, "nul.tar.gz"sv, "NUL .txt"sv, "COM1"sv,
+          "com9.log"sv, "LPT1"sv, "lpt5.x"sv, "COM\xC2\xB9"sv, "com\xC2\xB2.txt"sv, "LPT\xC2\xB3"sv,
+          "CONIN$"sv, "conout$.txt"sv, "logs/NUL"sv, "aux/a.txt"sv}) {
+        EXPECT_FALSE(IsSafeAttachmentName(name)) << name;
+    }
+}
+
+TEST(AttachmentName, LengthIsLimited) {
+    EXPECT_TRUE(IsSafeAttachmentName(std::string(MaxAttachmentNameLength, 'a')));
+    EXPECT_FALSE(IsSafeAttachmentName(std::string(MaxAttachmentNameLength + 1, 'a')));
+}
+
+TEST(AttachmentName, LooksCompressedLooksAtTheLastThreeCharacters) {
+    for (const std::string_view name : {"data.tgz"sv, "DATA.TGZ"sv, "a.tGz"sv, "xgz"sv, "dir/gz"sv}) {
+        EXPECT_TRUE(LooksCompressed(name)) << name;
+    }
+    for (const std::string_view name :
+         {"trace.gz"sv, "trace.GZ"sv, ".gz"sv, "gz"sv, "z"sv, ""sv, "a.tgzx"sv, "a.tz"sv, "a.zip"sv}) {
+        EXPECT_FALSE(LooksCompressed(name)) << name;
+    }
+}
