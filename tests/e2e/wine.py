@@ -21,10 +21,19 @@ def environment():
 
 
 def make_prefix():
-    """A copy of the template that scripts/setup.sh makes."""
-    subprocess.run(["rm", "-rf", PREFIX], check=True)
+    """A copy of the template that scripts/setup.sh makes, with its server started.
+
+    The server stays until stop_prefix(). The first program starts Wine's own services, which inherit its outputs and
+    keep them open: it must not be one whose outputs a test waits for.
+    """
+    if PREFIX.exists():
+        stop_prefix()  # of a run that was cut off
+        subprocess.run(["rm", "-rf", PREFIX], check=True)
     PREFIX.parent.mkdir(parents=True, exist_ok=True)
     subprocess.run(["cp", "-a", TEMPLATE, PREFIX], check=True)
+    subprocess.run(["wineserver", "--persistent"], env=environment(), check=True)
+    subprocess.run([ROOT / "scripts" / "run-wine.sh", "cmd.exe", "/c", "exit"], env=environment(), check=True,
+                   stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
 def stop_prefix():

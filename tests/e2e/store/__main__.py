@@ -7,6 +7,7 @@ ends when its standard input is closed, so it never outlives whoever started it.
 POST /faults (a list, see front.py), POST /reset (no faults, empty log), GET /log.
 """
 import eventlet
+import eventlet.debug
 
 eventlet.monkey_patch(all=False, socket=True, select=True, thread=True, time=True)
 
@@ -59,6 +60,7 @@ def listen_tls(port, pem):
 def main():
     options = parse_arguments()
     logging.disable(logging.WARNING)
+    eventlet.debug.hub_exceptions(False)  # a client that refuses our certificate is no news
     swift = swift_server.start(options.folder, options.secret_key, options.region, options.domain)
     store_front = front.Front(swift, swift_server.MemoryCache(), options.access_key)
 

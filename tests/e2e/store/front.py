@@ -29,15 +29,15 @@ class Disconnect(eventlet.greenlet.GreenletExit):
     """Ends the connection without an answer: not an Exception, so the server writes no 500."""
 
 
-def read_body(stream, length=None):
+def read_body(environ, length=None):
     """Reads and drops the body, or its first length bytes."""
-    left = length
-    while left is None or left > 0:
-        block = stream.read(BLOCK if left is None else min(BLOCK, left))
-        if not block:
-            return
-        if left is not None:
-            left -= len(block)
+    left = body_length(environ) if length is None else length
+    while left > 0 and (block := environ["wsgi.input"].read(min(BLOCK, left))):
+        left -= len(block)
+
+
+def body_length(environ):
+    return int(environ.get("CONTENT_LENGTH") or 0)
 
 
 def connection_of(environ):
@@ -80,7 +80,7 @@ class Front:
     def _log_request(self, environ):
         entry = {"time": time.time(), "method": environ["REQUEST_METHOD"], "scheme": environ["wsgi.url_scheme"],
                  "path": environ.get("RAW_PATH_INFO", environ["PATH_INFO"]), "status": None,
-                 "length": int(environ.get("CONTENT_LENGTH") or 0)}
+                 "length": body_length(environ)}
         entry.update((name, environ[key]) for key, name in LOGGED_HEADERS.items() if key in environ)
         self.log.append(entry)
         return entry
@@ -106,7 +106,7 @@ class Front:
         authorization = environ.get("HTTP_AUTHORIZATION", "")
         wanted, stand_in = f"Credential={self._access_key}/", f"Credential={ACCOUNT}:{USER}/"
         if wanted not in authorization:
-            read_body(environ["wsgi.input"])
+            read_body(environ)
             return self._error(start, 403, "InvalidAccessKeyId" if authorization else "AccessDenied")
         environ["HTTP_AUTHORIZATION"] = authorization.replace(wanted, stand_in, 1)
         return self._application(environ, start)
@@ -121,7 +121,7 @@ class Front:
 
     def _status(self, fault, environ, start):
         if not fault.get("early"):
-            read_body(environ["wsgi.input"])
+            read_body(environ)
         return self._error(start, fault["status"], fault["code"], map(tuple, fault.get("headers", ())))
 
     def _delay(self, fault, environ, start):
@@ -129,18 +129,18 @@ class Front:
         return self._store(environ, start)
 
     def _hang(self, fault, environ, start):
-        read_body(environ["wsgi.input"])
+        read_body(environ)
         eventlet.sleep(fault.get("ms", 600_000) / 1000)
         raise Disconnect
 
     def _reset(self, fault, environ, start):
-        length = int(environ["CONTENT_LENGTH"])
-        read_body(environ["wsgi.input"], {"first": 1, "middle": length // 2, "last": length}[fault["at"]])
+        length = body_length(environ)
+        read_body(environ, {"first": 1, "middle": length // 2, "last": length}[fault["at"]])
         reset(connection_of(environ))
         raise Disconnect
 
     def _close(self, fault, environ, start):
-        read_body(environ["wsgi.input"])
+        read_body(environ)
         raise Disconnect
 
     def _bad_etag(self, fault, environ, start):

@@ -1,0 +1,91 @@
+"""The run of test_default_endpoint.py, inside network and mount namespaces of its own: nothing here can leave them.
+
+The names of Amazon's endpoint lead to the local store on port 443, and the machine's trusted authorities are the
+test's own. Ends with exit code 0 when the agent did right in every case.
+"""
+import fcntl
+import shutil
+import socket
+import struct
+import subprocess
+import sys
+from pathlib import Path
+
+import wine
+from agent import Site
+from package_reader import read_package
+from store.certificates import Authority
+from store.client import Store
+from submissions import write_small
+
+DOMAIN = "s3.us-east-1.amazonaws.com"
+BUCKET = "default-endpoint"
+FAILED = ". Error=Failed to put stream in S3 bucket\r\n"
+
+
+def bring_loopback_up():
+    get_flags, set_flags, up = 0x8913, 0x8914, 1
+    with socket.socket() as any_socket:
+        request = fcntl.ioctl(any_socket, get_flags, struct.pack("16sh14x", b"lo", 0))
+        _, flags = struct.unpack("16sh14x", request)
+        fcntl.ioctl(any_socket, set_flags, struct.pack("16sh14x", b"lo", flags | up))
+
+
+def put_in_place(path, content, folder):
+    """Lays content over a file of the system, in this mount namespace only."""
+    replacement = folder / path.name
+    replacement.write_text(content)
+    subprocess.run(["mount", "--bind", replacement, path], check=True)
+
+
+def upload(folder, pem):
+    """One submission sent to a store with that certificate: the agent's errors, the uploads, the objects."""
+    with Store(folder / "store", "--https", "443", "--pem", str(pem)) as store:
+        store.make_bucket(BUCKET)
+        site = Site(folder / "site", store, BUCKET)
+        for key in ("EndpointOverride", "UseVirtualAddressing"):
+            del site.configuration["Uploader"][key]
+        write_small(site.dumps, "one")
+        with site.start_with_game() as beside:
+            beside.agent.wait_for("package", 20)
+            wine.wait_until(lambda: site.all_sent() or beside.agent.stderr, 20, "an upload that ended")
+            assert beside.quit() == 0
+        objects = {key: store.get(BUCKET, key) for key in store.keys(BUCKET)}
+        return beside.agent.stderr.decode(), store.uploads(), objects
+
+
+def check_trusted(folder, pem):
+    errors, (request,), objects = upload(folder, pem)
+    assert errors == "", errors
+    ((key, data),) = objects.items()
+    assert read_package(data).header["Key"] == "one"
+    assert request["scheme"] == "https" and request["host"] == f"{BUCKET}.{DOMAIN}"
+    assert request["path"] == f"/{key}"
+    assert request["sha256"] == "UNSIGNED-PAYLOAD" and request["content-md5"]
+
+
+def check_refused(folder, pem):
+    errors, requests, objects = upload(folder, pem)
+    assert errors.count(FAILED) == 1, errors
+    assert not requests and not objects, "nothing may be sent to a server that is not who it says"
+
+
+def main(folder):
+    bring_loopback_up()
+    trusted, unknown = Authority(folder, "trusted"), Authority(folder, "unknown")
+    put_in_place(Path("/etc/hosts"), f"127.0.0.1 localhost {DOMAIN} {BUCKET}.{DOMAIN}\n", folder)
+    put_in_place(Path("/etc/ssl/certs/ca-certificates.crt"), trusted.certificate.read_text(), folder)
+    wine.PREFIX = folder / "wine"  # its server must live in this namespace
+    wine.make_prefix()
+    try:
+        check_trusted(folder / "trusted", trusted.issue(f"*.{DOMAIN}"))
+        check_refused(folder / "unknown", unknown.issue(f"*.{DOMAIN}"))
+        check_refused(folder / "other name", trusted.issue("*.s3.eu-west-1.amazonaws.com"))
+        check_refused(folder / "expired", trusted.issue(f"*.{DOMAIN}", days=-1))
+    finally:
+        wine.stop_prefix()
+        shutil.rmtree(wine.PREFIX)
+
+
+if __name__ == "__main__":
+    main(Path(sys.argv[1]))

@@ -1,0 +1,56 @@
+"""A server on 127.0.0.1 that misbehaves below what HTTP allows: each connection is handed to a function."""
+import contextlib
+import socket
+import threading
+
+
+def read_request(connection):
+    """The head of a request as text, after its body has come too."""
+    received = b""
+    while b"\r\n\r\n" not in received:
+        received += receive(connection)
+    head, _, body = received.partition(b"\r\n\r\n")
+    lengths = [line.split(b":")[1] for line in head.split(b"\r\n") if line.lower().startswith(b"content-length:")]
+    missing = int(lengths[0]) - len(body)
+    while missing > 0:
+        missing -= len(receive(connection))
+    return head.decode("ascii")
+
+
+def receive(connection):
+    block = connection.recv(1 << 16)
+    if not block:
+        raise ConnectionError("the client has gone")
+    return block
+
+
+@contextlib.contextmanager
+def serving(handle):
+    """Gives the port. handle(connection, over) should return once over, an event, is set or the client has gone."""
+    over = threading.Event()
+
+    def serve_one(connection):
+        with connection, contextlib.suppress(OSError):
+            handle(connection, over)
+
+    def accept():
+        with contextlib.suppress(OSError):
+            while True:
+                connection, _ = listener.accept()
+                connection.settimeout(30)
+                thread = threading.Thread(target=serve_one, args=(connection,))
+                thread.start()
+                threads.append(thread)
+
+    threads = []
+    listener = socket.create_server(("127.0.0.1", 0))
+    acceptor = threading.Thread(target=accept)
+    acceptor.start()
+    try:
+        yield listener.getsockname()[1]
+    finally:
+        over.set()
+        listener.shutdown(socket.SHUT_RDWR)
+        listener.close()
+        for thread in [acceptor, *threads]:
+            thread.join(40)

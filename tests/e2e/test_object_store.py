@@ -1,0 +1,153 @@
+"""The clients of the store, without the agent around them: one object against a real store, and against peers that no
+store resembles. Each client is the probe of a build: WinHTTP's under Wine, the AWS SDK's where the native build has it."""
+import hashlib
+import os
+import re
+import socket
+import subprocess
+from pathlib import Path
+
+import pytest
+
+import wine
+from raw_server import read_request, serving
+from store.client import ACCESS_KEY, SECRET_KEY
+
+TIMEOUT = 1.5  # seconds for a request
+NATIVE_BIN = Path(os.environ.get("MORVANE_NATIVE_BIN", wine.ROOT / "build" / "native" / "bin"))
+NATIVE_PROBE = NATIVE_BIN / "ObjectStoreProbe"
+LINE = re.compile(r'result="(.*)" etag=\[(.*)\] ms=(\d+)')
+
+
+class Probe:
+    def __init__(self, name, bucket, scratch):
+        self._windows = name == "winhttp"
+        self._command = [wine.ROOT / "scripts" / "run-wine.sh", wine.BIN / "ObjectStoreProbe.exe"]
+        # Curl, below the SDK, notices a transfer that stands still only after some seconds more.
+        self.latest = TIMEOUT + (1 if self._windows else 8)
+        if not self._windows:
+            self._command = [NATIVE_PROBE]
+        self._file = scratch / "object"
+        self._arguments = {"bucket": bucket, "accessKey": ACCESS_KEY, "secretKey": SECRET_KEY,
+                           "requestTimeout": int(TIMEOUT * 1000)}
+
+    def put(self, body, **arguments):
+        """(succeeded, ETag, seconds) of each of the parallel uploads."""
+        self._file.write_bytes(body)
+        path = wine.windows_path(self._file) if self._windows else self._file
+        arguments = {**self._arguments, "file": path, **arguments}
+        run = subprocess.run([*self._command, *(f"{name}={value}" for name, value in arguments.items())],
+                             env=wine.environment(), capture_output=True, text=True, timeout=50, check=False)
+        outcomes = [(text == "OK", tag, int(ms) / 1000) for text, tag, ms in LINE.findall(run.stdout)]
+        assert outcomes and run.returncode == (0 if all(done for done, *_ in outcomes) else 1), run.stdout + run.stderr
+        assert SECRET_KEY not in run.stdout + run.stderr
+        return outcomes
+
+    def fails(self, body, **arguments):
+        """The seconds until the one upload failed."""
+        [(done, _, seconds)] = self.put(body, **arguments)
+        assert not done
+        return seconds
+
+
+@pytest.fixture(params=["winhttp", "aws-sdk"])
+def probe(request, bucket, scratch):
+    if request.param == "aws-sdk" and not NATIVE_PROBE.is_file():
+        pytest.skip("the native build found no AWS SDK")
+    return Probe(request.param, bucket, scratch)
+
+
+def tag_of(body):
+    return f'"{hashlib.md5(body).hexdigest()}"'
+
+
+@pytest.mark.parametrize("arguments", [{}, {"pathStyle": 1}, {"key": "a b/\N{LATIN SMALL LETTER U WITH DIAERESIS}+%~.x"}],
+                         ids=["package", "path-style", "odd-key"])
+def test_an_object_arrives(probe, store, bucket, arguments):
+    body = b"one package"
+    assert [outcome[:2] for outcome in probe.put(body, endpoint=store.endpoint, **arguments)] == [(True, tag_of(body))]
+    assert store.keys(bucket) == [arguments.get("key", tag_of(body).strip('"'))]
+
+
+def test_a_large_object_arrives_four_times_at_once(probe, store):
+    body = bytes(range(256)) * (1 << 16)  # 16 MiB
+    outcomes = probe.put(body, endpoint=store.endpoint, parallel=4, requestTimeout=30000)
+    assert [outcome[:2] for outcome in outcomes] == [(True, tag_of(body))] * 4
+
+
+@pytest.mark.parametrize("arguments, status", [
+    ({"secretKey": "wrong"}, 403), ({"md5": "AAAAAAAAAAAAAAAAAAAAAA=="}, 400), ({"bucket": "no-such-bucket"}, 404),
+    ({"region": "eu-west-1"}, 400),
+])
+def test_a_refusal_is_a_failure(probe, store, arguments, status):
+    probe.fails(b"x" * 1000, endpoint=store.endpoint, **arguments)
+    assert [upload["status"] for upload in store.uploads()] == [status]
+
+
+@pytest.mark.parametrize("length", [-5, 0, 4])
+def test_a_wrong_length_stores_nothing(probe, store, bucket, length):
+    probe.fails(b"hello", endpoint=store.endpoint, length=length)
+    assert not store.keys(bucket)
+
+
+def silent(connection, over):
+    read_request(connection)
+    over.wait(30)
+
+
+def never_reading(_, over):
+    over.wait(30)
+
+
+def dripping(connection, over):
+    read_request(connection)
+    connection.sendall(b"HTTP/1.1 200 OK\r\nx: ")
+    while not over.wait(0.1):
+        connection.sendall(b"y")
+
+
+def slowly_reading(connection, over):
+    while not over.wait(0.2) and connection.recv(100):
+        pass
+
+
+@pytest.mark.parametrize("scheme, peer, size", [
+    ("http", silent, 10), ("http", dripping, 10), ("http", never_reading, 32 << 20), ("http", slowly_reading, 32 << 20),
+    ("https", never_reading, 10),
+])
+def test_no_peer_holds_a_client_for_long(probe, scheme, peer, size):
+    with serving(peer) as port:
+        assert probe.fails(b"x" * size, endpoint=f"{scheme}://127.0.0.1:{port}") < probe.latest + size / (32 << 20)
+
+
+def test_connecting_ends_with_its_own_timeout(probe):
+    """A full backlog: the system answers no further connection."""
+    with socket.create_server(("127.0.0.1", 0), backlog=0) as server:
+        waiting = [socket.socket() for _ in range(4)]
+        for client in waiting:
+            client.setblocking(False)
+            client.connect_ex(server.getsockname())
+        seconds = probe.fails(b"x", endpoint=f"http://127.0.0.1:{server.getsockname()[1]}", connectTimeout=500)
+        for client in waiting:
+            client.close()
+    assert 0.4 < seconds < 1
+
+
+@pytest.mark.parametrize("answer, expected", [
+    (b'HTTP/1.1 200 OK\r\nETag: "a-B"\r\nContent-Length: 0\r\n\r\n', (True, '"a-B"')),
+    (b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n", (True, "")),
+    (b'HTTP/1.1 401 No\r\nWWW-Authenticate: NTLM\r\nETag: "a"\r\nContent-Length: 0\r\n\r\n', (False, "")),
+    (b"\x00\x01 not HTTP\r\n\r\n", (False, "")),
+    (b"", (False, "")),
+], ids=["tag", "no-tag", "password-asked", "garbage", "nothing"])
+def test_answers(probe, answer, expected):
+    heads = []
+
+    def answering(connection, _):
+        heads.append(read_request(connection))
+        connection.sendall(answer)
+
+    with serving(answering) as port:
+        [outcome] = probe.put(b"hello", endpoint=f"http://127.0.0.1:{port}")
+    assert outcome[:2] == expected
+    assert len(heads) == 1 and "NTLM" not in heads[0]
