@@ -10,6 +10,8 @@ def read_request(connection):
     while b"\r\n\r\n" not in received:
         received += receive(connection)
     head, _, body = received.partition(b"\r\n\r\n")
+    if b"\r\nexpect: 100-continue" in head.lower():
+        connection.sendall(b"HTTP/1.1 100 Continue\r\n\r\n")
     lengths = [line.split(b":")[1] for line in head.split(b"\r\n") if line.lower().startswith(b"content-length:")]
     missing = int(lengths[0]) - len(body)
     while missing > 0:

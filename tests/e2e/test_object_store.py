@@ -114,8 +114,8 @@ def slowly_reading(connection, over):
 @pytest.mark.parametrize("scheme, peer, size", [
     ("http", silent, 10), ("http", dripping, 10), ("http", never_reading, 32 << 20), ("http", slowly_reading, 32 << 20),
     ("https", never_reading, 10),
-])
-def test_no_peer_holds_a_client_for_long(probe, scheme, peer, size):
+], ids=["silent", "drip", "never-read", "slow-read", "no-tls"])
+def test_no_peer_holds_a_client(probe, scheme, peer, size):
     with serving(peer) as port:
         assert probe.fails(b"x" * size, endpoint=f"{scheme}://127.0.0.1:{port}") < probe.latest + size / (32 << 20)
 

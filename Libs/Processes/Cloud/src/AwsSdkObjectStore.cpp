@@ -1,6 +1,7 @@
 #include <cstdlib>
 #include <new>
 #include <sstream>
+#include <utility>
 
 #include <aws/core/Aws.h>
 #include <aws/core/auth/AWSCredentials.h>
@@ -25,7 +26,7 @@ Aws::String ToAws(const std::string& text) {
 // The client over the AWS SDK. A client of the SDK is built for every upload and goes with it.
 class AwsSdkObjectStore : public IObjectStore {
 public:
-    explicit AwsSdkObjectStore(const ObjectStoreConfig& config) : m_config(config) {}
+    explicit AwsSdkObjectStore(ObjectStoreConfig config) : m_config(std::move(config)) {}
 
     ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) override {
         eTag.clear();

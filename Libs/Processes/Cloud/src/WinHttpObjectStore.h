@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <utility>
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
@@ -11,7 +12,7 @@
 // answers to any log.
 class WinHttpObjectStore : public IObjectStore {
 public:
-    explicit WinHttpObjectStore(const ObjectStoreConfig& config) : m_config(config) {}
+    explicit WinHttpObjectStore(ObjectStoreConfig config) : m_config(std::move(config)) {}
 
     ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) override;
 

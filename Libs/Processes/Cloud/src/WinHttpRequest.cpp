@@ -35,6 +35,7 @@ struct WinHttpRequest::Callback {
     using Context = std::shared_ptr<Shared>; // WinHTTP's share: lives until the request's last notice
 
     static void CALLBACK Notify(HINTERNET, DWORD_PTR contextValue, DWORD status, void*, DWORD) {
+        // WinHTTP carries pointers as integers. NOLINTNEXTLINE(performance-no-int-to-ptr)
         auto* context = reinterpret_cast<Context*>(contextValue);
         if (!context) {
             return;
@@ -61,9 +62,9 @@ bool WinHttpRequest::Attach(WinHttpHandle request) {
     m_shared = std::make_shared<Shared>();
     m_shared->piece.reserve(LargestPiece);
     auto context = std::make_unique<Callback::Context>(m_shared);
-    auto contextValue = reinterpret_cast<DWORD_PTR>(context.get());
+    m_context = reinterpret_cast<DWORD_PTR>(context.get());
     if (!request || !m_shared->stepEnded ||
-        !WinHttpSetOption(request.get(), WINHTTP_OPTION_CONTEXT_VALUE, &contextValue, sizeof(contextValue)) ||
+        !WinHttpSetOption(request.get(), WINHTTP_OPTION_CONTEXT_VALUE, &m_context, sizeof(m_context)) ||
         WinHttpSetStatusCallback(request.get(), &Callback::Notify,
                                  WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES,
                                  0) == WINHTTP_INVALID_STATUS_CALLBACK) {
@@ -75,10 +76,9 @@ bool WinHttpRequest::Attach(WinHttpHandle request) {
 }
 
 StepOutcome WinHttpRequest::SendHead(uint32_t limitMs) {
-    return Wait(m_request &&
-                    WinHttpSendRequest(m_request.get(), WINHTTP_NO_ADDITIONAL_HEADERS, 0,
-                                       WINHTTP_NO_REQUEST_DATA, 0, WINHTTP_IGNORE_REQUEST_TOTAL_LENGTH,
-                                       reinterpret_cast<DWORD_PTR>(nullptr)),
+    return Wait(m_request && WinHttpSendRequest(m_request.get(), WINHTTP_NO_ADDITIONAL_HEADERS, 0,
+                                                WINHTTP_NO_REQUEST_DATA, 0,
+                                                WINHTTP_IGNORE_REQUEST_TOTAL_LENGTH, m_context),
                 limitMs);
 }
 

@@ -41,5 +41,6 @@ private:
     StepOutcome Wait(bool started, uint32_t limitMs);
 
     std::shared_ptr<Shared> m_shared;
+    uintptr_t m_context = 0; // WinHTTP's share, as the callback gets it
     WinHttpHandle m_request;
 };

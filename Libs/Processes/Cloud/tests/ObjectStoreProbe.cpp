@@ -38,7 +38,7 @@ Arguments ReadArguments(int count, char** values) {
     return arguments;
 }
 
-std::string Text(const Arguments& arguments, const char* name, std::string otherwise) {
+std::string Text(const Arguments& arguments, const char* name, const std::string& otherwise) {
     const auto found = arguments.find(name);
     return found == arguments.end() ? otherwise : found->second;
 }
@@ -88,6 +88,7 @@ void PutOne(const ObjectStoreConfig& config, const PutObjectRequest& request, Ou
 bool PutAll(const ObjectStoreConfig& config, const PutObjectRequest& request, std::size_t count) {
     std::vector<Outcome> outcomes(count);
     std::vector<std::thread> threads;
+    threads.reserve(count);
     for (Outcome& outcome : outcomes) {
         threads.emplace_back([&] { PutOne(config, request, outcome); });
     }
