@@ -7,7 +7,7 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
 BIN = Path(os.environ.get("MORVANE_BIN", ROOT / "build" / "release" / "bin"))
-SCRATCH = ROOT / "build" / "e2e"
+SCRATCH = Path(os.environ.get("MORVANE_SCRATCH", ROOT / "build" / "e2e"))
 TEMPLATE = ROOT / "build" / "wine"
 PREFIX = SCRATCH / "wine"
 
