@@ -44,8 +44,7 @@ using EnumerationCallback = std::function<ResultCode(const PathInfo&, bool& keep
 
 enum EnumerationMode : uint32_t { EnumerateFiles = 1, EnumerateFolders = 2 };
 
-// The entries directly inside a folder, whose path must end in a separator; "." and ".." are never among
-// them.
+// The entries directly inside a folder, whose path must end in a separator; never "." and "..".
 ResultCode EnumerateFolder(const std::string& topLevelFolder, uint32_t mode,
                            const EnumerationCallback& callback);
 
@@ -60,14 +59,14 @@ ResultCode EnsureTrailingFolderSeparator(std::string& folderPath);
 ResultCode CreateFolderTree(const std::string& path);
 ResultCode EnsureFolderExists(const std::string& path);
 
-// These three try again for about a second while the system denies access.
+// These three try again for about a second while the system denies access or somebody holds the file open.
 ResultCode RemoveFile(const std::string& path);
 ResultCode MakeFileWritable(const std::string& path);
 ResultCode MakeFileReadOnly(const std::string& path);
 
 // Deletes a folder with all it holds. Read-only files go first, so that a folder whose deletion was cut short
-// no longer carries the mark of a complete one. Links are removed as links; what they point to is never
-// touched.
+// no longer carries the mark of a complete one. A link is removed as a link, also when path is one; what it
+// points to is never touched: where the system can't remove a link alone, the deletion fails there.
 ResultCode RemoveFolder(const std::string& path);
 
 struct FileStatus {
@@ -77,15 +76,13 @@ struct FileStatus {
 };
 ResultCode QueryFileStatus(const std::string& path, FileStatus& status);
 
-// True for anything of that name, file or folder; false too for a path that can't be asked about. Logs
-// nothing.
+// True for anything of that name, file or folder; false too when the system can't tell. Logs nothing.
 bool PathExists(const std::string& path);
 
 // At most 4096 of them; the idle process has the id 0.
 ResultCode EnumerateProcesses(std::vector<uint32_t>& processIds);
 
-// The image's path with the system's own device name in place of a drive:
-// \Device\HarddiskVolume2\Games\Game.exe.
+// The image's path, its drive as a device: \Device\HarddiskVolume2\Games\Game.exe.
 ResultCode GetProcessImageName(uint32_t processId, std::string& name);
 
 // Whether image ends in name, whatever stands before it and whatever the case: game.exe matches
@@ -102,8 +99,8 @@ struct ModuleVersion {
     uint32_t build = 0;
     uint32_t revision = 0;
 };
-// Reads the version resource. changelist is the number in brackets of its FileVersion text: 1234 for "2.0.0.8
-// (1234)". A failure leaves what was found until then.
+// Reads the version resource. changelist is the number in brackets of its FileVersion text, such as the 1234
+// of 2.0.0.8 (1234). A failure leaves what was found until then.
 ResultCode GetModuleVersion(const std::string& modulePath, ModuleVersion& version, uint32_t& changelist);
 
 // Documents\<name> of the user; Documents itself is created when missing, the named folder is not.

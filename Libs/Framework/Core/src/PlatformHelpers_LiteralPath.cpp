@@ -52,25 +52,45 @@ std::wstring FullPath(const std::wstring& path) {
     return full;
 }
 
-// Where the system says that the file lies which it opens for this path, links not followed. Empty when it
-// can't be opened or asked.
-std::wstring FinalPathOf(const std::wstring& path) {
+// What the system calls the file that it opens for this path, without its drive. Empty when it can't be
+// opened or asked.
+std::wstring OpenedName(const std::wstring& path, DWORD linkFlag) {
     constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
     const HANDLE file = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, ShareAll, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_OPEN_REPARSE_POINT | FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+                                    FILE_FLAG_BACKUP_SEMANTICS | linkFlag, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         return {};
     }
-    constexpr DWORD Form = FILE_NAME_OPENED | VOLUME_NAME_DOS;
-    std::wstring final(512, L'\0');
-    DWORD length = GetFinalPathNameByHandleW(file, final.data(), static_cast<DWORD>(final.size()), Form);
-    if (length > final.size()) {
-        final.resize(length);
-        length = GetFinalPathNameByHandleW(file, final.data(), length, Form);
-    }
+    constexpr std::size_t MaxPathUnits = 32768;
+    struct {
+        DWORD bytes;
+        wchar_t name[MaxPathUnits];
+    } answer;
+    const bool answered = GetFileInformationByHandleEx(file, FileNameInfo, &answer, sizeof answer);
     CloseHandle(file);
-    final.resize(length < final.size() ? length : 0);
-    return final;
+    return answered ? std::wstring(answer.name, answer.bytes / sizeof(wchar_t)) : std::wstring();
+}
+
+// Where a name of this folder would be: C:\a\ becomes \a\ and the root stays \.
+std::wstring OpenedFolder(const std::wstring& literalFolder) {
+    std::wstring name = OpenedName(literalFolder, 0);
+    if (!name.empty() && name.back() != L'\\') {
+        name.push_back(L'\\');
+    }
+    return name;
+}
+
+// Drops dots and blanks at the end of every name: some layers report names without them.
+std::wstring WithoutNameTails(std::wstring_view path) {
+    std::wstring plain;
+    for (const wchar_t unit : path) {
+        while (unit == L'\\' && !plain.empty() && (plain.back() == L'.' || plain.back() == L' ')) {
+            plain.pop_back();
+        }
+        plain.push_back(unit);
+    }
+    plain.resize(plain.find_last_not_of(L". ") + 1);
+    return plain;
 }
 
 } // namespace
@@ -112,19 +132,19 @@ bool IsFolderLink(const std::wstring& literalPath) {
 }
 
 Place::Place(const std::wstring& literalFolder)
-    : m_length(literalFolder.size()), m_finalPath(FinalPathOf(literalFolder)) {
-    if (!m_finalPath.empty() && m_finalPath.back() != L'\\') {
-        m_finalPath.push_back(L'\\');
-    }
-}
+    : m_length(literalFolder.size()), m_openedFolder(OpenedFolder(literalFolder)) {}
 
 bool Place::Holds(const std::wstring& literalPath) const {
-    const std::wstring final = m_finalPath.empty() ? std::wstring() : FinalPathOf(literalPath);
-    if (final.empty()) {
+    if (m_openedFolder.empty()) {
         return true;
     }
-    const std::wstring expected = m_finalPath + literalPath.substr(m_length);
-    return CompareStringOrdinal(final.c_str(), static_cast<int>(final.size()), expected.c_str(),
+    const std::wstring opened = OpenedName(literalPath, FILE_FLAG_OPEN_REPARSE_POINT);
+    if (opened.empty()) {
+        return true;
+    }
+    const std::wstring actual = WithoutNameTails(opened);
+    const std::wstring expected = WithoutNameTails(m_openedFolder + literalPath.substr(m_length));
+    return CompareStringOrdinal(actual.c_str(), static_cast<int>(actual.size()), expected.c_str(),
                                 static_cast<int>(expected.size()), TRUE) == CSTR_EQUAL;
 }
 

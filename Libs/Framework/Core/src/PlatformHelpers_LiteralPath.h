@@ -29,7 +29,7 @@ public:
 
 private:
     std::size_t m_length;
-    std::wstring m_finalPath; // with a trailing separator; empty when unknown
+    std::wstring m_openedFolder; // as the system calls it, with a trailing separator; empty when unknown
 };
 
 } // namespace PlatformHelpers

@@ -2,10 +2,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstring>
 #include <string>
 #include <vector>
 
+#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
 
 namespace {
 
@@ -107,6 +109,21 @@ TEST(MD5, BytesOfSeveralPiecesEqualOneUpdate) {
     Crypto::MD5OfBuffer(bytes.data(), static_cast<uint32_t>(bytes.size()), once, sizeof once);
     EXPECT_EQ(Crypto::MD5OfBytes(bytes), once);
     EXPECT_EQ(Crypto::MD5OfBytes({}), "d41d8cd98f00b204e9800998ecf8427e");
+}
+
+TEST(MD5, TextNeedsRoomFor33Characters) {
+    const AssertCapture asserts;
+    char text[40];
+    std::memset(text, '#', sizeof text);
+    Crypto::MD5OfBuffer("abc", 3, text, 33);
+    EXPECT_EQ(std::string(text, 34), std::string("900150983cd24fb0d6963f7d28e17f72\0#", 34));
+    EXPECT_TRUE(asserts.Texts().empty());
+
+    std::memset(text, '#', sizeof text);
+    Crypto::MD5OfBuffer("abc", 3, text, 32);
+    EXPECT_EQ(asserts.Texts(), std::vector<std::string>{"out_buffer_size >= 33|"});
+    EXPECT_EQ(std::string(text, 33), std::string("900150983cd24fb0d6963f7d28e17f7\0#", 33));
+    Crypto::MD5OfBuffer("abc", 3, nullptr, 0);
 }
 
 } // namespace

@@ -1,0 +1,4 @@
+// A program that exists for its version resource.
+int main() {
+    return 0;
+}
