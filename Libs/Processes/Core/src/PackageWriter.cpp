@@ -37,16 +37,27 @@ std::size_t BodySize(std::size_t headerSize, const std::vector<std::string>& pat
     return static_cast<std::size_t>(size);
 }
 
+// Read-only marks a package as finished. Asked for beforehand, since not every system keeps a program with
+// all rights from writing to such a file.
+bool IsFinished(const std::string& path) {
+    PlatformHelpers::FileStatus status;
+    return PlatformHelpers::PathExists(path) && PlatformHelpers::QueryFileStatus(path, status).Succeeded() &&
+           status.isReadOnly;
+}
+
 bool HoldsExactly(const std::string& path, const std::vector<uint8_t>& bytes) {
     std::vector<uint8_t> present;
     return Platform::ReadWholeFile(path, present) == Platform::ReadOutcome::Done && present == bytes;
 }
 
 ResultCode Write(const std::string& path, const std::vector<uint8_t>& package) {
+    constexpr ResultCode NotOpened = "Failed to open package file for writing";
+    if (IsFinished(path)) {
+        return HoldsExactly(path, package) ? Platform::Success : NotOpened;
+    }
     switch (Platform::WriteWholeFile(path, package, Platform::WriteDurability::FlushToDisk)) {
     case Platform::WriteOutcome::OpenFailed:
-        return HoldsExactly(path, package) ? Platform::Success
-                                           : ResultCode("Failed to open package file for writing");
+        return NotOpened;
     case Platform::WriteOutcome::WriteFailed:
         return "Failed to write package file";
     case Platform::WriteOutcome::Done:

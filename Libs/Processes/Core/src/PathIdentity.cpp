@@ -4,6 +4,7 @@
 
 #include <memory>
 
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
 
@@ -40,32 +41,47 @@ std::wstring FinalPath(const std::wstring& path) {
     return finalPath;
 }
 
-bool IsLinkOrMissing(const std::wstring& path) {
-    return (GetFileAttributesW(path.c_str()) & FILE_ATTRIBUTE_REPARSE_POINT) !=
-           0; // missing has every bit set
+// The tag of a reparse point stands only in the folder's listing.
+bool IsLinkAt(const std::wstring& path) {
+    const DWORD attributes = GetFileAttributesW(path.c_str());
+    if (attributes == INVALID_FILE_ATTRIBUTES || (attributes & FILE_ATTRIBUTE_REPARSE_POINT) == 0) {
+        return false;
+    }
+    WIN32_FIND_DATAW entry = {};
+    const HANDLE find = FindFirstFileW(path.c_str(), &entry);
+    if (find == INVALID_HANDLE_VALUE) {
+        return true; // rather than to follow it
+    }
+    FindClose(find);
+    return PlatformHelpers::IsLinkEntry(entry.dwFileAttributes, entry.dwReserved0);
+}
+
+bool Exists(const std::wstring& path) {
+    return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES;
+}
+
+bool HasLinkOnTheWay(const std::wstring& folder, const std::wstring& name) {
+    std::size_t end = name.find_first_of(L"\\/");
+    for (; end != std::wstring::npos; end = name.find_first_of(L"\\/", end + 1)) {
+        if (IsLinkAt(folder + name.substr(0, end))) {
+            return true;
+        }
+    }
+    return IsLinkAt(folder + name);
 }
 
 } // namespace
 
 bool IsLink(const std::string& path) {
-    const DWORD attributes = GetFileAttributesW(ToWide(path).c_str());
-    return attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_REPARSE_POINT) != 0;
+    return IsLinkAt(ToWide(path));
 }
 
 bool LiesInside(const std::string& folder, const std::string& relativeName) {
     const std::wstring wideFolder = ToWide(FolderPath::Join(folder, ""));
     const std::wstring wideName = ToWide(relativeName);
-    if (wideFolder.empty() || wideName.empty()) {
+    if (wideFolder.empty() || wideName.empty() || !Exists(wideFolder + wideName) ||
+        HasLinkOnTheWay(wideFolder, wideName)) {
         return false;
-    }
-    for (std::size_t end = 0; end != std::wstring::npos; ++end) {
-        end = wideName.find_first_of(L"\\/", end);
-        if (IsLinkOrMissing(wideFolder + wideName.substr(0, end))) {
-            return false;
-        }
-        if (end == std::wstring::npos) {
-            break;
-        }
     }
     // Not every link shows in the attributes, and not every volume knows final paths: each check covers the
     // other.

@@ -26,9 +26,10 @@ void PackOrEmpty(const AttachmentPacker& packer, Attachment& attachment) {
     }
 }
 
-// A linked folder's files are somebody else's: it has no header to read.
+// What a link stands for is somebody else's: neither a linked folder nor a linked header is read.
 ResultCode ReadHeader(const std::string& submissionFolder, BugHeader& header) {
-    if (PathIdentity::IsLink(submissionFolder)) {
+    if (PathIdentity::IsLink(submissionFolder) ||
+        !PathIdentity::LiesInside(submissionFolder, HeaderFile::Name)) {
         return "Failed to open json header data in dump folder!";
     }
     return HeaderFile::Read(submissionFolder, header);

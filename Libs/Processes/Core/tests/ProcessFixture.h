@@ -1,0 +1,80 @@
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <string>
+#include <thread>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Libs/Framework/Core/src/ApplicationBase.h"
+#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+
+// A real application with real folders, whose processes a test configures, starts and looks at.
+class ProcessFixture : public testing::Test {
+protected:
+    // Makes processes as the makers and sections say; gives the first error that was logged, or nothing.
+    std::string Configure(const std::string& processes, const std::string& sections) {
+        const std::string config =
+            "-config=" +
+            m_scratch.MakeFile("agent.json", R"({"Application":{"Processes":{)" + processes +
+                                                 R"(},"Components":[],"ApplicationFolder":""},)" + sections +
+                                                 "}");
+        const std::string folder = "-appFolder=" + m_scratch.PathOf("app");
+        const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
+        EXPECT_TRUE(m_application->Initialize(3, argv));
+        const auto errors = m_log.Errors();
+        return errors.empty() ? "" : errors.front();
+    }
+
+    void Start(const char* process) {
+        const auto found = m_application->GetProcess(process);
+        ASSERT_NE(found, nullptr);
+        ASSERT_TRUE(found->Start());
+    }
+
+    void Stop(const char* process) {
+        m_application->GetProcess(process)->RequestShutdown();
+        m_application->GetProcess(process)->GetThread()->Join();
+    }
+
+    // Looks again every few milliseconds, for at most ten seconds.
+    [[nodiscard]] static bool Await(const std::function<bool()>& condition) {
+        const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
+        while (!condition()) {
+            if (std::chrono::steady_clock::now() > end) {
+                return false;
+            }
+            std::this_thread::sleep_for(std::chrono::milliseconds(2));
+        }
+        return true;
+    }
+
+    // A path as it stands in JSON text.
+    static std::string Quoted(const std::string& path) {
+        std::string text = "\"";
+        for (const char character : path) {
+            text += character == '\\' ? "\\\\" : std::string(1, character);
+        }
+        return text + "\"";
+    }
+
+    void MakeReadOnly(const std::string& name) const {
+        ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(m_scratch.PathOf(name)));
+    }
+
+    // A folder with a finished sentinel.
+    std::string MakeComplete(const std::string& name, const std::string& header = "{}",
+                             const std::string& sentinel = "header.json") const {
+        m_scratch.MakeFile(name + "/" + sentinel, header);
+        MakeReadOnly(name + "/" + sentinel);
+        return m_scratch.PathOf(name);
+    }
+
+    TestSupport::ScratchFolder m_scratch{"scratch 太郎"};
+    TestSupport::LogCapture m_log;
+    std::shared_ptr<ApplicationBase> m_application = std::make_shared<ApplicationBase>();
+};
