@@ -115,10 +115,12 @@ TEST_F(AttachmentPackerTest, NamesThatLeadElsewhereAreAsGoodAsMissing) {
 
 TEST_F(AttachmentPackerTest, FilesBehindLinksAreAsGoodAsMissing) {
     m_scratch.MakeFile("outside/secret.txt", "x");
-    if (!TestSupport::MakeLink(m_source + "\\file.txt", "../outside/secret.txt", false) ||
-        !TestSupport::MakeLink(m_source + "\\file.tgz", "../outside/secret.txt", false) ||
-        !TestSupport::MakeLink(m_source + "\\packed.txt.gz", "../outside/secret.txt", false) ||
-        !TestSupport::MakeLink(m_source + "\\folder", "../outside", true)) {
+    const std::string secret = "../outside/secret.txt";
+    const TestSupport::Link file(m_source + "\\file.txt", secret, false);
+    const TestSupport::Link tar(m_source + "\\file.tgz", secret, false);
+    const TestSupport::Link packed(m_source + "\\packed.txt.gz", secret, false);
+    const TestSupport::Link folder(m_source + "\\folder", "../outside", true);
+    if (!file || !tar || !packed || !folder) {
         GTEST_SKIP() << "this system makes no symbolic links";
     }
     EXPECT_EQ(Pack("file.txt"), NotOnDisk);

@@ -32,21 +32,39 @@ namespace TestSupport {
     return isDone();
 }
 
-// target is relative to the link's folder. Windows makes links for an administrator or in developer mode.
-// False when this system makes none.
-[[nodiscard]] inline bool MakeLink(const std::string& link, const std::string& target, bool isFolder) {
-    constexpr DWORD AllowForEverybody = 2; // where the developer mode is on
-    const std::filesystem::path path = ScratchFolder::FromUtf8(link);
-    std::filesystem::path targetPath = ScratchFolder::FromUtf8(target);
-    const std::wstring arguments =
-        L"-s \"" + targetPath.wstring() + L"\" \"" + path.filename().wstring() + L"\"";
-    const auto isThere = [&path] { return GetFileAttributesW(path.c_str()) != INVALID_FILE_ATTRIBUTES; };
-    const DWORD flags = AllowForEverybody | (isFolder ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0);
-    if (CreateSymbolicLinkW(path.c_str(), targetPath.make_preferred().c_str(), flags) && isThere()) {
-        return true;
+// A symbolic link for one test. Windows makes links for an administrator or in developer mode; a link that
+// could not be made tests as false.
+class Link {
+public:
+    // target is relative to the link's folder.
+    Link(const std::string& link, const std::string& target, bool isFolder)
+        : m_path(ScratchFolder::FromUtf8(link)), m_isFolder(isFolder) {
+        constexpr DWORD AllowForEverybody = 2; // where the developer mode is on
+        std::filesystem::path targetPath = ScratchFolder::FromUtf8(target);
+        const std::wstring arguments = L"-s \"" + targetPath.wstring() + L"\" " + QuotedName();
+        const DWORD flags = AllowForEverybody | (isFolder ? SYMBOLIC_LINK_FLAG_DIRECTORY : 0);
+        m_isMade =
+            (CreateSymbolicLinkW(m_path.c_str(), targetPath.make_preferred().c_str(), flags) && IsThere()) ||
+            RunOfHost(L"ln", arguments, m_path.parent_path(), [this] { return IsThere(); });
     }
-    return RunOfHost(L"ln", arguments, path.parent_path(), isThere);
-}
+    ~Link() {
+        if (!RunOfHost(L"rm", L"-f " + QuotedName(), m_path.parent_path(), [this] { return !IsThere(); })) {
+            m_isFolder ? RemoveDirectoryW(m_path.c_str()) : DeleteFileW(m_path.c_str());
+        }
+    }
+    Link(const Link&) = delete; // it stands for what is on disk
+    Link& operator=(const Link&) = delete;
+
+    explicit operator bool() const { return m_isMade; }
+
+private:
+    bool IsThere() const { return GetFileAttributesW(m_path.c_str()) != INVALID_FILE_ATTRIBUTES; }
+    std::wstring QuotedName() const { return L"\"" + m_path.filename().wstring() + L"\""; }
+
+    std::filesystem::path m_path;
+    bool m_isFolder;
+    bool m_isMade = false;
+};
 
 // Gives or takes the folder's own read-only attribute, of which Wine changes only that of files.
 [[nodiscard]] inline bool SetFolderReadOnly(const std::string& folder, bool isReadOnly) {

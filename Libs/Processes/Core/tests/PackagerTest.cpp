@@ -192,15 +192,16 @@ TEST_F(PackagerTest, ALinkedFolderIsNotPackaged) {
     m_scratch.MakeFile("elsewhere/game.log", "x");
     MakeComplete("elsewhere", Header(Usual));
     ASSERT_EQ(ConfigurePackager(), "");
-    const std::string link = m_scratch.PathOf("app/dumps/link");
-    if (!TestSupport::MakeLink(link, "../../elsewhere", true)) {
+    const std::string path = m_scratch.PathOf("app/dumps/link");
+    const TestSupport::Link link(path, "../../elsewhere", true);
+    if (!link) {
         GTEST_SKIP() << "this system makes no symbolic links";
     }
     Start("Dumps");
     Start("P");
     EXPECT_TRUE(Await([this] { return !m_log.Errors().empty(); }));
     Stop("P");
-    EXPECT_EQ(m_log.Errors().front(), " Failed to package dump folder \"" + link +
+    EXPECT_EQ(m_log.Errors().front(), " Failed to package dump folder \"" + path +
                                           "\", error: \"Failed to open json header data in dump folder!\"");
     EXPECT_TRUE(m_scratch.Exists("elsewhere/header.json"));
     EXPECT_TRUE(m_scratch.Exists("elsewhere/game.log"));

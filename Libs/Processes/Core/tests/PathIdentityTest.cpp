@@ -24,8 +24,9 @@ TEST(PathIdentity, NothingBehindALinkLiesInside) {
     const ScratchFolder scratch;
     scratch.MakeFile("outside/secret.txt", "x");
     const std::string folder = scratch.MakeFolder("s");
-    if (!TestSupport::MakeLink(folder + "\\file", "../outside/secret.txt", false) ||
-        !TestSupport::MakeLink(folder + "\\folder", "../outside", true)) {
+    const TestSupport::Link toFile(folder + "\\file", "../outside/secret.txt", false);
+    const TestSupport::Link toFolder(folder + "\\folder", "../outside", true);
+    if (!toFile || !toFolder) {
         GTEST_SKIP() << "this system makes no symbolic links";
     }
     EXPECT_FALSE(PathIdentity::LiesInside(folder, "file"));
