@@ -6,8 +6,8 @@ namespace {
 
 TEST(Utf8Arguments, SplitsAndConverts) {
     const auto arguments = Utf8Arguments(LR"("C:\Program Files\agent.exe" -log=C:\Jörg\太郎 "a b" "" 😀)");
-    const std::vector<std::string> expected = {R"(C:\Program Files\agent.exe)", R"(-log=C:\Jörg\太郎)",
-                                               "a b", "", "😀"};
+    const std::vector<std::string> expected = {R"(C:\Program Files\agent.exe)", R"(-log=C:\Jörg\太郎)", "a b",
+                                               "", "😀"};
     EXPECT_EQ(arguments, expected);
 }
 

@@ -24,5 +24,7 @@ public:
 
     // The class among the registered types: its identity, and its description.
     virtual String::GlobalID GetStaticType() const { return Reflection::TypeOf<Derived>().Id(); }
-    virtual const Reflection::TypeDescriptor& GetTypeDescription() const { return Reflection::TypeOf<Derived>(); }
+    virtual const Reflection::TypeDescriptor& GetTypeDescription() const {
+        return Reflection::TypeOf<Derived>();
+    }
 };
