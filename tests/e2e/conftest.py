@@ -2,6 +2,7 @@
 import re
 import shutil
 import signal
+import zlib
 
 import pytest
 
@@ -37,7 +38,9 @@ def limit(request):
 
 
 def short_name(request):
-    return re.sub(r"[^a-z0-9]+", "-", request.node.name.lower()).strip("-")[:48]
+    """The test's name as bucket and folder names allow it, and one number more to keep it unique."""
+    name = re.sub(r"[^a-z0-9]+", "-", request.node.name.lower())[:48].strip("-")
+    return f"{name}-{zlib.crc32(request.node.nodeid.encode()):08x}"
 
 
 @pytest.fixture

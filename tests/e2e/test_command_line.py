@@ -15,7 +15,7 @@ def idle(site):
     """An installation whose agent does nothing and ends soon."""
     site.configuration = {
         "Application": {"Processes": {"ProcessMonitor": ["Monitor"]}, "Components": [], "ApplicationFolder": ""},
-        "Monitor": {"TimeBetweenChecks": 50, "ShutdownDelay": 50}}
+        "Monitor": {"TimeBetweenChecks": 50, "ShutdownDelay": 50, "WatchedApplications": []}}
     return site
 
 
