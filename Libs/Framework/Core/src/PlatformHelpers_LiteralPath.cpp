@@ -56,8 +56,8 @@ std::wstring FullPath(const std::wstring& path) {
 // opened or asked.
 std::wstring OpenedName(const std::wstring& path, DWORD linkFlag) {
     constexpr DWORD ShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
-    const HANDLE file = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, ShareAll, nullptr, OPEN_EXISTING,
-                                    FILE_FLAG_BACKUP_SEMANTICS | linkFlag, nullptr);
+    HANDLE file = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES, ShareAll, nullptr, OPEN_EXISTING,
+                              FILE_FLAG_BACKUP_SEMANTICS | linkFlag, nullptr);
     if (file == INVALID_HANDLE_VALUE) {
         return {};
     }
@@ -122,7 +122,7 @@ bool IsFolderLink(const std::wstring& literalPath) {
         return false;
     }
     WIN32_FIND_DATAW entry = {}; // knows the kind
-    const HANDLE find =
+    HANDLE find =
         FindFirstFileExW(literalPath.c_str(), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr, 0);
     if (find == INVALID_HANDLE_VALUE) {
         return true; // rather than to follow it

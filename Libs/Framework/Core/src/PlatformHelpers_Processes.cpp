@@ -16,7 +16,7 @@ constexpr DWORD MaxImagePath = 4096; // UTF-16 units, far beyond what a program 
 // The image's name needs no more than the limited right, which also another user's or a protected game
 // grants.
 HANDLE OpenForName(uint32_t processId) {
-    const HANDLE process = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId);
+    HANDLE process = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId);
     return process ? process : OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId);
 }
 
@@ -35,7 +35,7 @@ ResultCode EnumerateProcesses(std::vector<uint32_t>& processIds) {
 
 ResultCode GetProcessImageName(uint32_t processId, std::string& name) {
     name.clear();
-    const HANDLE process = OpenForName(processId);
+    HANDLE process = OpenForName(processId);
     if (!process) {
         return "Failed to open process";
     }

@@ -126,9 +126,9 @@ ResultCode FolderRemoval::EnterFolder() {
 // and those that were read-only go first: cut short at any moment, the folder either still holds everything
 // or is not complete any more.
 ResultCode FolderRemoval::RemoveFiles(std::vector<Entry>& files) {
-    const auto others = std::ranges::stable_partition(
-        files, [](const Entry& file) { return file.IsReadOnly() && !file.IsLink(); });
-    for (auto file = files.begin(); file != others.begin(); ++file) {
+    const auto others = std::stable_partition(
+        files.begin(), files.end(), [](const Entry& file) { return file.IsReadOnly() && !file.IsLink(); });
+    for (auto file = files.begin(); file != others; ++file) {
         Descend(file->name);
         ResultCode result;
         if (m_place.Holds(m_path)) {

@@ -54,7 +54,7 @@ ResultCode ReadNumbers(const std::vector<uint8_t>& block, ModuleVersion& version
 }
 
 ResultCode ReadChangelist(const std::vector<uint8_t>& block, uint32_t& changelist) {
-    const Value translation = Query(block, "\\VarFileInfo\\Translation");
+    const Value translation = Query(block, R"(\VarFileInfo\Translation)");
     if (!translation.data) {
         return "Failed to query resources for localization";
     }
@@ -64,7 +64,7 @@ ResultCode ReadChangelist(const std::vector<uint8_t>& block, uint32_t& changelis
     }
     std::memcpy(languageAndCodePage, translation.data, sizeof languageAndCodePage);
     char name[512];
-    std::snprintf(name, sizeof name, "\\StringFileInfo\\%04x%04x\\FileVersion", languageAndCodePage[0],
+    std::snprintf(name, sizeof name, R"(\StringFileInfo\%04x%04x\FileVersion)", languageAndCodePage[0],
                   languageAndCodePage[1]);
     const Value fileVersion = Query(block, name);
     if (!fileVersion.data) {

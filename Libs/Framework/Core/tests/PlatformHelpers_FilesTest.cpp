@@ -142,8 +142,8 @@ TEST(LongPaths, EveryFileCallTakesThem) {
     ASSERT_TRUE(PlatformHelpers::CreateFolderTree(folder).Succeeded());
     const std::string path = folder + "header.json";
     {
-        const HANDLE file = CreateFileW((L"\\\\?\\" + ScratchFolder::FromUtf8(path).wstring()).c_str(),
-                                        GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+        HANDLE file = CreateFileW((L"\\\\?\\" + ScratchFolder::FromUtf8(path).wstring()).c_str(),
+                                  GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
         ASSERT_NE(file, INVALID_HANDLE_VALUE);
         CloseHandle(file);
     }

@@ -42,9 +42,9 @@ TEST(Processes, NamesMatchAsASuffixIgnoringCase) {
         const char* name;
         bool matches;
     } rows[] = {
-        {"\\Device\\HarddiskVolume2\\Games\\Game.exe", "game.EXE", true},
-        {"\\Device\\HarddiskVolume2\\mygame.exe", "game.exe", true},
-        {"\\Device\\HarddiskVolume2\\game.exe.bak", "game.exe", false},
+        {R"(\Device\HarddiskVolume2\Games\Game.exe)", "game.EXE", true},
+        {R"(\Device\HarddiskVolume2\mygame.exe)", "game.exe", true},
+        {R"(\Device\HarddiskVolume2\game.exe.bak)", "game.exe", false},
         {"game.exe", "mygame.exe", false},
         {"\\x\\J\xC3\x96RG.exe", "j\xC3\xB6rg.exe", true},
         {"\\x\\\xE5\xA4\xAA\xE9\x83\x8E.exe", "\xE5\xA4\xAA\xE9\x83\x8E.EXE", true},

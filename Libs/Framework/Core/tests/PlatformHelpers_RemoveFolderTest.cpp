@@ -17,11 +17,11 @@ namespace {
 using Texts = std::vector<std::string>;
 
 std::wstring Literal(const std::string& path) {
-    return L"\\\\?\\" + ScratchFolder::FromUtf8(path).wstring();
+    return LR"(\\?\)" + ScratchFolder::FromUtf8(path).wstring();
 }
 
 bool MakeFileNamed(const std::wstring& path) {
-    const HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
+    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
     return file != INVALID_HANDLE_VALUE && CloseHandle(file);
 }
 
@@ -87,7 +87,7 @@ TEST(RemoveFolder, ReadOnlyFilesGoFirst) {
     const std::string held = scratch.MakeFile("s\\a-first-by-name.txt", "x");
     const std::string sentinel = scratch.MakeFile("s\\header.json", "{}");
     ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(sentinel).Succeeded());
-    const HANDLE holder =
+    HANDLE holder =
         CreateFileW(Literal(held).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     const LogCapture log;
     EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete file");
@@ -106,10 +106,10 @@ TEST(RemoveFolder, EveryFileIsWritableBeforeTheFirstGoes) {
     for (const std::string& path : {held, sentinel}) {
         ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(path).Succeeded());
     }
-    const HANDLE first =
+    HANDLE first =
         CreateFileW(Literal(held).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    const HANDLE second = CreateFileW(Literal(sentinel).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, 0, nullptr);
+    HANDLE second = CreateFileW(Literal(sentinel).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
+                                OPEN_EXISTING, 0, nullptr);
     const LogCapture log;
     EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete file");
     CloseHandle(first);
@@ -122,8 +122,8 @@ TEST(RemoveFolder, EveryFileIsWritableBeforeTheFirstGoes) {
 TEST(RemoveFolder, HeldFolderFailsWithItsText) {
     const ScratchFolder scratch;
     const std::string inner = scratch.MakeFolder("s\\inner");
-    const HANDLE holder = CreateFileW(Literal(inner).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    HANDLE holder = CreateFileW(Literal(inner).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
+                                FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     const LogCapture log;
     EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete folder");
     CloseHandle(holder);

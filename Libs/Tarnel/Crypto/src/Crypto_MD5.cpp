@@ -20,7 +20,7 @@ void StoreLittleEndian(const uint32_t* words, std::size_t count, uint8_t* bytes)
 
 // The compiler must not drop the clearing of memory that nobody reads again.
 void Wipe(void* data, std::size_t size) {
-    volatile uint8_t* bytes = static_cast<volatile uint8_t*>(data);
+    auto* bytes = static_cast<volatile uint8_t*>(data);
     for (std::size_t i = 0; i < size; ++i) {
         bytes[i] = 0;
     }
@@ -43,7 +43,7 @@ void MD5::Update(const void* data, uint32_t length) {
     if (m_finished || length == 0) {
         return;
     }
-    const uint8_t* bytes = static_cast<const uint8_t*>(data);
+    const auto* bytes = static_cast<const uint8_t*>(data);
     const std::size_t pending = (m_bitCount[0] / 8) % BlockSize;
     const uint32_t lowBits = length << 3;
     m_bitCount[0] += lowBits;

@@ -30,7 +30,7 @@ constexpr std::size_t WordOfStep(std::size_t step) {
 }
 
 uint32_t LoadWord(const uint8_t* bytes) {
-    uint32_t word;
+    uint32_t word = 0;
     std::memcpy(&word, bytes, sizeof word);
     if constexpr (std::endian::native == std::endian::big) {
         word = (word >> 24) | ((word >> 8) & 0xff00) | ((word << 8) & 0xff0000) | (word << 24);
