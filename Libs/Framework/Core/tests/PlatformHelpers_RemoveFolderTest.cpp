@@ -28,7 +28,7 @@ bool MakeFileNamed(const std::wstring& path) {
 TEST(RemoveFolder, RemovesReadOnlyFilesAndFoldersBelow) {
     const ScratchFolder scratch;
     for (const char* name :
-         {"s\\header.json", "s\\a.txt", "s\\logs\\deep\\b.txt", "s\\J\xC3\xB6rg\\\xE5\xA4\xAA.dmp"}) {
+         {"s/header.json", "s/a.txt", "s/logs/deep/b.txt", "s\\J\xC3\xB6rg\\\xE5\xA4\xAA.dmp"}) {
         ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(scratch.MakeFile(name, "x")).Succeeded());
     }
     SetFileAttributesW(Literal(scratch.MakeFolder("s\\logs")).c_str(), FILE_ATTRIBUTE_READONLY);
