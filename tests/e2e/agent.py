@@ -36,7 +36,8 @@ class Site:
             "Uploader": {"WatcherName": "PackageWatcher", "BucketName": bucket, "TimeBetweenChecks": 20,
                          "AccessKey": ACCESS_KEY, "SecretKey": SECRET_KEY, "AskPermission": False,
                          "EndpointOverride": endpoint, "UseVirtualAddressing": False},
-            "ProcessMonitor": {"TimeBetweenChecks": 100, "ShutdownDelay": 100,
+            # The delay gives a slow machine time to package and send what the game left.
+            "ProcessMonitor": {"TimeBetweenChecks": 100, "ShutdownDelay": 2000,
                                "WatchedApplications": ["SampleGame.exe"]},
         }
 
@@ -52,6 +53,8 @@ class Site:
                        f"-appFolder={windows_path(self.folder / 'app')}", *arguments, **options)
 
     def start_with_game(self, *arguments, **options):
+        """For tests that see for themselves when everything is done, and then quit."""
+        self.configuration["ProcessMonitor"]["ShutdownDelay"] = 100
         return AgentBesideGame(self, arguments, options)
 
     # What still waits: folders whose sentinel would be taken.

@@ -101,7 +101,8 @@ def test_hostile_names_are_missing_files(site, store, bucket):
     assert {entry.name: entry.original for entry in package.entries} == {
         "game.log": b"log", "note.txt": b"a note", "logs/太郎.txt": b"a log below"}
     assert package.header["Catalog"]["Dump"] == {"File": "", "MD5": ""}
-    assert not folder.exists(), "the folder goes, links in it as links"
+    # Wine would delete what a link points to, so there the agent refuses, and the rest of the folder stays.
+    assert not (folder / "header.json").exists() and not (folder / "game.log").exists()
     for path in secrets:
         assert path.read_bytes() == b"TOP SECRET " * 100
 
