@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <new>
+#include <utility>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Memory.h"
@@ -19,6 +21,12 @@ bool IsAlignment(std::size_t uiAlign) {
 
 std::size_t AlignUp(std::size_t value, std::size_t uiAlign) {
     return IsAlignment(uiAlign) ? (value + uiAlign - 1) & ~(uiAlign - 1) : value;
+}
+
+PaletteAllocator::~PaletteAllocator() {
+    while (m_blocks) {
+        Platform::GeneralFree(std::exchange(m_blocks, m_blocks->previous));
+    }
 }
 
 void* PaletteAllocator::Allocate(std::size_t uiBytes, std::size_t uiAlignment) {
@@ -42,12 +50,17 @@ void* PaletteAllocator::Allocate(std::size_t uiBytes, std::size_t uiAlignment) {
 // A large request gets a block of its own and leaves the rest of the current one in use.
 void* PaletteAllocator::AllocateFromNewBlock(std::size_t uiBytes) {
     const std::size_t size = std::max(uiBytes, BlockSize);
-    std::byte* const block = static_cast<std::byte*>(Platform::GeneralAllocate(size));
-    if (block && size - uiBytes > m_left) {
-        m_next = block + uiBytes;
+    void* const memory = Platform::GeneralAllocate(sizeof(Block) + size);
+    if (!memory) {
+        return nullptr;
+    }
+    m_blocks = new (memory) Block{m_blocks};
+    auto* const bytes = reinterpret_cast<std::byte*>(m_blocks + 1);
+    if (size - uiBytes > m_left) {
+        m_next = bytes + uiBytes;
         m_left = size - uiBytes;
     }
-    return block;
+    return bytes;
 }
 
 } // namespace String

@@ -4,13 +4,14 @@
 
 namespace String {
 
-// Hands out memory that is never given back, cut from larger blocks. Not thread-safe: the palette calls it
-// under its lock.
+// Hands out memory cut from larger blocks, all of which are given back when the allocator is destroyed. Not
+// thread-safe: the palette calls it under its lock.
 class PaletteAllocator {
 public:
     static constexpr std::size_t BlockSize = 16 * 1024;
 
     PaletteAllocator() = default;
+    ~PaletteAllocator();
     PaletteAllocator(const PaletteAllocator&) = delete; // two owners of one block would hand it out twice
     PaletteAllocator& operator=(const PaletteAllocator&) = delete;
 
@@ -19,8 +20,14 @@ public:
     void* Allocate(std::size_t bytes, std::size_t alignment);
 
 private:
+    // Starts each block; keeps what follows aligned to 16 bytes.
+    struct alignas(16) Block {
+        Block* previous;
+    };
+
     void* AllocateFromNewBlock(std::size_t bytes);
 
+    Block* m_blocks = nullptr;
     std::byte* m_next = nullptr;
     std::size_t m_left = 0;
 };

@@ -1,0 +1,103 @@
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
+
+#include <memory>
+#include <string>
+
+#include <gtest/gtest.h>
+
+namespace {
+
+std::string Rewritten(const std::string& json) {
+    JsonDocument document;
+    if (!JsonSerialization::ParseText(json, document)) {
+        return std::string(JsonSerialization::ParseErrorText(document)) + "@" +
+               std::to_string(document.GetErrorOffset());
+    }
+    std::string text = "old";
+    const ResultCode result = JsonSerialization::WriteText(document, text);
+    return result ? text : result.Text();
+}
+
+std::string Repeated(const std::string& part, std::size_t count) {
+    std::string text;
+    text.reserve(part.size() * count);
+    for (std::size_t i = 0; i < count; ++i) {
+        text += part;
+    }
+    return text;
+}
+
+} // namespace
+
+TEST(ParseText, TakesOneJsonTextInUtf8) {
+    const struct {
+        std::string json;
+        const char* rewritten; // or the error with its place
+    } rows[] = {
+        {" { \"a\" : [ 1 , -2.5, true , null ] , \"a\":\"\\u00e9\" } ",
+         "{\"a\":[1,-2.5,true,null],\"a\":\"\xC3\xA9\"}"},
+        {"\xEF\xBB\xBF[]", "[]"},
+        {"\xEF\xBB\xBF", "The document is empty.@3"},
+        {"\xEF[]", "Invalid value.@0"},
+        {"", "The document is empty.@0"},
+        {"{\"a\":1,}", "Missing a name for object member.@7"},
+        {"[1] 2", "The document root must not be followed by other values.@4"},
+        {"[\"\xC3(\"]", "Invalid encoding in string.@2"},
+        {"[\"\xED\xA0\x80\"]", "Invalid encoding in string.@2"},
+        {"[\"\\ud800\"]", "The surrogate pair in string is invalid.@2"},
+        {"[1e309]", "Number too big to be stored in double.@1"},
+        {"[\"a\tb\"]", "Invalid escape character in string.@3"},
+        {"[//\n1]", "Invalid value.@1"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.rewritten, Rewritten(row.json)) << row.json;
+    }
+}
+
+TEST(ParseText, SurvivesNumbersOfEverySize) {
+    const std::string zeros(400, '0');
+    const struct {
+        std::string number;
+        const char* rewritten;
+    } rows[] = {
+        {"0.00000000000001e-2147483639", "[0.0]"},
+        {"1E-99999999999999999999", "[0.0]"},
+        {"1e-0000000001", "[0.1]"},
+        {"0." + zeros + "1e400", "[0.1]"},
+        {"1" + zeros, "Number too big to be stored in double.@1"},
+        {"18446744073709551616", "[18446744073709553000.0]"},
+        {"-9223372036854775809", "[-9223372036854776000.0]"},
+        {"\"e-123456789012\",1e-2147483639,\"\\\"e-123456789012\"",
+         "[\"e-123456789012\",0.0,\"\\\"e-123456789012\"]"},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(row.rewritten, Rewritten("[" + row.number + "]")) << row.number;
+    }
+}
+
+TEST(ParseText, SurvivesAnyDepth) {
+    constexpr std::size_t Depth = 500'000;
+    const std::string arrays = Repeated("[", Depth) + Repeated("]", Depth);
+    EXPECT_EQ(arrays, Rewritten(arrays));
+    const std::string objects = Repeated("{\"a\":", Depth) + "1" + Repeated("}", Depth);
+    EXPECT_EQ(objects, Rewritten(objects));
+    EXPECT_EQ("Invalid value.@500000", Rewritten(Repeated("[", Depth)));
+}
+
+TEST(ParseText, SurvivesAStringWithoutEnd) {
+    const std::string text(30'000'000, 'x');
+    EXPECT_EQ("Missing a closing quotation mark in string.@30000002", Rewritten("[\"" + text));
+    EXPECT_EQ("[\"" + text + "\"]", Rewritten("[\"" + text + "\"]"));
+}
+
+// A header cut short anywhere is refused, and never read past its end.
+TEST(ParseText, RefusesEveryPrefix) {
+    const std::string whole = R"({"a":[1.5e3,true,null,"\u00e9\n"],"b":{"c":-12,"d":false}})";
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        const auto prefix = std::make_unique<char[]>(length);
+        whole.copy(prefix.get(), length);
+        JsonDocument document;
+        EXPECT_FALSE(JsonSerialization::ParseText({prefix.get(), length}, document)) << length;
+        EXPECT_LE(document.GetErrorOffset(), length);
+    }
+}
