@@ -7,7 +7,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # Package and the start of its version. The upstream version is pinned; Debian's own suffix is not, because
 # the archive keeps only the newest one, with its security fixes, and an exact pin would fail on the next fix.
 packages=(
-    ca-certificates=2023                # trust for apt and for the certificate tests
+    ca-certificates=                    # trust for apt; dated versions, the newest is wanted
     git=1:2.39.                         # the list of the files to check
     cmake=3.25.1                        # build
     ninja-build=1.11.1
