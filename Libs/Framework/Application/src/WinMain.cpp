@@ -9,6 +9,7 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
     const std::vector<std::string> arguments = Utf8Arguments(GetCommandLineW());
     std::vector<const char*> pointers;
+    pointers.reserve(arguments.size() + 1);
     for (const std::string& argument : arguments) {
         pointers.push_back(argument.c_str());
     }

@@ -31,6 +31,7 @@ TEST(WindowsApplication, EntriesOfManyThreadsStayWhole) {
     const TestSupport::LogCapture log;
     const auto application = MakeApplication();
     std::vector<std::thread> threads;
+    threads.reserve(4);
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([] {
             for (int j = 0; j < 100; ++j) {

@@ -97,7 +97,8 @@ ResultCode ApplicationBase::PreInitialize() {
 
 ResultCode ApplicationBase::InitializeComponents(int argc, const char** argv) {
     for (const auto& [name, component] : m_components) {
-        const ResultCode result = ExceptionToResult([&] { return component->Initialize(argc, argv); });
+        const ResultCode result =
+            ExceptionToResult([&, &made = component] { return made->Initialize(argc, argv); });
         if (!result) {
             return result;
         }
@@ -156,7 +157,7 @@ ResultCode ApplicationBase::Shutdown() {
         }
     }
     for (const auto& [name, component] : m_components) {
-        const ResultCode result = ExceptionToResult([&] { return component->Shutdown(); });
+        const ResultCode result = ExceptionToResult([&made = component] { return made->Shutdown(); });
         if (!result) {
             return result;
         }

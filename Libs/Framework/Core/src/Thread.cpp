@@ -18,6 +18,8 @@ constexpr DWORD Refused = static_cast<DWORD>(-1); // what ResumeThread and Suspe
 // What the thread works from. It outlives the Thread when the thread does. The flags are written only while
 // the thread is suspended before its first step.
 struct Thread::Entry {
+    explicit Entry(std::function<void()> function) : m_function(std::move(function)) {}
+
     std::function<void()> m_function;
     bool m_cancelled = false;
     bool m_background = false;

@@ -127,7 +127,7 @@ public:
     bool Exists(std::string_view name) const { return std::filesystem::exists(m_folder / FromUtf8(name)); }
 
     static std::filesystem::path FromUtf8(std::string_view text) {
-        return std::filesystem::path(std::u8string(text.begin(), text.end()));
+        return {std::u8string(text.begin(), text.end())};
     }
     static std::string ToUtf8(const std::filesystem::path& path) {
         const std::u8string text = path.u8string();

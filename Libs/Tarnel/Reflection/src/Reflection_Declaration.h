@@ -1,5 +1,7 @@
 #pragma once
 
+#include <type_traits>
+
 #include "Libs/Tarnel/Reflection/src/Reflection_Builder.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_BuiltInTypes.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_GenericTypes.h"
@@ -62,7 +64,7 @@
         static constinit ::Reflection::TypeRegistration s_registration;                                   \
         return s_registration.Get([](::Reflection::TypeDescriptor& descriptor) { ::Reflection::build; }); \
     }                                                                                                     \
-    static_assert(sizeof(Type) > 0)
+    static_assert(std::is_class_v<Type> || std::is_enum_v<Type>)
 
 namespace Reflection {
 

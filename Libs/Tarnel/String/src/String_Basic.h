@@ -42,7 +42,9 @@ public:
     ~BasicT() { Release(); }
 
     BasicT& operator=(const BasicT& other) {
-        Assign(other.AsView());
+        if (this != &other) {
+            Assign(other.AsView());
+        }
         return *this;
     }
     BasicT& operator=(BasicT&& other) noexcept {
@@ -112,7 +114,7 @@ private:
         if (!szBuffer) {
             return false;
         }
-        BasicHeader* const header = static_cast<BasicHeader*>(szBuffer);
+        auto* const header = static_cast<BasicHeader*>(szBuffer);
         *header = {static_cast<uint32_t>(length + 1), 0};
         m_sz = reinterpret_cast<Char*>(header + 1);
         return true;

@@ -8,7 +8,7 @@ namespace String {
 // thread-safe: the palette calls it under its lock.
 class PaletteAllocator {
 public:
-    static constexpr std::size_t BlockSize = 16 * 1024;
+    static constexpr std::size_t BlockSize = std::size_t{16} * 1024;
 
     PaletteAllocator() = default;
     ~PaletteAllocator();

@@ -18,7 +18,7 @@ public:
     consteval explicit(false) ResultCode(const char (&literal)[N]) : m_message(literal) {}
 
     // A failure without a text of its own; Text() gives "" for it.
-    static constexpr ResultCode Fail(std::nullptr_t) { return ResultCode(nullptr, 0); }
+    static constexpr ResultCode Fail(std::nullptr_t) { return {nullptr, 0}; }
 
     constexpr bool Succeeded() const { return m_message == OkText; }
     constexpr explicit operator bool() const { return Succeeded(); }
