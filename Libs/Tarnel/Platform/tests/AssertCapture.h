@@ -47,6 +47,7 @@ public:
     // "expression|message" of every failure, for one comparison.
     std::vector<std::string> Texts() const {
         std::vector<std::string> texts;
+        texts.reserve(s_failures.size());
         for (const Failure& failure : s_failures) {
             texts.push_back(failure.expression + "|" + failure.message);
         }

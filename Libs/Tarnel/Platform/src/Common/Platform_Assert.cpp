@@ -34,6 +34,7 @@ bool SetDefaults(AssertState& state, BugState& bugs) {
     state.writeToDebugger = 1;
     state.writeToLog = 1;
     state.logDataErrors = 1;
+    state.dialog = BuiltInAssertDialog(); // asked only where a program switches dialogs on
     bugs.size = sizeof(BugState);
     bugs.lastKind = -1;
     return true;
@@ -136,7 +137,7 @@ bool AssertFailed(const char* expression, const char* message, const char* sourc
 bool AssertFailedFormat(const char* expression, const char* sourceUnit, int line, bool* ignoreAlways,
                         AssertKind kind, const char* format, ...) {
     char message[2048];
-    va_list arguments;
+    va_list arguments = {};
     va_start(arguments, format);
     const int length = std::vsnprintf(message, sizeof(message), format, arguments);
     va_end(arguments);

@@ -34,7 +34,7 @@ struct AssertLock {
 struct AssertState {
     AssertLock lock;
     uint32_t size;        // of this record in bytes
-    uint32_t showDialogs; // ask the kind's handler, else the dialog
+    uint32_t showDialogs; // ask the kind's handler, else the dialog; off unless a program switches it on
     uint32_t writeToDebugger;
     uint32_t writeToLog;
     uint32_t logDataErrors;       // else only asserts are logged

@@ -14,6 +14,9 @@ bool IsDebuggerAttached();
 // Does nothing where the system has no such output.
 void SendToDebugger(const char* text);
 
+// Null where the system has no dialogs.
+AssertDialog BuiltInAssertDialog();
+
 // Ends the process without running destructors: other threads may still use what those would destroy.
 [[noreturn]] void EndProcessAtOnce(int exitCode);
 

@@ -47,6 +47,10 @@ bool IsDebuggerAttached() {
 
 void SendToDebugger(const char*) {}
 
+AssertDialog BuiltInAssertDialog() {
+    return nullptr;
+}
+
 void EndProcessAtOnce(int exitCode) {
     std::_Exit(exitCode);
 }

@@ -1,0 +1,146 @@
+#include "Libs/Tarnel/Platform/src/Windows/Platform_AssertDialog.h"
+
+#include <cwchar>
+
+#include <windows.h>
+
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_AssertSystem.h"
+#include "Libs/Tarnel/Platform/src/Windows/Platform_Clipboard.h"
+#include "Libs/Tarnel/Platform/src/Windows/Platform_DialogTemplate.h"
+
+namespace Platform {
+namespace {
+
+enum ControlId : uint16_t {
+    IgnoreAlwaysButton = 1001,
+    IgnoreOnceButton = 1002,
+    DebugButton = 1003,
+    AbortButton = 1004,
+    ReportEdit = 1005,
+    CopyButton = 1006,
+};
+
+// Guarded by the assertion state's lock. No heap here: the check may have failed for want of memory. Widening
+// never takes more units than the report has bytes.
+constinit wchar_t g_reportText[AssertReportSize] = {};
+
+void BuildTemplate(DialogTemplate& dialog, AssertKind kind) {
+    constexpr uint32_t Style = WS_POPUP | WS_CAPTION | WS_SYSMENU | DS_MODALFRAME | DS_CENTER | DS_SHELLFONT;
+    constexpr uint32_t EditStyle =
+        WS_VISIBLE | WS_VSCROLL | WS_HSCROLL | ES_MULTILINE | ES_AUTOVSCROLL | ES_AUTOHSCROLL | ES_READONLY;
+    constexpr struct {
+        const char* text;
+        uint16_t x;
+        uint16_t id;
+    } Buttons[] = {
+        {"A&bort", 28, AbortButton},
+        {"&Copy To Clipboard", 103, CopyButton},
+        {"&Debug", 178, DebugButton},
+        {"Ignore &Always", 253, IgnoreAlwaysButton},
+        {"&Ignore Once", 328, IgnoreOnceButton},
+    };
+    const char* title = kind == AssertKind::Assert ? "Assert Failed!" : "Data Error Occurred!";
+    dialog.Begin(title, Style, {0, 0, 400, 247}, "MS Shell Dlg", 8);
+    for (const auto& button : Buttons) {
+        dialog.AddButton(button.text, WS_VISIBLE, 0, {button.x, 226, 64, 14}, button.id);
+    }
+    dialog.AddEdit("", EditStyle, WS_EX_STATICEDGE, {7, 7, 386, 211}, ReportEdit);
+}
+
+void SetTitle(HWND dialog, AssertKind kind) {
+    wchar_t path[MAX_PATH + 1] = {}; // one too long is cut and terminated
+    GetModuleFileNameW(nullptr, path, MAX_PATH);
+    const wchar_t* lastSlash = std::wcsrchr(path, L'\\');
+    wchar_t title[MAX_PATH + 32] = {};
+    std::swprintf(title, std::size(title), L"%ls: %ls",
+                  kind == AssertKind::Assert ? L"Assert Failed" : L"Data Error Occurred",
+                  lastSlash ? lastSlash + 1 : path);
+    SetWindowTextW(dialog, title);
+}
+
+void Prepare(HWND dialog, AssertKind kind) {
+    SetTitle(dialog, kind);
+    SetDlgItemTextW(dialog, ReportEdit, g_reportText);
+    const bool canDebug = IsDebuggerAttached();
+    EnableWindow(GetDlgItem(dialog, DebugButton), canDebug);
+    // A disabled button can't take the focus, and without it the keyboard would be dead.
+    const ControlId first = kind == AssertKind::Assert && canDebug ? DebugButton : IgnoreOnceButton;
+    SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog, first)), TRUE);
+}
+
+bool OnButton(HWND dialog, int id) {
+    switch (id) {
+    case AbortButton:
+        return EndDialog(dialog, AssertAnswer_Abort);
+    case DebugButton:
+        return EndDialog(dialog, AssertAnswer_Debug);
+    case IgnoreAlwaysButton:
+        return EndDialog(dialog, AssertAnswer_IgnoreAlways);
+    case IgnoreOnceButton:
+        return EndDialog(dialog, AssertAnswer_IgnoreOnce);
+    case CopyButton:
+        if (!CopyToClipboard(dialog, g_reportText)) {
+            MessageBeep(MB_ICONWARNING); // another program holds the clipboard: try again
+        }
+        return true;
+    default:
+        return false; // Escape and Enter among them
+    }
+}
+
+AssertKind KindOf(HWND dialog) {
+    return static_cast<AssertKind>(GetWindowLongPtrW(dialog, DWLP_USER));
+}
+
+INT_PTR RedBackground() {
+    static HBRUSH s_brush = CreateSolidBrush(RGB(255, 0, 0));
+    return reinterpret_cast<INT_PTR>(s_brush);
+}
+
+INT_PTR CALLBACK OnMessage(HWND dialog, UINT message, WPARAM wordParameter, LPARAM longParameter) {
+    switch (message) {
+    case WM_INITDIALOG:
+        SetWindowLongPtrW(dialog, DWLP_USER, longParameter);
+        Prepare(dialog, KindOf(dialog));
+        return FALSE; // the focus is set already
+    case WM_COMMAND:
+        return HIWORD(wordParameter) == BN_CLICKED && OnButton(dialog, LOWORD(wordParameter));
+    case WM_CTLCOLORDLG:
+        return KindOf(dialog) == AssertKind::DataError ? RedBackground() : FALSE;
+    case WM_CLOSE: // a failed assert wants one of its buttons
+        if (KindOf(dialog) == AssertKind::DataError) {
+            EndDialog(dialog, AssertAnswer_IgnoreOnce);
+        }
+        return TRUE;
+    default:
+        return FALSE;
+    }
+}
+
+int ShowUnowned(const char* report, int kind) {
+    return ShowAssertDialog(nullptr, report, kind);
+}
+
+} // namespace
+
+int ShowAssertDialog(void* ownerWindow, const char* report, int kind) {
+    // First the text: a check that fails from here on writes a report of its own over this one.
+    if (MultiByteToWideChar(CP_UTF8, 0, report, -1, g_reportText, AssertReportSize) == 0) {
+        g_reportText[0] = 0;
+    }
+    DialogTemplate dialog;
+    BuildTemplate(dialog, static_cast<AssertKind>(kind));
+    // Wide, so that texts keep their characters whatever the code page; the template is the same for both.
+    const INT_PTR answer =
+        DialogBoxIndirectParamW(GetModuleHandleW(nullptr), static_cast<LPCDLGTEMPLATEW>(dialog.Template()),
+                                static_cast<HWND>(ownerWindow), OnMessage, kind);
+    return static_cast<int>(answer);
+}
+
+AssertDialog BuiltInAssertDialog() {
+    return ShowUnowned;
+}
+
+} // namespace Platform
