@@ -5,12 +5,24 @@
 #include <string>
 #include <string_view>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// The one place where the JSON library is configured; no other header includes it. Its own checks become
-// library assertions, which report and go on.
-#define RAPIDJSON_ASSERT(condition) PLATFORM_ASSERT(condition)
+namespace JsonSerialization {
+
+// A check of the JSON library failed: someone misused a value. Reports it as a library assertion and goes on.
+void ReportMisuse(const char* expression, const char* file, int line, bool* ignoreAlways);
+
+} // namespace JsonSerialization
+
+// The one place where the JSON library is configured; no other header includes it. The checks stand in its
+// innermost loops, so what they do on failure is kept out of line.
+#define RAPIDJSON_ASSERT(condition)                                                             \
+    do {                                                                                        \
+        if (!(condition)) [[unlikely]] {                                                        \
+            static bool s_ignoreAlways = false;                                                 \
+            ::JsonSerialization::ReportMisuse(#condition, __FILE__, __LINE__, &s_ignoreAlways); \
+        }                                                                                       \
+    } while (false)
 
 #if defined(__GNUC__)
 #pragma GCC diagnostic push

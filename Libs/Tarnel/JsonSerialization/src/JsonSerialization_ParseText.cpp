@@ -1,8 +1,13 @@
 #include <algorithm>
+#include <cstdint>
 #include <cstring>
+#include <exception>
+#include <limits>
 #include <string>
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Exponents.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_TextStream.h"
 
 #include <rapidjson/error/en.h>
 
@@ -10,96 +15,95 @@ namespace JsonSerialization {
 
 namespace {
 
-// The parser's view of a text, with its end at the text's end or at a zero byte, whichever comes first.
-class TextStream {
-public:
-    using Ch = char;
+using rapidjson::SizeType;
 
-    explicit TextStream(std::string_view text)
-        : m_begin(text.data()), m_next(text.data()), m_end(text.data() + text.size()) {
-        if (text.starts_with("\xEF\xBB\xBF")) { // the byte order mark that Windows editors write
-            m_next += 3;
-        }
+bool IsAscii(std::string_view text) {
+    uint64_t bits = 0;
+    while (text.size() >= sizeof(bits)) {
+        uint64_t eight;
+        std::memcpy(&eight, text.data(), sizeof(eight));
+        bits |= eight;
+        text.remove_prefix(sizeof(eight));
     }
+    for (const char c : text) {
+        bits |= static_cast<unsigned char>(c);
+    }
+    return (bits & 0x8080808080808080) == 0;
+}
 
-    Ch Peek() const { return m_next != m_end ? *m_next : '\0'; }
-    Ch Take() { return m_next != m_end ? *m_next++ : '\0'; }
-    std::size_t Tell() const { return static_cast<std::size_t>(m_next - m_begin); }
+// Passes a document's parts on to it as long as they don't nest deeply.
+class ShallowHandler {
+public:
+    static constexpr int MaxDepth = 32; // a bug header has 4
 
-    // The output side, which the parser names but does not use.
-    Ch* PutBegin() { return nullptr; }
-    void Put(Ch) {}
-    void Flush() {}
-    std::size_t PutEnd(Ch*) { return 0; }
+    explicit ShallowHandler(JsonDocument& document) : m_document(document) {}
+
+    bool Null() { return m_document.Null(); }
+    bool Bool(bool value) { return m_document.Bool(value); }
+    bool Int(int value) { return m_document.Int(value); }
+    bool Uint(unsigned value) { return m_document.Uint(value); }
+    bool Int64(int64_t value) { return m_document.Int64(value); }
+    bool Uint64(uint64_t value) { return m_document.Uint64(value); }
+    bool Double(double value) { return m_document.Double(value); }
+    bool RawNumber(const char* text, SizeType length, bool copy) {
+        return m_document.RawNumber(text, length, copy);
+    }
+    bool String(const char* text, SizeType length, bool copy) {
+        return m_document.String(text, length, copy);
+    }
+    bool Key(const char* text, SizeType length, bool copy) { return m_document.Key(text, length, copy); }
+    bool StartObject() { return ++m_depth <= MaxDepth && m_document.StartObject(); }
+    bool EndObject(SizeType count) {
+        --m_depth;
+        return m_document.EndObject(count);
+    }
+    bool StartArray() { return ++m_depth <= MaxDepth && m_document.StartArray(); }
+    bool EndArray(SizeType count) {
+        --m_depth;
+        return m_document.EndArray(count);
+    }
 
 private:
-    const Ch* m_begin;
-    const Ch* m_next;
-    const Ch* m_end;
+    JsonDocument& m_document;
+    int m_depth = 0;
 };
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
+template <unsigned Flags>
+bool ParseInPlace(char* text, JsonDocument& document) {
+    const auto generate = [text](JsonDocument& target) {
+        InPlaceStream stream(text);
+        rapidjson::GenericReader<rapidjson::UTF8<>, rapidjson::UTF8<>, ThrowingAllocator> reader;
+        ShallowHandler handler(target);
+        return !reader.Parse<Flags | rapidjson::kParseInsituFlag>(stream, handler).IsError();
+    };
+    bool parsed = false;
+    const auto generator = [&](JsonDocument& target) { return parsed = generate(target); };
+    document.Populate(generator);
+    return parsed;
 }
 
-// The digits of a negative exponent whose sign stands at that place, without leading zeros; none when that is
-// no exponent's place.
-std::string_view NegativeExponent(std::string_view text, std::size_t minus) {
-    if (minus == 0 || (text[minus - 1] | 0x20) != 'e') {
-        return {};
+// The fast way for the documents that are expected: the parser calls itself for each level of nesting, and
+// strings stay in a copy of the text that the document owns. Refuses without a reason.
+bool ParseShallow(std::string_view text, JsonDocument& document) {
+    if (document.HasParseError()) {
+        document.Parse("null"); // nothing else clears what an earlier parse left
     }
-    const auto first = std::find_if(text.begin() + static_cast<std::ptrdiff_t>(minus) + 1, text.end(),
-                                    [](char c) { return c != '0'; });
-    return {first, std::find_if_not(first, text.end(), IsDigit)};
+    text.remove_prefix(text.starts_with(ByteOrderMark) ? ByteOrderMark.size() : 0);
+    auto* const copy = static_cast<char*>(document.GetAllocator().Malloc(text.size() + 1));
+    std::copy(text.begin(), text.end(), copy);
+    copy[text.size()] = '\0';
+    return IsAscii(text) ? ParseInPlace<rapidjson::kParseNoFlags>(copy, document)
+                         : ParseInPlace<rapidjson::kParseValidateEncodingFlag>(copy, document);
 }
-
-// The parser adds up a number's exponent and its count of decimals in an int and follows the sum into a
-// table, also when it overflowed. Exponents of fewer digits are safe: no text has that many decimals.
-constexpr std::size_t UnsafeExponentDigits = 9;
-
-bool HasUnsafeExponent(std::string_view text) {
-    for (std::size_t at = text.find('-'); at != std::string_view::npos; at = text.find('-', at + 1)) {
-        if (NegativeExponent(text, at).size() >= UnsafeExponentDigits) {
-            return true;
-        }
-    }
-    return false;
-}
-
-// Puts an exponent of the same length in place of each unsafe one; the number is zero with either. Strings
-// stay as they are.
-void TameExponents(std::string& text) {
-    bool inString = false;
-    for (std::size_t at = 0; at < text.size(); ++at) {
-        if (text[at] == '"') {
-            inString = !inString;
-        } else if (inString) {
-            at += text[at] == '\\' ? 1u : 0u;
-        } else if (text[at] == '-') {
-            const std::string_view exponent = NegativeExponent(text, at);
-            if (exponent.size() >= UnsafeExponentDigits) {
-                const auto first = static_cast<std::size_t>(exponent.data() - text.data());
-                text.replace(first, exponent.size(), std::string(exponent.size() - 4, '0') + "9999");
-            }
-        }
-    }
-}
-
-constexpr unsigned ParseFlags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
 
 } // namespace
 
-} // namespace JsonSerialization
-
-// Lets the parser keep the stream in registers.
-template <>
-struct rapidjson::StreamTraits<JsonSerialization::TextStream> {
-    enum { copyOptimization = 1 };
-};
-
-namespace JsonSerialization {
-
 bool ParseText(std::string_view text, JsonDocument& document) {
+    constexpr unsigned Flags = rapidjson::kParseIterativeFlag | rapidjson::kParseValidateEncodingFlag;
+    if (text.size() >= std::numeric_limits<SizeType>::max()) { // more than the document's lengths can count
+        document.SetNull();
+        return false;
+    }
     try {
         std::string tamed;
         if (HasUnsafeExponent(text)) {
@@ -107,8 +111,11 @@ bool ParseText(std::string_view text, JsonDocument& document) {
             TameExponents(tamed);
             text = tamed;
         }
+        if (ParseShallow(text, document)) {
+            return true;
+        }
         TextStream stream(text);
-        return !document.ParseStream<ParseFlags>(stream).HasParseError();
+        return !document.ParseStream<Flags>(stream).HasParseError();
     } catch (const std::exception&) {
         document.SetNull();
         return false;

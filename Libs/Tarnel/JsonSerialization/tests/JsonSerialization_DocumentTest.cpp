@@ -2,8 +2,11 @@
 
 #include <memory>
 #include <string>
+#include <vector>
 
 #include <gtest/gtest.h>
+
+#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
 
 namespace {
 
@@ -82,6 +85,34 @@ TEST(ParseText, SurvivesAnyDepth) {
     const std::string objects = Repeated("{\"a\":", Depth) + "1" + Repeated("}", Depth);
     EXPECT_EQ(objects, Rewritten(objects));
     EXPECT_EQ("Invalid value.@500000", Rewritten(Repeated("[", Depth)));
+}
+
+// Shallow documents are parsed in another way than deep ones.
+TEST(ParseText, GivesTheSameAtEveryDepth) {
+    for (std::size_t depth = 28; depth < 36; ++depth) {
+        const std::string json =
+            Repeated("[{\"\xC3\xA9\\n\":", depth / 2) + "\"\\u00e9\"" + Repeated("}]", depth / 2);
+        const std::string rewritten =
+            Repeated("[{\"\xC3\xA9\\n\":", depth / 2) + "\"\xC3\xA9\"" + Repeated("}]", depth / 2);
+        EXPECT_EQ(rewritten, Rewritten(json)) << depth;
+    }
+}
+
+TEST(ParseText, ReplacesWhatTheDocumentHeld) {
+    JsonDocument document;
+    EXPECT_FALSE(JsonSerialization::ParseText("[", document));
+    EXPECT_TRUE(JsonSerialization::ParseText("[1]", document));
+    EXPECT_FALSE(document.HasParseError());
+    EXPECT_TRUE(JsonSerialization::ParseText("{\"a\":2}", document));
+    EXPECT_TRUE(document.IsObject());
+}
+
+TEST(JsonDocument, MisuseIsAssertedAndGoesOn) {
+    JsonDocument document;
+    ASSERT_TRUE(JsonSerialization::ParseText("{\"a\":1}", document));
+    const AssertCapture capture;
+    EXPECT_TRUE(document["b"].IsNull());
+    EXPECT_EQ(std::vector<std::string>{"false|"}, capture.Texts());
 }
 
 TEST(ParseText, SurvivesAStringWithoutEnd) {
