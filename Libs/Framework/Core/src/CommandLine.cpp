@@ -4,9 +4,17 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
+namespace {
+
+bool IsOptionName(const char* opt) {
+    PLATFORM_ASSERT(opt && *opt);
+    return opt && *opt;
+}
+
+} // namespace
+
 const char* CommandLine::ValueOfArgument(const char* argument, const char* opt) {
-    PLATFORM_ASSERT_TEXT(opt && *opt, "opt && *opt");
-    if (!opt || !*opt || !argument || _strnicmp(argument, opt, std::strlen(opt)) != 0) {
+    if (!IsOptionName(opt) || !argument || _strnicmp(argument, opt, std::strlen(opt)) != 0) {
         return nullptr;
     }
     const char* equals = std::strchr(argument, '=');
@@ -14,6 +22,9 @@ const char* CommandLine::ValueOfArgument(const char* argument, const char* opt) 
 }
 
 std::optional<std::string> CommandLine::FindOption(int argc, const char* const* argv, const char* opt) {
+    if (!IsOptionName(opt)) { // reported once, also where there is no argument
+        return std::nullopt;
+    }
     for (int i = 0; i < argc; ++i) {
         if (const char* value = ValueOfArgument(argv[i], opt)) {
             return *value ? std::optional<std::string>(value) : std::nullopt;

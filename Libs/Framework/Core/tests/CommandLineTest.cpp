@@ -4,6 +4,8 @@
 
 #include <gtest/gtest.h>
 
+#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+
 namespace {
 
 constexpr const char* Absent = nullptr;
@@ -42,6 +44,17 @@ TEST(CommandLine, FindsOptionValues) {
         ASSERT_EQ(value.has_value(), row.value != Absent);
         if (value) {
             EXPECT_EQ(*value, row.value);
+        }
+    }
+}
+
+TEST(CommandLine, AnOptionHasAName) {
+    const char* argv[] = {"agent.exe", "=x", "-log=x"};
+    for (const char* const none : {static_cast<const char*>(nullptr), ""}) {
+        for (const int argc : {0, 3}) {
+            const AssertCapture capture;
+            EXPECT_FALSE(CommandLine::FindOption(argc, argv, none).has_value());
+            EXPECT_EQ(capture.Texts(), std::vector<std::string>{"opt && *opt|"});
         }
     }
 }
