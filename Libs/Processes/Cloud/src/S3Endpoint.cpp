@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <charconv>
 
+#include "Libs/Tarnel/String/src/String_Ascii.h"
+
 namespace {
 
 bool IsLowerOrDigit(char c) {
@@ -18,14 +20,6 @@ bool IsAlphanumeric(char c) {
 template <class Accepts>
 bool AllOf(std::string_view text, std::size_t longest, Accepts accepts) {
     return !text.empty() && text.size() <= longest && std::all_of(text.begin(), text.end(), accepts);
-}
-
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return lower;
 }
 
 // Old buckets may have capitals and underscores; what would change the path's meaning is refused.
@@ -90,7 +84,7 @@ bool ParseOverride(std::string_view text, S3Endpoint& endpoint) {
     if (schemeEnd == std::string_view::npos) {
         return false;
     }
-    const std::string scheme = LowerCase(text.substr(0, schemeEnd));
+    const std::string scheme = String::LowerAscii(text.substr(0, schemeEnd));
     if (scheme != "http" && scheme != "https") {
         return false;
     }
@@ -108,13 +102,13 @@ bool ParseOverride(std::string_view text, S3Endpoint& endpoint) {
         }
         authority = authority.substr(0, colon);
     }
-    endpoint.host = LowerCase(authority);
+    endpoint.host = String::LowerAscii(authority);
     return IsHostName(endpoint.host) || IsBracketedAddress(endpoint.host);
 }
 
 S3Endpoint AmazonEndpoint(const std::string& region) {
     S3Endpoint endpoint;
-    endpoint.host = "s3." + LowerCase(region) + ".amazonaws.com";
+    endpoint.host = "s3." + String::LowerAscii(region) + ".amazonaws.com";
     if (region.starts_with("cn-")) {
         endpoint.host += ".cn"; // China's regions are a partition of their own
     }

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Libs/Processes/Cloud/src/Sha256.h"
+#include "Libs/Tarnel/String/src/String_Ascii.h"
 
 namespace SigV4 {
 
@@ -13,14 +14,6 @@ constexpr char Algorithm[] = "AWS4-HMAC-SHA256";
 bool IsUnreserved(char c) {
     return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
            c == '.' || c == '_' || c == '~';
-}
-
-std::string LowerCase(std::string_view text) {
-    std::string lower(text);
-    for (char& c : lower) {
-        c = c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-    }
-    return lower;
 }
 
 // Without blanks at the ends, and one blank for each inner run of them.
@@ -44,7 +37,7 @@ std::vector<HttpHeader> CanonicalHeaders(const std::vector<HttpHeader>& headers)
     std::vector<HttpHeader> canonical;
     canonical.reserve(headers.size());
     for (const HttpHeader& header : headers) {
-        canonical.push_back({LowerCase(header.name), CanonicalValue(header.value)});
+        canonical.push_back({String::LowerAscii(header.name), CanonicalValue(header.value)});
     }
     std::sort(canonical.begin(), canonical.end(),
               [](const HttpHeader& left, const HttpHeader& right) { return left.name < right.name; });

@@ -4,21 +4,19 @@
 
 #include "Libs/Processes/Core/src/Truncation.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/String/src/String_Ascii.h"
 
 Reflection_DefineType(AttachmentLimit, Reflection_Field(extension, "Extension"),
                       Reflection_Field(maxSize, "MaxSize"));
 
 namespace {
 
-char ToLower(char character) {
-    return character >= 'A' && character <= 'Z' ? static_cast<char>(character - 'A' + 'a') : character;
-}
-
 bool IsFor(const AttachmentLimit& limit, std::string_view file) {
     const std::string& ending = limit.extension;
     return file.size() >= ending.size() &&
-           std::equal(ending.begin(), ending.end(), file.end() - static_cast<std::ptrdiff_t>(ending.size()),
-                      [](char left, char right) { return ToLower(left) == ToLower(right); });
+           std::equal(
+               ending.begin(), ending.end(), file.end() - static_cast<std::ptrdiff_t>(ending.size()),
+               [](char left, char right) { return String::LowerAscii(left) == String::LowerAscii(right); });
 }
 
 } // namespace
