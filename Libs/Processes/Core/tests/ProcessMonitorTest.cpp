@@ -10,6 +10,7 @@
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Processes/Core/tests/WatchedGame.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 
 namespace {
 
@@ -134,6 +135,7 @@ TEST_F(ProcessMonitorTest, NeedsItsSection) {
     } rows[] = {
         {"", "configuration section not found"},
         {R"(, "Monitor": [])", "configuration section found is not an object"},
+        {R"(, "Monitor": {"TimeBetweenChecks": 20, "ShutdownDelay": 100})", "Field not found in json"},
     };
     for (const auto& row : rows) {
         m_application = std::make_shared<ApplicationBase>();
@@ -143,6 +145,16 @@ TEST_F(ProcessMonitorTest, NeedsItsSection) {
         EXPECT_EQ(m_log.Errors().back(),
                   std::string(" Failed to initialize process Monitor, Error: ") + row.error);
     }
+}
+
+TEST(ProcessMonitorConfig, OnlyTheListIsRequired) {
+    JsonDocument document;
+    ASSERT_TRUE(JsonSerialization::ParseText(R"({"WatchedApplications": ["Game.exe"]})", document));
+    ProcessMonitorConfig config;
+    ASSERT_STREQ(JsonSerialization::ReadRecord(document, config).Text(), "OK");
+    EXPECT_EQ(config.timeBetweenChecks, 2500u);
+    EXPECT_EQ(config.shutdownDelay, 30000u);
+    EXPECT_EQ(config.watchedApplications, Lines{"Game.exe"});
 }
 
 TEST(ProcessMonitor, AnswersForItsType) {
