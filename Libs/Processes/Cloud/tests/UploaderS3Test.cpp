@@ -140,6 +140,7 @@ TEST(UploaderThreadS3, AStoreThatIsNotThereFailsTheUploadAlone) {
     scratch.MakeFile("one/submission.pkg", "pkg");
     UploaderS3Config config;
     config.submissionFilename = "submission.pkg";
+    config.timeBetweenRetries = 8;
     config.bucketName = config.accessKey = config.secretKey = "x";
     config.endpointOverride = "http://127.0.0.1:1"; // refused at once
     config.useVirtualAddressing = false;
@@ -147,6 +148,8 @@ TEST(UploaderThreadS3, AStoreThatIsNotThereFailsTheUploadAlone) {
     EXPECT_TRUE(component.Initialize(0, nullptr));
     {
         UploaderThreadS3 upload(UploadPermission::Allowed, scratch.PathOf("one"), config);
+        EXPECT_EQ(8u, upload.GetTimeBetweenRetries());
+        EXPECT_EQ(10u, upload.GetMaxAttempts());
         EXPECT_TRUE(upload.Start());
     }
     EXPECT_TRUE(component.Shutdown());
