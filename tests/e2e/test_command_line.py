@@ -41,6 +41,7 @@ def test_a_quiet_run_says_exactly_this(idle):
         "shutting down application processes...",
         "exiting application...",
     ]
+    assert agent.stderr == b""
 
 
 def test_each_output_carries_whole_lines(idle):
