@@ -59,7 +59,8 @@ ResultCode EnsureTrailingFolderSeparator(std::string& folderPath);
 ResultCode CreateFolderTree(const std::string& path);
 ResultCode EnsureFolderExists(const std::string& path);
 
-// These three try again for about a second while the system denies access or somebody holds the file open.
+// These three, and the deletion of a folder for each thing in it, try again for about a second while the
+// system denies access or somebody holds the file open.
 ResultCode RemoveFile(const std::string& path);
 ResultCode MakeFileWritable(const std::string& path);
 ResultCode MakeFileReadOnly(const std::string& path);
@@ -68,6 +69,11 @@ ResultCode MakeFileReadOnly(const std::string& path);
 // no longer carries the mark of a complete one. A link is removed as a link, also when path is one; what it
 // points to is never touched: where the system can't remove a link alone, the deletion fails there.
 ResultCode RemoveFolder(const std::string& path);
+
+// The same for a caller with many folders to delete, who can't wait that second for each of them: pause is
+// called with the milliseconds to wait between two denied attempts, and may return sooner.
+using RetryPause = std::function<void(uint32_t milliseconds)>;
+ResultCode RemoveFolder(const std::string& path, const RetryPause& pause);
 
 struct FileStatus {
     bool isReadOnly = false;
@@ -84,6 +90,9 @@ ResultCode EnumerateProcesses(std::vector<uint32_t>& processIds);
 
 // The image's path, its drive as a device: \Device\HarddiskVolume2\Games\Game.exe.
 ResultCode GetProcessImageName(uint32_t processId, std::string& name);
+
+// When the process started, as a file time. Fails for one that has ended.
+ResultCode GetProcessCreationTime(uint32_t processId, uint64_t& creationTime);
 
 // Whether image ends in name, whatever stands before it and whatever the case: game.exe matches
 // ...\mygame.exe. An empty name matches nothing, so that it can't stand for every process there is.

@@ -30,7 +30,7 @@ ResultCode SetReadOnly(const std::string& path, bool readOnly) {
     if (!ToSystemPath(path, systemPath)) {
         return "Failed to make file writable";
     }
-    return SetReadOnlyAt(systemPath, path, readOnly);
+    return SetReadOnlyAt(systemPath, path, readOnly, Sleep);
 }
 
 } // namespace
@@ -82,7 +82,8 @@ ResultCode RemoveFile(const std::string& path) {
     return RemoveFileAt(systemPath, path);
 }
 
-ResultCode SetReadOnlyAt(const std::wstring& systemPath, const std::string& shownPath, bool readOnly) {
+ResultCode SetReadOnlyAt(const std::wstring& systemPath, const std::string& shownPath, bool readOnly,
+                         const RetryPause& pause) {
     DWORD wanted = INVALID_FILE_ATTRIBUTES;
     const auto attempt = [&] {
         const DWORD attributes = GetFileAttributesW(systemPath.c_str());
@@ -91,7 +92,7 @@ ResultCode SetReadOnlyAt(const std::wstring& systemPath, const std::string& show
         return ErrorOfCall(attributes != INVALID_FILE_ATTRIBUTES &&
                            SetFileAttributesW(systemPath.c_str(), wanted));
     };
-    const RetryResult retried = RetryWhileDenied(attempt, Sleep);
+    const RetryResult retried = RetryWhileDenied(attempt, pause);
     return retried.outcome == RetryOutcome::Done ? Platform::Success
                                                  : AttributesFailure(shownPath, wanted, retried.error);
 }

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // The retrying file calls of PlatformHelpers.h for a path that is in the system's form already. The second
@@ -10,7 +11,8 @@
 namespace PlatformHelpers {
 
 ResultCode RemoveFileAt(const std::wstring& systemPath, const std::string& shownPath);
-ResultCode SetReadOnlyAt(const std::wstring& systemPath, const std::string& shownPath, bool readOnly);
+ResultCode SetReadOnlyAt(const std::wstring& systemPath, const std::string& shownPath, bool readOnly,
+                         const RetryPause& pause);
 
 // Log line and result of a failed deletion, for callers that make the system call themselves.
 ResultCode FileRemovalFailure(const std::string& shownPath, uint32_t systemError);

@@ -48,6 +48,27 @@ ResultCode GetProcessImageName(uint32_t processId, std::string& name) {
     return Platform::Success;
 }
 
+ResultCode GetProcessCreationTime(uint32_t processId, uint64_t& creationTime) {
+    creationTime = 0;
+    HANDLE process = OpenForName(processId);
+    if (!process) {
+        return "Failed to open process";
+    }
+    FILETIME created = {};
+    FILETIME ended = {};
+    FILETIME kernel = {};
+    FILETIME user = {};
+    DWORD exitCode = 0;
+    const bool isRunning = GetProcessTimes(process, &created, &ended, &kernel, &user) &&
+                           GetExitCodeProcess(process, &exitCode) && exitCode == STILL_ACTIVE;
+    CloseHandle(process);
+    if (!isRunning) {
+        return "Failed to get process creation time";
+    }
+    creationTime = uint64_t{created.dwHighDateTime} << 32 | created.dwLowDateTime;
+    return Platform::Success;
+}
+
 bool ImageNameMatches(std::string_view image, std::string_view name) {
     std::wstring wideImage;
     std::wstring wideName;

@@ -29,7 +29,7 @@ struct Entry {
 // Calls remove(path), after clearing the read-only attribute where that is what stands in the way. The
 // attribute calls act on a link itself.
 template <class Remove>
-RetryResult RemoveWithRetries(const std::wstring& path, Remove remove) {
+RetryResult RemoveWithRetries(const std::wstring& path, Remove remove, const RetryPause& pause) {
     const auto attempt = [&] {
         uint32_t error = ErrorOfCall(remove(path.c_str()));
         const DWORD attributes = error == ERROR_ACCESS_DENIED ? GetFileAttributesW(path.c_str()) : 0;
@@ -39,7 +39,7 @@ RetryResult RemoveWithRetries(const std::wstring& path, Remove remove) {
         }
         return error;
     };
-    return RetryWhileDenied(attempt, Sleep);
+    return RetryWhileDenied(attempt, pause);
 }
 
 // One deletion. Works on the system's own names, so that also those go which have no UTF-8 form or are not
@@ -47,9 +47,9 @@ RetryResult RemoveWithRetries(const std::wstring& path, Remove remove) {
 class FolderRemoval {
 public:
     // The folder's path without a trailing separator, and how log lines show it, with one.
-    FolderRemoval(std::wstring literalPath, std::string shownFolder)
+    FolderRemoval(std::wstring literalPath, std::string shownFolder, const RetryPause& pause)
         : m_path(std::move(literalPath)), m_topLength(m_path.size()), m_shownFolder(std::move(shownFolder)),
-          m_place(m_path.substr(0, m_path.rfind(L'\\') + 1)) {}
+          m_place(m_path.substr(0, m_path.rfind(L'\\') + 1)), m_pause(pause) {}
 
     ResultCode Run();
 
@@ -70,6 +70,7 @@ private:
     const std::size_t m_topLength;
     const std::string m_shownFolder;
     const Place m_place;
+    const RetryPause& m_pause;
     std::vector<std::vector<Entry>>
         m_subFolders; // of each folder down to this one, those still to go, in reverse
 };
@@ -132,7 +133,7 @@ ResultCode FolderRemoval::RemoveFiles(std::vector<Entry>& files) {
         Descend(file->name);
         ResultCode result;
         if (m_place.Holds(m_path)) {
-            result = SetReadOnlyAt(m_path, ShownPath(), false);
+            result = SetReadOnlyAt(m_path, ShownPath(), false, m_pause);
         }
         Ascend();
         if (!result) {
@@ -154,7 +155,7 @@ ResultCode FolderRemoval::RemoveFileHere() {
     if (!m_place.Holds(m_path)) {
         return FileRemovalFailure(ShownPath(), ERROR_SYMLINK_NOT_SUPPORTED);
     }
-    const RetryResult retried = RemoveWithRetries(m_path, DeleteFileW);
+    const RetryResult retried = RemoveWithRetries(m_path, DeleteFileW, m_pause);
     return retried.outcome == RetryOutcome::Done ? Platform::Success
                                                  : FileRemovalFailure(ShownPath(), retried.error);
 }
@@ -165,7 +166,7 @@ ResultCode FolderRemoval::RemoveFolderHere() {
     if (!m_place.Holds(m_path)) {
         return FolderRemovalFailure(shown, ERROR_SYMLINK_NOT_SUPPORTED);
     }
-    const RetryResult retried = RemoveWithRetries(m_path, RemoveDirectoryW);
+    const RetryResult retried = RemoveWithRetries(m_path, RemoveDirectoryW, m_pause);
     return retried.outcome == RetryOutcome::Done ? Platform::Success
                                                  : FolderRemovalFailure(shown, retried.error);
 }
@@ -173,6 +174,10 @@ ResultCode FolderRemoval::RemoveFolderHere() {
 } // namespace
 
 ResultCode RemoveFolder(const std::string& path) {
+    return RemoveFolder(path, Sleep);
+}
+
+ResultCode RemoveFolder(const std::string& path, const RetryPause& pause) {
     std::string shownFolder = path;
     if (const ResultCode result = EnsureTrailingFolderSeparator(shownFolder); !result) {
         return result;
@@ -185,7 +190,7 @@ ResultCode RemoveFolder(const std::string& path) {
     if (IsDrive(literalPath)) {
         return FolderRemovalFailure(shownFolder, ERROR_CURRENT_DIRECTORY);
     }
-    return FolderRemoval(std::move(literalPath), std::move(shownFolder)).Run();
+    return FolderRemoval(std::move(literalPath), std::move(shownFolder), pause).Run();
 }
 
 } // namespace PlatformHelpers

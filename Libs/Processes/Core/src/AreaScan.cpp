@@ -1,0 +1,65 @@
+#include "Libs/Processes/Core/src/AreaScan.h"
+
+#include <utility>
+
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
+
+ResultCode AreaScan::SetFolder(std::string folder) {
+    m_folder = std::move(folder);
+    m_timesTellOfEntries = PlatformHelpers::FolderTimesTellOfEntries(m_folder);
+    return m_path.Set(m_folder);
+}
+
+ResultCode AreaScan::Run(uint64_t now) {
+    m_recordCount = 0;
+    const ResultCode listed = ListSubFolders(now);
+    MeasureAll(now);
+    QuotaDecision::SortByAge(GetRecords());
+    return listed;
+}
+
+ResultCode AreaScan::ListSubFolders(uint64_t now) {
+    PlatformHelpers::KnownPath::Status area;
+    const bool isThere = m_path.Query(area);
+    if (isThere && m_stamp.Holds(area.lastWriteTime)) {
+        return Platform::Success;
+    }
+    m_stamp.Clear();
+    const ResultCode result = ListAnew();
+    if (result && isThere && m_timesTellOfEntries) {
+        m_stamp.Set(area.lastWriteTime, now);
+    }
+    return result;
+}
+
+ResultCode AreaScan::ListAnew() {
+    ++m_listing;
+    const ResultCode result = PlatformHelpers::EnumerateFolder(
+        m_folder, PlatformHelpers::EnumerateFolders,
+        [this](const PlatformHelpers::PathInfo& entry, bool&) { return Meet(entry.name, entry.IsLink()); });
+    std::erase_if(m_subFolders, [this](const auto& known) { return known.second.listing != m_listing; });
+    return result;
+}
+
+ResultCode AreaScan::Meet(const std::string& name, bool isLink) {
+    auto found = m_subFolders.find(std::string_view(name));
+    if (found == m_subFolders.end()) {
+        MeasuredFolder folder;
+        if (const ResultCode result = folder.SetPath(m_folder + name); !result) {
+            return result;
+        }
+        found = m_subFolders.emplace(name, KnownSubFolder{std::move(folder)}).first;
+    }
+    found->second.folder.SetLink(isLink);
+    found->second.listing = m_listing;
+    return Platform::Success;
+}
+
+void AreaScan::MeasureAll(uint64_t now) {
+    m_records.resize(m_subFolders.size());
+    for (auto& [name, known] : m_subFolders) {
+        if (known.folder.Measure(now, m_timesTellOfEntries, m_records[m_recordCount])) {
+            ++m_recordCount;
+        }
+    }
+}

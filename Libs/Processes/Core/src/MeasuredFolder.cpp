@@ -1,0 +1,81 @@
+#include "Libs/Processes/Core/src/MeasuredFolder.h"
+
+#include <utility>
+
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
+
+namespace {
+
+constexpr const char* MarkerFile = "header.json"; // of a valid submission
+
+} // namespace
+
+ResultCode MeasuredFolder::SetPath(std::string path) {
+    m_path = std::move(path);
+    return m_folder.Set(m_path);
+}
+
+bool MeasuredFolder::Measure(uint64_t now, bool timesTellOfEntries, QuotaDecision::FolderRecord& record) {
+    PlatformHelpers::KnownPath::Status folder;
+    uint64_t size = 0;
+    if (!m_folder.Query(folder) ||
+        !(m_isLink || AddUpFiles(folder.lastWriteTime, now, timesTellOfEntries, size))) {
+        return false;
+    }
+    record.age = QuotaDecision::AgeInSeconds(now, folder.creationTime);
+    record.path = m_path;
+    record.size = size;
+    record.valid = !m_isLink && m_isValid;
+    return true;
+}
+
+bool MeasuredFolder::AddUpFiles(uint64_t lastWriteTime, uint64_t now, bool mayRemember, uint64_t& size) {
+    if (m_stamp.Holds(lastWriteTime) && AddUpRemembered(size)) {
+        return true;
+    }
+    m_stamp.Clear();
+    if (!List(size)) {
+        return false;
+    }
+    if (mayRemember && m_files.size() <= MostRemembered) {
+        m_stamp.Set(lastWriteTime, now);
+    }
+    return true;
+}
+
+bool MeasuredFolder::AddUpRemembered(uint64_t& size) const {
+    size = 0;
+    PlatformHelpers::KnownPath::Status status;
+    for (const PlatformHelpers::KnownPath& file : m_files) {
+        if (!file.Query(status)) {
+            return false;
+        }
+        size += status.size;
+    }
+    return true;
+}
+
+ResultCode MeasuredFolder::List(uint64_t& size) {
+    size = 0;
+    m_isValid = false;
+    m_files.clear();
+    const std::string folder = FolderPath::Join(m_path, "");
+    return PlatformHelpers::EnumerateFolder(folder, PlatformHelpers::EnumerateFiles,
+                                            [&](const PlatformHelpers::PathInfo& file, bool&) {
+                                                m_isValid = m_isValid || file.name == MarkerFile;
+                                                if (file.IsLink()) {
+                                                    return ResultCode(Platform::Success);
+                                                }
+                                                size += file.size;
+                                                return Remember(file.name);
+                                            });
+}
+
+// One more than is worth to be remembered stands for all the others.
+ResultCode MeasuredFolder::Remember(const std::string& fileName) {
+    if (m_files.size() > MostRemembered) {
+        return Platform::Success;
+    }
+    return m_files.emplace_back().Set(FolderPath::Join(m_path, fileName));
+}

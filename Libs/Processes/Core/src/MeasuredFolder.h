@@ -1,0 +1,40 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Libs/Framework/Core/src/PlatformHelpers_KnownPath.h"
+#include "Libs/Processes/Core/src/EntriesStamp.h"
+#include "Libs/Processes/Core/src/QuotaDecision.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
+
+// One sub-folder of an area, measured in each pass. To list a folder costs ten times what it costs to ask
+// about one file: so the names of few files are remembered for as long as the folder's time says that they
+// are right. Sizes are never remembered. Belongs to the measuring thread.
+class MeasuredFolder {
+public:
+    // The path has no trailing separator.
+    ResultCode SetPath(std::string path);
+
+    // A link is never followed: it has no files, whatever it points to.
+    void SetLink(bool isLink) { m_isLink = isLink; }
+
+    // False when the folder has gone or can't be read. now is a file time.
+    bool Measure(uint64_t now, bool timesTellOfEntries, QuotaDecision::FolderRecord& record);
+
+private:
+    static constexpr std::size_t MostRemembered = 8;
+
+    bool AddUpFiles(uint64_t lastWriteTime, uint64_t now, bool mayRemember, uint64_t& size);
+    bool AddUpRemembered(uint64_t& size) const;
+    ResultCode List(uint64_t& size);
+    ResultCode Remember(const std::string& fileName);
+
+    std::string m_path;
+    PlatformHelpers::KnownPath m_folder;
+    std::vector<PlatformHelpers::KnownPath> m_files;
+    EntriesStamp m_stamp; // of m_files and m_isValid
+    bool m_isValid = false;
+    bool m_isLink = false;
+};

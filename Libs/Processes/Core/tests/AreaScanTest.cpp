@@ -1,0 +1,123 @@
+#include "Libs/Processes/Core/src/AreaScan.h"
+
+#include <windows.h>
+
+#include <algorithm>
+
+#include "Libs/Processes/Core/tests/ProcessFixture.h"
+
+namespace {
+
+constexpr uint64_t Second = 10'000'000; // in file time
+
+class AreaScanTest : public ProcessFixture {
+protected:
+    AreaScanTest() { EXPECT_TRUE(m_scan.SetFolder(m_scratch.Path())); }
+
+    // One pass as if it took place so much later: what was just written then counts as settled.
+    void Pass(uint64_t secondsAhead = 0) {
+        FILETIME now = {};
+        GetSystemTimeAsFileTime(&now);
+        EXPECT_TRUE(
+            m_scan.Run((uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime) + secondsAhead * Second));
+    }
+
+    void Rename(const std::string& from, const std::string& to) const {
+        ASSERT_TRUE(MoveFileW(TestSupport::ScratchFolder::FromUtf8(m_scratch.PathOf(from)).c_str(),
+                              TestSupport::ScratchFolder::FromUtf8(m_scratch.PathOf(to)).c_str()));
+    }
+
+    // The record of a sub-folder: its size, "v" when valid; "-" when there is none.
+    std::string Measured(const std::string& name) {
+        for (const auto& record : m_scan.GetRecords()) {
+            if (record.path == m_scratch.PathOf(name)) {
+                return std::to_string(record.size) + (record.valid ? "v" : "");
+            }
+        }
+        return "-";
+    }
+
+    AreaScan m_scan;
+};
+
+TEST_F(AreaScanTest, AddsUpTheFilesDirectlyInside) {
+    m_scratch.MakeFile("file beside", "12345");
+    m_scratch.MakeFolder("empty");
+    m_scratch.MakeFile("plain/a", "12345");
+    m_scratch.MakeFile("plain/b", "123");
+    m_scratch.MakeFile("nested/a", "1");
+    m_scratch.MakeFile("nested/logs/header.json", "1234567");
+    m_scratch.MakeFile("太郎/header.json", "{}");
+    m_scratch.MakeFile("Wrong case/Header.json", "{}");
+    m_scratch.MakeFile("packed/header.json.gz", "{}");
+    Pass();
+    EXPECT_EQ(m_scan.GetRecords().size(), 6U);
+    EXPECT_EQ(Measured("empty"), "0");
+    EXPECT_EQ(Measured("plain"), "8");
+    EXPECT_EQ(Measured("nested"), "1");
+    EXPECT_EQ(Measured("太郎"), "2v");
+    EXPECT_EQ(Measured("Wrong case"), "2");
+    EXPECT_EQ(Measured("packed"), "2");
+}
+
+TEST_F(AreaScanTest, SeesEveryChangeWhateverItRemembers) {
+    m_scratch.MakeFile("a/game.log", "1");
+    m_scratch.MakeFile("many/0", "1");
+    for (const char* name : {"1", "2", "3", "4", "5", "6", "7", "8"}) {
+        m_scratch.MakeFile(std::string("many/") + name, "1");
+    }
+    for (const uint64_t ahead : {0U, 0U, 60U, 61U}) { // unsettled twice, then remembered, then from memory
+        Pass(ahead);
+        EXPECT_EQ(Measured("a"), "1");
+        EXPECT_EQ(Measured("many"), "9");
+    }
+    m_scratch.MakeFile("a/game.log", "12345"); // grows: the folder's own time stays
+    m_scratch.MakeFile("many/8", "12345");
+    Pass(62);
+    EXPECT_EQ(Measured("a"), "5");
+    EXPECT_EQ(Measured("many"), "13");
+    m_scratch.MakeFile("a/header.json", "{}"); // comes
+    Pass(63);
+    EXPECT_EQ(Measured("a"), "7v");
+    Pass(120);
+    ASSERT_TRUE(PlatformHelpers::RemoveFile(m_scratch.PathOf("a/game.log"))); // goes
+    Pass(121);
+    EXPECT_EQ(Measured("a"), "2v");
+    Pass(180);
+    Rename("a/header.json", "a/head");
+    Rename("a/head", "a/HEADER.json");
+    Pass(181);
+    EXPECT_EQ(Measured("a"), "2");
+    Pass(240);
+    ASSERT_TRUE(PlatformHelpers::RemoveFolder(m_scratch.PathOf("a")));
+    m_scratch.MakeFile("b/x", "123");
+    Pass(241);
+    EXPECT_EQ(Measured("a"), "-");
+    EXPECT_EQ(Measured("b"), "3");
+}
+
+TEST_F(AreaScanTest, AnAreaThatVanishesLeavesNothing) {
+    m_scratch.MakeFile("area/a/x", "1");
+    AreaScan scan;
+    ASSERT_TRUE(scan.SetFolder(m_scratch.PathOf("area") + "\\"));
+    ASSERT_TRUE(scan.Run(0));
+    EXPECT_EQ(scan.GetRecords().size(), 1U);
+    ASSERT_TRUE(PlatformHelpers::RemoveFolder(m_scratch.PathOf("area")));
+    EXPECT_STREQ(scan.Run(0).Text(), "Failed to enumerate files");
+    EXPECT_TRUE(scan.GetRecords().empty());
+    m_scratch.MakeFile("area/b/x", "12");
+    ASSERT_TRUE(scan.Run(0));
+    EXPECT_EQ(scan.GetRecords().size(), 1U);
+}
+
+TEST_F(AreaScanTest, AgesComeFromTheFoldersCreation) {
+    m_scratch.MakeFile("a/x", "1");
+    Pass(100);
+    ASSERT_EQ(m_scan.GetRecords().size(), 1U);
+    EXPECT_GE(m_scan.GetRecords()[0].age, 100U);
+    EXPECT_LE(m_scan.GetRecords()[0].age, 130U);
+    ASSERT_TRUE(m_scan.Run(1)); // long before it was created
+    EXPECT_GT(m_scan.GetRecords()[0].age, UINT32_MAX);
+}
+
+} // namespace

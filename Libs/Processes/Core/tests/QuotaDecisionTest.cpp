@@ -1,0 +1,126 @@
+#include "Libs/Processes/Core/src/QuotaDecision.h"
+
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "Libs/Processes/Core/src/EntriesStamp.h"
+
+namespace {
+
+constexpr uint64_t Second = 10'000'000; // in file time
+constexpr uint64_t Max = UINT64_MAX;
+
+using QuotaDecision::FolderRecord;
+
+std::vector<FolderRecord> OfSizes(const std::vector<uint64_t>& sizes) {
+    std::vector<FolderRecord> records;
+    for (const uint64_t size : sizes) {
+        records.push_back({.age = records.size(), .path = "", .size = size, .valid = true});
+    }
+    return records;
+}
+
+TEST(QuotaDecision, TheYoungestThatFitTogetherStay) {
+    const struct {
+        const char* what;
+        std::vector<uint64_t> sizes; // youngest first
+        uint64_t quota;
+        std::size_t fit;
+    } rows[] = {
+        {"nothing there", {}, 10, 0},
+        {"under the quota", {1, 2, 3}, 10, 3},
+        {"exactly the quota", {2, 3, 5}, 10, 3},
+        {"one byte more", {2, 3, 6}, 10, 2},
+        {"one byte more in the middle takes the older ones along", {2, 9, 1, 0}, 10, 1},
+        {"the youngest alone too large", {11, 1, 1}, 10, 0},
+        {"one folder of exactly the quota", {10, 1}, 10, 1},
+        {"empty folders behind a full quota fit", {10, 0, 0}, 10, 3},
+        {"empty folders behind a crossed quota go", {10, 1, 0}, 10, 1},
+        {"no quota at all", {0, 0, 1, 0}, 0, 2},
+        {"sizes beyond 64 bits together", {Max, Max, 1}, Max, 1},
+        {"a total that would wrap to a small one", {1, Max, 1}, 10, 1},
+        {"everything fits", {1, Max - 1}, Max, 2},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        EXPECT_EQ(QuotaDecision::CountThatFit(OfSizes(row.sizes), row.quota), row.fit);
+    }
+}
+
+TEST(QuotaDecision, AgeIsWholeSecondsAndWrapsInTheFuture) {
+    EXPECT_EQ(QuotaDecision::AgeInSeconds(100 * Second, 100 * Second), 0U);
+    EXPECT_EQ(QuotaDecision::AgeInSeconds(101 * Second - 1, 100 * Second), 0U);
+    EXPECT_EQ(QuotaDecision::AgeInSeconds(101 * Second, 100 * Second), 1U);
+    EXPECT_EQ(QuotaDecision::AgeInSeconds(100 * Second, 100 * Second + 1), Max / Second);
+}
+
+TEST(QuotaDecision, OnlyInvalidFoldersAgeOutAndOnlyBeyondTheGraceTime) {
+    const struct {
+        bool valid;
+        uint64_t age;
+        uint32_t grace;
+        bool agedOut;
+    } rows[] = {
+        {false, 3599, 3600, false},
+        {false, 3600, 3600, false},
+        {false, 3601, 3600, true},
+        {true, 3601, 3600, false},
+        {false, 0, 0, false},
+        {false, 1, 0, true},
+        {false, UINT32_MAX, UINT32_MAX, false},
+        {false, uint64_t{UINT32_MAX} + 1, UINT32_MAX, true},
+        {false, Max / Second, UINT32_MAX, true}, // created in the future
+        {true, Max / Second, 0, false},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(
+            QuotaDecision::IsAgedOut({.age = row.age, .path = "", .size = 0, .valid = row.valid}, row.grace),
+            row.agedOut)
+            << row.age << " of " << row.grace;
+    }
+}
+
+TEST(QuotaDecision, TheYoungestComesFirstAndEqualAgesStandByPath) {
+    std::vector<FolderRecord> records = {
+        {.age = Max / Second, .path = "future"},
+        {.age = 5, .path = "b"},
+        {.age = 5, .path = "a"},
+        {.age = 0, .path = "z"},
+    };
+    QuotaDecision::SortByAge(records);
+    std::vector<std::string> paths;
+    for (const FolderRecord& record : records) {
+        paths.push_back(record.path);
+    }
+    EXPECT_EQ(paths, (std::vector<std::string>{"z", "a", "b", "future"}));
+}
+
+TEST(EntriesStamp, HoldsOnlyWhatWasReadLongAfterTheLastChange) {
+    const struct {
+        const char* what;
+        uint64_t written;
+        uint64_t read;
+        uint64_t asked;
+        bool holds;
+    } rows[] = {
+        {"long settled", 10 * Second, 60 * Second, 10 * Second, true},
+        {"changed since", 10 * Second, 60 * Second, 61 * Second, false},
+        {"set back", 10 * Second, 60 * Second, 9 * Second, false},
+        {"read at the change", 10 * Second, 10 * Second, 10 * Second, false},
+        {"within a tick of it", 10 * Second, 12 * Second, 10 * Second, false},
+        {"just beyond a tick", 10 * Second, 12 * Second + 1, 10 * Second, true},
+        {"changed in the future", 90 * Second, 60 * Second, 90 * Second, false},
+    };
+    for (const auto& row : rows) {
+        SCOPED_TRACE(row.what);
+        EntriesStamp stamp;
+        EXPECT_FALSE(stamp.Holds(row.asked));
+        stamp.Set(row.written, row.read);
+        EXPECT_EQ(stamp.Holds(row.asked), row.holds);
+        stamp.Clear();
+        EXPECT_FALSE(stamp.Holds(row.asked));
+    }
+}
+
+} // namespace
