@@ -8,6 +8,7 @@ import pytest
 
 import wine
 from agent import EXECUTABLE, GAME, Site
+from display import Display
 from store.client import Store
 
 USUAL_LIMIT = 60
@@ -50,6 +51,19 @@ def scratch(request):
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
     return folder
+
+
+@pytest.fixture(scope="session")
+def running_display():
+    with Display(wine.SCRATCH / "display") as display:
+        yield display
+
+
+@pytest.fixture
+def display(running_display):
+    """The screen, empty at the start and, if the test passes, at the end."""
+    yield running_display
+    running_display.wait_for_no_window("", 5)
 
 
 @pytest.fixture(scope="session")

@@ -17,28 +17,33 @@ def windows_path(path):
 
 
 def environment():
-    return {**os.environ, "WINEPREFIX": str(PREFIX), "LC_ALL": "C.UTF-8"}
+    """Without a display: nobody is there to answer a window (display.py has one)."""
+    variables = {**os.environ, "WINEPREFIX": str(PREFIX), "LC_ALL": "C.UTF-8"}
+    variables.pop("DISPLAY", None)
+    return variables
 
 
-def make_prefix():
-    """A copy of the template that scripts/setup.sh makes, with its server started.
+def make_prefix(variables=None):
+    """A copy of the template that scripts/setup.sh makes, with its server started; variables as environment() has.
 
     The server stays until stop_prefix(). The first program starts Wine's own services, which inherit its outputs and
     keep them open: it must not be one whose outputs a test waits for.
     """
-    if PREFIX.exists():
-        stop_prefix()  # of a run that was cut off
-        subprocess.run(["rm", "-rf", PREFIX], check=True)
-    PREFIX.parent.mkdir(parents=True, exist_ok=True)
-    subprocess.run(["cp", "-a", TEMPLATE, PREFIX], check=True)
-    subprocess.run(["wineserver", "--persistent"], env=environment(), check=True)
-    subprocess.run([ROOT / "scripts" / "run-wine.sh", "cmd.exe", "/c", "exit"], env=environment(), check=True,
+    variables = variables or environment()
+    prefix = Path(variables["WINEPREFIX"])
+    if prefix.exists():
+        stop_prefix(variables)  # of a run that was cut off
+        subprocess.run(["rm", "-rf", prefix], check=True)
+    prefix.parent.mkdir(parents=True, exist_ok=True)
+    subprocess.run(["cp", "-a", TEMPLATE, prefix], check=True)
+    subprocess.run(["wineserver", "--persistent"], env=variables, check=True)
+    subprocess.run([ROOT / "scripts" / "run-wine.sh", "cmd.exe", "/c", "exit"], env=variables, check=True,
                    stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
 
 
-def stop_prefix():
+def stop_prefix(variables=None):
     """Ends whatever still runs in the prefix, and its server."""
-    subprocess.run(["wineserver", "-k"], env=environment(), check=False)
+    subprocess.run(["wineserver", "-k"], env=variables or environment(), check=False)
 
 
 def wait_until(condition, seconds, what):
@@ -56,10 +61,10 @@ class Program:
     Both outputs are read by threads as they come; lines keep their order within one output.
     """
 
-    def __init__(self, executable, *arguments, cwd=None, command=()):
+    def __init__(self, executable, *arguments, cwd=None, command=(), variables=None):
         self._process = subprocess.Popen(
             [*command, str(ROOT / "scripts" / "run-wine.sh"), str(executable), *arguments],
-            cwd=cwd, env=environment(), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            cwd=cwd, env=variables or environment(), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
         self._arrival = threading.Condition()
         self._output = {"stdout": b"", "stderr": b""}
         self._readers = [threading.Thread(target=self._read, args=(name,), daemon=True) for name in self._output]

@@ -1,0 +1,147 @@
+"""A screen for the tests of windows: an X server nobody sees, and a Windows desktop that fills it.
+
+The desktop is Wine's own, so that focus, title bars and close boxes work without a window manager. Keys and clicks go
+through the X server, as those of a person do.
+"""
+import json
+import os
+import subprocess
+from dataclasses import dataclass
+
+import wine
+
+READER = wine.BIN / "WindowReader.exe"
+WIDTH, HEIGHT = 1280, 1024
+SETTINGS = [
+    (r"HKCU\Software\Wine\Explorer", "Desktop", "REG_SZ", "Default"),
+    (r"HKCU\Software\Wine\Explorer\Desktops", "Default", "REG_SZ", f"{WIDTH}x{HEIGHT}"),
+    # Windows has characters of every language in its dialogs' font; here another font lends them.
+    (r"HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink", "Tahoma", "REG_MULTI_SZ",
+     r"wqy-microhei.ttc,WenQuanYi Micro Hei"),
+]
+
+
+@dataclass
+class Window:
+    """A window, or a control in one, as WindowReader describes it; places are pixels of the screen."""
+    fields: dict
+
+    def __getattr__(self, name):
+        try:
+            return self.fields[name]
+        except KeyError:
+            raise AttributeError(name) from None
+
+    @property
+    def controls(self):
+        return [Window(fields) for fields in self.fields["controls"]]
+
+    def control(self, identifier):
+        return next(control for control in self.controls if control.id == identifier)
+
+    @property
+    def centre(self):
+        return self.x + self.width // 2, self.y + self.height // 2
+
+    @property
+    def close_box(self):
+        """Where a person clicks to close it."""
+        return self.x + self.width - 14, self.y + 14
+
+
+class Display:
+    """Lives for the whole test run. Programs reach it with Program(..., variables=display.variables())."""
+
+    def __init__(self, folder):
+        self._prefix = folder / "wine"
+        self.pictures = folder / "pictures"
+        self.pictures.mkdir(parents=True, exist_ok=True)
+        self.name, self._server = start_server()
+        wine.make_prefix(self.variables())
+        for key, value, kind, data in SETTINGS:
+            self._wine("reg.exe", "add", key, "/v", value, "/t", kind, "/d", data, "/f")
+        # The desktop reads its settings when it starts.
+        wine.stop_prefix(self.variables())
+        subprocess.run(["wineserver", "--wait"], env=self.variables(), check=True)
+        subprocess.run(["wineserver", "--persistent"], env=self.variables(), check=True)
+        # The first program starts the desktop, which keeps that program's outputs.
+        self._wine(READER, "windows", stdout=subprocess.DEVNULL)
+
+    def __enter__(self):
+        return self
+
+    def __exit__(self, *_):
+        wine.stop_prefix(self.variables())
+        self._server.terminate()
+        self._server.wait(10)
+
+    def variables(self, language="C"):
+        """For a program on this display. The language is one of the machine's, such as de_DE."""
+        return {**os.environ, "WINEPREFIX": str(self._prefix), "DISPLAY": self.name, "LC_ALL": f"{language}.UTF-8"}
+
+    def _wine(self, *command, **options):
+        return subprocess.run([wine.ROOT / "scripts" / "run-wine.sh", *command], env=self.variables(), check=True,
+                              stdin=subprocess.DEVNULL, stderr=subprocess.DEVNULL, timeout=30,
+                              **{"stdout": subprocess.PIPE, **options})
+
+    def _read(self, what):
+        return json.loads(self._wine(READER, what).stdout)
+
+    def _x(self, *command):
+        return subprocess.run(command, env=self.variables(), check=True, timeout=30, stdout=subprocess.PIPE).stdout
+
+    # What a person sees.
+
+    def windows(self, title=""):
+        """The visible windows whose title contains the text, the one in front first."""
+        return [window for window in map(Window, self._read("windows")) if window.text and title in window.text]
+
+    def wait_for_window(self, title, seconds=20):
+        """The window in front of those with the title, once it has its focus."""
+        def ready():
+            return next((window for window in self.windows(title) if window.foreground and window.focus), None)
+        return wine.wait_until(ready, seconds, f"a window {title!r}")
+
+    def wait_for_no_window(self, title, seconds=20):
+        wine.wait_until(lambda: not self.windows(title), seconds, f"no window {title!r}")
+
+    def clipboard(self):
+        """{"formats": [numbers in order], "narrow": the bytes of the one form, "wide": the text of the other}"""
+        content = self._read("clipboard")
+        if "narrow" in content:
+            content["narrow"] = content["narrow"].encode("latin-1")
+        return content
+
+    def picture(self, name, window=None):
+        """Keeps a picture of the window, or of the whole screen, under build/."""
+        path = self.pictures / f"{name}.png"
+        part = f"{window.width}x{window.height}+{window.x}+{window.y}" if window else f"{WIDTH}x{HEIGHT}+0+0"
+        self._x("import", "-window", "root", "-crop", part, "+repage", str(path))
+        return path
+
+    def colour(self, x, y):
+        """The pixel's red, green and blue."""
+        pixel = self._x("import", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "rgb:-")
+        return tuple(pixel[:3])
+
+    # What a person does.
+
+    def press(self, *keys):
+        """Keys by their X names: "alt+d", "Return"."""
+        self._x("xdotool", "key", "--clearmodifiers", *keys)
+
+    def click(self, place):
+        self._x("xdotool", "mousemove", "--sync", str(place[0]), str(place[1]), "click", "1")
+
+
+def start_server():
+    """An X server on a number that it finds free itself: (":number", process)."""
+    reading, writing = os.pipe()
+    server = subprocess.Popen(
+        ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{WIDTH}x{HEIGHT}x24", "-nolisten", "tcp", "-noreset"],
+        pass_fds=[writing], stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
+    os.close(writing)
+    with os.fdopen(reading) as numbers:
+        number = numbers.readline().strip()
+    assert number, "the X server did not start"
+    return f":{number}", server

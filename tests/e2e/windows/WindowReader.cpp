@@ -1,0 +1,132 @@
+// Prints in JSON what a person or a screen reader finds on the desktop.
+//
+//   WindowReader windows      every visible top-level window with its controls, in front first
+//   WindowReader clipboard    the clipboard's formats, in their order, and its text in both forms
+#include <cstdio>
+#include <string>
+#include <string_view>
+
+#include <windows.h>
+
+namespace {
+
+// Characters beyond ASCII are escaped: the output has no encoding to agree on.
+std::string Quoted(std::wstring_view text) {
+    std::string quoted = "\"";
+    for (const wchar_t character : text) {
+        char escaped[8] = {};
+        const bool isPlain = character >= ' ' && character < 0x7F && character != '"' && character != '\\';
+        std::snprintf(escaped, sizeof(escaped), isPlain ? "%c" : "\\u%04x", static_cast<unsigned>(character));
+        quoted += escaped;
+    }
+    return quoted + "\"";
+}
+
+std::string Field(const char* name, long long value) {
+    return std::string("\"") + name + "\": " + std::to_string(value) + ", ";
+}
+
+std::wstring TextOf(HWND window) {
+    // GetWindowText does not ask the controls of another process.
+    std::wstring text(static_cast<std::size_t>(SendMessageW(window, WM_GETTEXTLENGTH, 0, 0)) + 1, L'\0');
+    const LRESULT length =
+        SendMessageW(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    text.resize(static_cast<std::size_t>(length));
+    return text;
+}
+
+HWND FocusIn(HWND window) {
+    GUITHREADINFO info = {};
+    info.cbSize = sizeof(info);
+    GetGUIThreadInfo(GetWindowThreadProcessId(window, nullptr), &info);
+    return info.hwndFocus;
+}
+
+// Without the closing brace.
+std::string Described(HWND window) {
+    RECT area = {};
+    GetWindowRect(window, &area);
+    wchar_t className[128] = {};
+    GetClassNameW(window, className, 128);
+    return "{" + Field("id", GetDlgCtrlID(window)) +
+           Field("style", static_cast<unsigned>(GetWindowLongW(window, GWL_STYLE))) +
+           Field("extendedStyle", static_cast<unsigned>(GetWindowLongW(window, GWL_EXSTYLE))) +
+           Field("x", area.left) + Field("y", area.top) + Field("width", area.right - area.left) +
+           Field("height", area.bottom - area.top) + Field("enabled", IsWindowEnabled(window)) +
+           Field("visible", IsWindowVisible(window)) + "\"class\": " + Quoted(className) +
+           ", \"text\": " + Quoted(TextOf(window));
+}
+
+void PrintWindow(HWND window) {
+    DWORD process = 0;
+    GetWindowThreadProcessId(window, &process);
+    const HWND focus = FocusIn(window);
+    std::printf("%s, %s%s\"focus\": %d, \"controls\": [", Described(window).c_str(),
+                Field("process", process).c_str(),
+                Field("foreground", GetForegroundWindow() == window).c_str(),
+                focus && IsChild(window, focus) ? GetDlgCtrlID(focus) : 0);
+    const char* separator = "";
+    for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
+        std::printf("%s%s}", separator, Described(child).c_str());
+        separator = ", ";
+    }
+    std::printf("]}");
+}
+
+void PrintWindows() {
+    const char* separator = "";
+    std::printf("[");
+    for (HWND window = GetTopWindow(nullptr); window; window = GetWindow(window, GW_HWNDNEXT)) {
+        if (IsWindowVisible(window)) {
+            std::printf("%s", separator);
+            PrintWindow(window);
+            separator = ", ";
+        }
+    }
+    std::printf("]\n");
+}
+
+std::wstring BytesAsCharacters(const char* text) {
+    std::wstring characters;
+    for (; *text; ++text) {
+        characters += static_cast<wchar_t>(static_cast<unsigned char>(*text));
+    }
+    return characters;
+}
+
+// Bytes of the narrow form are printed as the characters 0 to 255.
+bool PrintClipboard() {
+    if (!OpenClipboard(nullptr)) {
+        return false;
+    }
+    std::printf("{\"formats\": [");
+    const char* separator = "";
+    for (UINT format = EnumClipboardFormats(0); format; format = EnumClipboardFormats(format)) {
+        std::printf("%s%u", separator, format);
+        separator = ", ";
+    }
+    std::printf("]");
+    if (HANDLE narrow = GetClipboardData(CF_TEXT)) {
+        const std::wstring text = BytesAsCharacters(static_cast<const char*>(GlobalLock(narrow)));
+        std::printf(", \"narrow\": %s", Quoted(text).c_str());
+        GlobalUnlock(narrow);
+    }
+    if (HANDLE wide = GetClipboardData(CF_UNICODETEXT)) {
+        std::printf(", \"wide\": %s", Quoted(static_cast<const wchar_t*>(GlobalLock(wide))).c_str());
+        GlobalUnlock(wide);
+    }
+    std::printf("}\n");
+    CloseClipboard();
+    return true;
+}
+
+} // namespace
+
+int main(int count, char** arguments) {
+    const std::string_view what = count == 2 ? arguments[1] : "";
+    if (what == "windows") {
+        PrintWindows();
+        return 0;
+    }
+    return what == "clipboard" && PrintClipboard() ? 0 : 1;
+}
