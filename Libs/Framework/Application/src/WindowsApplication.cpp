@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "Libs/Framework/Application/src/LogLineEndings.h"
+#include "Libs/Framework/Application/src/PermissionDialog.h"
 #include "Libs/Framework/Core/src/CommandLine.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
@@ -61,7 +62,17 @@ ResultCode WindowsApplication::Shutdown() {
 
 ResultCode WindowsApplication::AskUploadPermission(UploadPermission& answer) {
     answer = UploadPermission::Refused;
-    return "Asking for upload permission is not available in this build";
+    PLATFORM_ASSERT(m_messagePumpProc);
+    WindowsApplicationPump* pWndProc =
+        m_messagePumpProc ? Reflection::Query<WindowsApplicationPump>(*m_messagePumpProc) : nullptr;
+    PLATFORM_ASSERT(pWndProc);
+    if (!pWndProc) {
+        return "No message pump to show the permission dialog";
+    }
+    bool allowed = false;
+    const ResultCode result = ShowPermissionDialog(pWndProc->GetInstance(), allowed);
+    answer = allowed ? UploadPermission::Allowed : UploadPermission::Refused;
+    return result;
 }
 
 ResultCode WindowsApplication::GetVersion(PlatformHelpers::ModuleVersion& version, uint32_t& changelist) {

@@ -13,6 +13,9 @@ public:
     ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
     bool ThreadMain() override;
 
+    // The module with the program's resources. Constant after Initialize.
+    void* GetInstance() const { return m_instance; }
+
 private:
     void* m_instance = nullptr;    // the program's module
     void* m_window = nullptr;      // goes with the process

@@ -6,6 +6,7 @@
 
 #include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
 
 namespace {
 
@@ -91,10 +92,28 @@ TEST(WindowsApplication, RunsItsPumpAloneUntilToldToStop) {
     EXPECT_EQ(log.Errors(), std::vector<std::string>());
 }
 
-TEST(WindowsApplication, PermissionStaysRefusedWhileNobodyCanBeAsked) {
+TEST(WindowsApplication, PermissionIsRefusedWithoutAPump) {
     const TestSupport::LogCapture log;
+    const AssertCapture assertions;
     UploadPermission answer = UploadPermission::Allowed;
-    EXPECT_FALSE(MakeApplication()->AskUploadPermission(answer));
+    EXPECT_STREQ(MakeApplication()->AskUploadPermission(answer).Text(),
+                 "No message pump to show the permission dialog");
+    EXPECT_EQ(answer, UploadPermission::Refused);
+    EXPECT_EQ(assertions.Texts(), (std::vector<std::string>{"m_messagePumpProc|", "pWndProc|"}));
+}
+
+TEST(WindowsApplication, PermissionIsRefusedWhenTheDialogFails) {
+    const TestSupport::LogCapture log;
+    const TestSupport::ScratchFolder scratch;
+    const std::string config = "-config=" + scratch.MakeFile("agent.json", R"({"Application": {
+        "Processes": {}, "Components": [], "ApplicationFolder": ""}})");
+    const std::string folder = "-appFolder=" + scratch.Path();
+    const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
+    const auto application = MakeApplication();
+    ASSERT_TRUE(application->Initialize(3, argv));
+    UploadPermission answer = UploadPermission::Allowed;
+    const ResultCode result = application->AskUploadPermission(answer); // this test program has no dialog
+    EXPECT_STREQ(result.Text(), "Failed to show the permission dialog");
     EXPECT_EQ(answer, UploadPermission::Refused);
 }
 
