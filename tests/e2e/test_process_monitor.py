@@ -1,0 +1,99 @@
+"""The agent ends after its games, and not while one of them runs."""
+import shutil
+import time
+
+import pytest
+
+from agent import GAME
+from wine import Program
+
+CLOSED = " All monitored processes have closed, starting shutdown delay timer..."
+REAPPEARED = " A monitored processes has reappeared, resuming normal monitoring..."
+REQUESTING = " ProcessMonitor requesting shutting down..."
+DELAY = 1.5
+
+
+@pytest.fixture
+def game(site):
+    """Starts games under names of their own; all end with the test."""
+    started = []
+
+    def start(name):
+        program = site.folder / name
+        if not program.exists():
+            shutil.copy(GAME, program)
+        running = Program(program, "--stay-alive", "900000", "--crash", "none", "--quiet")
+        started.append(running)
+        return running
+
+    yield start
+    for running in started:
+        running.kill()
+
+
+@pytest.fixture
+def watching(site):
+    """Starts an agent that watches these names."""
+    def start(names, *arguments):
+        site.configuration["ProcessMonitor"] = {"TimeBetweenChecks": 50, "ShutdownDelay": int(DELAY * 1000),
+                                                "WatchedApplications": names}
+        return site.start(*arguments)
+    return start
+
+
+def said(agent):
+    return [line.split("\t")[1] for line in agent.stdout.decode().splitlines()
+            if line.endswith((CLOSED, REAPPEARED, REQUESTING))]
+
+
+@pytest.mark.parametrize("program, names, arguments", [
+    ("The Game.exe", ["The Game.exe"], []),
+    ("MyGame.exe", ["no such.exe", "game.EXE"], []),  # an ending, in another case
+    ("Spiel für 太郎.exe", ["SPIEL FÜR 太郎.exe"], []),
+    ("ByArgument.exe", [], ["-PROCESS=ByArgument.exe"]),
+    ("Twice.exe", ["Other.exe"], ["-process=Twice.exe", "-process=Twice.exe"]),
+], ids=["whole", "ending", "letters", "argument", "twice"])
+def test_the_agent_ends_a_delay_after_the_game(game, watching, program, names, arguments):
+    running = game(program)
+    with watching(names, *arguments) as agent:
+        agent.wait_for(" is watching folder ")
+        time.sleep(0.5)
+        assert agent.running and said(agent) == []
+        running.kill()
+        ended = time.monotonic()
+        assert agent.wait() == 0
+        assert time.monotonic() - ended >= DELAY
+    assert said(agent) == [CLOSED, REQUESTING]
+
+
+def test_a_game_that_comes_back_within_the_delay_keeps_the_agent(game, watching):
+    running = game("Game.exe")
+    with watching(["Game.exe"]) as agent:
+        agent.wait_for(" is watching folder ")
+        running.kill()
+        agent.wait_for(CLOSED)
+        running = game("Game.exe")
+        agent.wait_for(REAPPEARED)
+        running.kill()
+        assert agent.wait() == 0
+    assert said(agent) == [CLOSED, REAPPEARED, CLOSED, REQUESTING]
+
+
+def test_the_last_of_several_games_counts(game, watching):
+    first, second = game("First.exe"), game("Second.exe")
+    with watching(["First.exe", "Second.exe"]) as agent:
+        agent.wait_for(" is watching folder ")
+        first.kill()
+        time.sleep(DELAY + 0.5)
+        assert agent.running and said(agent) == []
+        second.kill()
+        assert agent.wait() == 0
+
+
+@pytest.mark.parametrize("names", [[], ["no such program.exe"]])
+def test_with_nothing_to_wait_for_the_agent_ends_by_itself(watching, names):
+    start = time.monotonic()
+    with watching(names) as agent:
+        assert agent.wait() == 0
+    assert time.monotonic() - start >= DELAY
+    assert said(agent) == [CLOSED, REQUESTING]

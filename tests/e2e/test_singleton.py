@@ -1,0 +1,84 @@
+"""A second copy of the agent stops itself, and never the first."""
+import shutil
+
+import pytest
+
+from agent import EXECUTABLE, GAME
+from submissions import write_small
+from wine import Program, wait_until, windows_path
+
+STOPS = " Process already running requesting shutdown..."
+
+
+@pytest.fixture
+def copies(site):
+    """Starts copies of the agent from folders and under names of their own; all end with the test."""
+    started = []
+    site.configuration["Application"]["Processes"]["SingletonAssurance"] = ["Singleton"]
+    game = Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet")  # no agent ends because of it
+
+    def start(folder, name="MorvaneCrashReporter.exe", by_name=False):
+        program = site.folder / folder / name
+        if not program.exists():
+            program.parent.mkdir(exist_ok=True)
+            shutil.copy(EXECUTABLE, program)
+        command = ["cmd.exe", "/c", name] if by_name else [program]
+        agent = Program(*command, f"-config={windows_path(site.write_configuration())}",
+                        f"-appFolder={windows_path(site.folder / 'app')}", cwd=program.parent)
+        started.append(agent)
+        return agent
+
+    yield start
+    for program in (*started, game):
+        program.kill()
+
+
+def runs(agent):
+    agent.wait_for(" Watcher \"PackageWatcher\" is watching folder")
+    return agent
+
+
+def assert_undisturbed(agent, site):
+    """It is there and works."""
+    write_small(site.dumps, "after")
+    site.wait_all_sent()
+    assert agent.running and STOPS not in agent.text
+
+
+@pytest.mark.parametrize("second", ["first", "second"])
+def test_a_later_copy_stops_itself(site, copies, second):
+    first = runs(copies("first"))
+    later = copies(second)
+    assert later.wait(20) == 0
+    assert later.text.count(STOPS) == 1
+    assert_undisturbed(first, site)
+
+
+def test_copies_started_at_once_leave_one(site, copies):
+    agents = [copies(folder) for folder in ("a", "b", "c")]
+    wait_until(lambda: sum(agent.running for agent in agents) == 1, 20, "one of three copies left")
+    (left,) = [agent for agent in agents if agent.running]
+    assert all(agent.wait() == 0 and STOPS in agent.text for agent in agents if agent is not left)
+    assert_undisturbed(left, site)
+
+
+def test_another_name_is_another_program(site, copies):
+    first = runs(copies("first"))
+    other = runs(copies("other", "Reporter of another game.exe"))
+    assert_undisturbed(first, site)
+    assert other.running and STOPS not in other.text
+
+
+def test_a_name_that_ends_alike_counts(site, copies):
+    longer = runs(copies("longer", "MyMorvaneCrashReporter.exe"))
+    assert copies("shorter", "MORVANECrashReporter.exe").wait(20) == 0
+    assert_undisturbed(longer, site)
+
+
+def test_started_by_its_bare_name(site, copies):
+    """Then argv[0] has no folder."""
+    first = runs(copies("first"))
+    later = copies("second", by_name=True)
+    assert later.wait(20) == 0
+    assert STOPS in later.text
+    assert_undisturbed(first, site)
