@@ -5,19 +5,23 @@ through the X server, as those of a person do.
 """
 import json
 import os
+import shutil
 import subprocess
 from dataclasses import dataclass
+from pathlib import Path
 
 import wine
 
 READER = wine.BIN / "WindowReader.exe"
 WIDTH, HEIGHT = 1280, 1024
+FONTS = Path("/usr/share/wine/fonts")
+# Windows lends the dialogs' font the characters of SimSun, among others. Wine wants the file's name to be right too.
+ASIAN_FONT = Path("/usr/share/fonts/truetype/wqy/wqy-microhei.ttc")
+ASIAN_FONT_FILE = "simsun.ttc"
 SETTINGS = [
-    (r"HKCU\Software\Wine\Explorer", "Desktop", "REG_SZ", "Default"),
-    (r"HKCU\Software\Wine\Explorer\Desktops", "Default", "REG_SZ", f"{WIDTH}x{HEIGHT}"),
-    # Windows has characters of every language in its dialogs' font; here another font lends them.
-    (r"HKLM\Software\Microsoft\Windows NT\CurrentVersion\FontLink\SystemLink", "Tahoma", "REG_MULTI_SZ",
-     r"wqy-microhei.ttc,WenQuanYi Micro Hei"),
+    (r"HKCU\Software\Wine\Explorer", "Desktop", "Default"),
+    (r"HKCU\Software\Wine\Explorer\Desktops", "Default", f"{WIDTH}x{HEIGHT}"),
+    (r"HKCU\Software\Wine\Fonts\Replacements", "SimSun", "WenQuanYi Micro Hei"),
 ]
 
 
@@ -58,9 +62,10 @@ class Display:
         self.pictures.mkdir(parents=True, exist_ok=True)
         self.name, self._server = start_server()
         wine.make_prefix(self.variables())
-        for key, value, kind, data in SETTINGS:
-            self._wine("reg.exe", "add", key, "/v", value, "/t", kind, "/d", data, "/f")
-        # The desktop reads its settings when it starts.
+        for key, value, data in SETTINGS:
+            self._wine("reg.exe", "add", key, "/v", value, "/d", data, "/f")
+        self._install_fonts()
+        # The desktop reads its settings, and the fonts, when it starts.
         wine.stop_prefix(self.variables())
         subprocess.run(["wineserver", "--wait"], env=self.variables(), check=True)
         subprocess.run(["wineserver", "--persistent"], env=self.variables(), check=True)
@@ -78,6 +83,12 @@ class Display:
     def variables(self, language="C"):
         """For a program on this display. The language is one of the machine's, such as de_DE."""
         return {**os.environ, "WINEPREFIX": str(self._prefix), "DISPLAY": self.name, "LC_ALL": f"{language}.UTF-8"}
+
+    def _install_fonts(self):
+        folder = self._prefix / "drive_c" / "windows" / "Fonts"
+        for font in FONTS.glob("*.ttf"):
+            shutil.copy(font, folder)
+        shutil.copy(ASIAN_FONT, folder / ASIAN_FONT_FILE)
 
     def _wine(self, *command, **options):
         return subprocess.run([wine.ROOT / "scripts" / "run-wine.sh", *command], env=self.variables(), check=True,
@@ -131,7 +142,7 @@ class Display:
         self._x("xdotool", "key", "--clearmodifiers", *keys)
 
     def click(self, place):
-        self._x("xdotool", "mousemove", "--sync", str(place[0]), str(place[1]), "click", "1")
+        self._x("xdotool", "mousemove", str(place[0]), str(place[1]), "click", "1")
 
 
 def start_server():

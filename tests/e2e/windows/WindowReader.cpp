@@ -60,8 +60,8 @@ std::string Described(HWND window) {
 void PrintWindow(HWND window) {
     DWORD process = 0;
     GetWindowThreadProcessId(window, &process);
-    const HWND focus = FocusIn(window);
-    std::printf("%s, %s%s\"focus\": %d, \"controls\": [", Described(window).c_str(),
+    HWND focus = FocusIn(window);
+    std::printf(R"(%s, %s%s"focus": %d, "controls": [)", Described(window).c_str(),
                 Field("process", process).c_str(),
                 Field("foreground", GetForegroundWindow() == window).c_str(),
                 focus && IsChild(window, focus) ? GetDlgCtrlID(focus) : 0);

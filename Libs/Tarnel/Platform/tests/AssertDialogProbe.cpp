@@ -10,6 +10,11 @@
 //     --other-thread     while the dialog is up, fail a check on another thread too
 //     --same-thread      while the dialog is up, fail a check in its own message loop too
 //     --under-debugger   run as the debuggee of a second copy
+//
+//   AssertDialogProbe --nameless PROGRAM [ARGUMENT...]
+//
+// runs another program as its debuggee, with an empty text where a command line has the program's name. That
+// makes the agent fail a check.
 #include <cstdio>
 #include <cstdlib>
 #include <string>
@@ -20,6 +25,7 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
 #include "Libs/Tarnel/Platform/tests/DebugLoop.h"
 
 namespace {
@@ -79,6 +85,18 @@ std::wstring DebuggeeCommandLine() {
     return commandLine;
 }
 
+int RunNameless(int count, char** arguments) {
+    std::wstring program;
+    std::wstring commandLine = L"\"\"";
+    bool isText = Platform::Utf8ToWide(arguments[0], program) == Platform::EncodingOutcome::Done;
+    for (int i = 1; i < count; ++i) {
+        std::wstring argument;
+        isText &= Platform::Utf8ToWide(arguments[i], argument) == Platform::EncodingOutcome::Done;
+        commandLine += L" \"" + argument + L"\"";
+    }
+    return isText ? RunUnderDebugger(program.c_str(), commandLine) : -1;
+}
+
 int Answer(const char* sourceUnit, int line, const char* expression, const char* message) {
     std::printf("probe: handler %s:%d %s: %s\n", sourceUnit, line, expression, message);
     std::fflush(stdout);
@@ -116,12 +134,15 @@ void FailCheck(const Options& options) {
 } // namespace
 
 int main(int count, char** arguments) {
+    if (count > 2 && std::string_view(arguments[1]) == "--nameless") {
+        return RunNameless(count - 2, arguments + 2);
+    }
     Options options;
     if (!Parse(count, arguments, options)) {
         return 64;
     }
     if (options.underDebugger) {
-        return RunUnderDebugger(DebuggeeCommandLine());
+        return RunUnderDebugger(nullptr, DebuggeeCommandLine());
     }
     Platform::AssertState& state = *EXP_GetAssertState();
     state.showDialogs = 1;

@@ -70,12 +70,12 @@ private:
 
 } // namespace
 
-int RunUnderDebugger(std::wstring commandLine) {
+int RunUnderDebugger(const wchar_t* application, std::wstring commandLine) {
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(nullptr, commandLine.data(), nullptr, nullptr, TRUE, DEBUG_ONLY_THIS_PROCESS, nullptr,
-                        nullptr, &startup, &process)) {
+    if (!CreateProcessW(application, commandLine.data(), nullptr, nullptr, TRUE, DEBUG_ONLY_THIS_PROCESS,
+                        nullptr, nullptr, &startup, &process)) {
         std::printf("debugger: can't start, error %lu\n", GetLastError());
         return -1;
     }
