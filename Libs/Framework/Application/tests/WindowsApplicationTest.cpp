@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/tests/TestSupport.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
 
 namespace {
@@ -14,6 +13,16 @@ const char* g_arguments[] = {"agent.exe", "-console=1"}; // no console: the flag
 
 std::shared_ptr<WindowsApplication> MakeApplication() {
     return std::make_shared<WindowsApplication>(2, g_arguments);
+}
+
+// With the pump as its only process.
+ResultCode InitializeAlone(WindowsApplication& application, const TestSupport::ScratchFolder& scratch) {
+    RegisterApplicationDisplayName("WindowsApplicationTest");
+    const std::string config = "-config=" + scratch.MakeFile("agent.json", R"({"Application": {
+        "Processes": {}, "Components": [], "ApplicationFolder": ""}})");
+    const std::string folder = "-appFolder=" + scratch.Path();
+    const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
+    return application.Initialize(3, argv);
 }
 
 TEST(WindowsApplication, PassesWholeLinesOnWhileItLives) {
@@ -46,40 +55,24 @@ TEST(WindowsApplication, EntriesOfManyThreadsStayWhole) {
     EXPECT_EQ(log.Infos(), std::vector<std::string>(400, " " + std::string(500, 'x') + "\r\n"));
 }
 
-int g_failedChecks = 0;
-int CountFailedCheck(const char*, int, const char* expression, const char*) {
-    g_failedChecks += std::string(expression) == "s_this == nullptr";
-    return Platform::AssertAnswer_IgnoreOnce;
-}
-
 TEST(WindowsApplication, ThereIsOneAtATime) {
     const TestSupport::LogCapture log;
-    Platform::AssertState& state = *EXP_GetAssertState();
-    const auto saved = std::pair(state.handlers[0], state.showDialogs);
-    state.handlers[0] = &CountFailedCheck;
-    state.showDialogs = 1;
+    const AssertCapture assertions;
     {
         const auto first = MakeApplication();
         MakeApplication();
-        EXPECT_EQ(g_failedChecks, 1);
         PLATFORM_LOG(Platform::InfoLog, " still here");
     }
     MakeApplication();
-    EXPECT_EQ(g_failedChecks, 1);
+    EXPECT_EQ(assertions.Texts(), std::vector<std::string>{"s_this == nullptr|"});
     EXPECT_TRUE(log.Contains(Platform::InfoLog, " still here\r\n"));
-    std::tie(state.handlers[0], state.showDialogs) = saved;
 }
 
 TEST(WindowsApplication, RunsItsPumpAloneUntilToldToStop) {
-    RegisterApplicationDisplayName("WindowsApplicationTest");
     const TestSupport::LogCapture log;
     const TestSupport::ScratchFolder scratch;
-    const std::string config = "-config=" + scratch.MakeFile("agent.json", R"({"Application": {
-        "Processes": {}, "Components": [], "ApplicationFolder": ""}})");
-    const std::string folder = "-appFolder=" + scratch.Path();
-    const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
     const auto application = MakeApplication();
-    ASSERT_TRUE(application->Initialize(3, argv));
+    ASSERT_TRUE(InitializeAlone(*application, scratch));
     const auto pump = application->GetProcess("MessagePump");
     ASSERT_TRUE(pump);
     EXPECT_EQ(Reflection::Query<WindowsApplicationPump>(*pump), pump.get());
@@ -105,12 +98,8 @@ TEST(WindowsApplication, PermissionIsRefusedWithoutAPump) {
 TEST(WindowsApplication, PermissionIsRefusedWhenTheDialogFails) {
     const TestSupport::LogCapture log;
     const TestSupport::ScratchFolder scratch;
-    const std::string config = "-config=" + scratch.MakeFile("agent.json", R"({"Application": {
-        "Processes": {}, "Components": [], "ApplicationFolder": ""}})");
-    const std::string folder = "-appFolder=" + scratch.Path();
-    const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
     const auto application = MakeApplication();
-    ASSERT_TRUE(application->Initialize(3, argv));
+    ASSERT_TRUE(InitializeAlone(*application, scratch));
     UploadPermission answer = UploadPermission::Allowed;
     const ResultCode result = application->AskUploadPermission(answer); // this test program has no dialog
     EXPECT_STREQ(result.Text(), "Failed to show the permission dialog");
