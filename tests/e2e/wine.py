@@ -6,8 +6,8 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[2]
-BIN = Path(os.environ.get("MORVANE_BIN", ROOT / "build" / "release" / "bin"))
-SCRATCH = Path(os.environ.get("MORVANE_SCRATCH", ROOT / "build" / "e2e"))
+BIN = Path(os.environ.get("MORVANE_BIN", ROOT / "build" / "release" / "bin")).resolve()
+SCRATCH = Path(os.environ.get("MORVANE_SCRATCH", ROOT / "build" / "e2e")).resolve()
 TEMPLATE = ROOT / "build" / "wine"
 PREFIX = SCRATCH / "wine"
 
