@@ -20,7 +20,7 @@ using rapidjson::SizeType;
 bool IsAscii(std::string_view text) {
     uint64_t bits = 0;
     while (text.size() >= sizeof(bits)) {
-        uint64_t eight;
+        uint64_t eight = 0;
         std::memcpy(&eight, text.data(), sizeof(eight));
         bits |= eight;
         text.remove_prefix(sizeof(eight));

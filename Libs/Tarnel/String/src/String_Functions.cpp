@@ -11,7 +11,7 @@ bool IsNullOrEmpty(const char* text) {
 }
 
 int FormatText(char* szBuffer, std::size_t uiSize, const char* szFormat, ...) {
-    va_list arguments;
+    va_list arguments = {};
     va_start(arguments, szFormat);
     const int length = FormatList(szBuffer, uiSize, szFormat, arguments);
     va_end(arguments);

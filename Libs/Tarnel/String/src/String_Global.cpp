@@ -27,8 +27,8 @@ Global::Global(const char* text) {
 
 Global FormatGlobal(const char* szFormat, ...) {
     char onStack[1024];
-    va_list arguments;
-    va_list again;
+    va_list arguments = {};
+    va_list again = {};
     va_start(arguments, szFormat);
     va_copy(again, arguments);
     const int needed = FormatList(onStack, sizeof(onStack), szFormat, arguments);

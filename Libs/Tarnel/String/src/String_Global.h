@@ -1,6 +1,5 @@
 #pragma once
 
-#include <compare>
 #include <cstdint>
 #include <string_view>
 
@@ -25,7 +24,8 @@ public:
     static constexpr GlobalID FromValue(uint32_t value) { return GlobalID(value); }
 
     constexpr uint32_t Value() const { return m_identity; }
-    constexpr auto operator<=>(const GlobalID&) const = default;
+    constexpr bool operator==(const GlobalID&) const = default;
+    constexpr bool operator<(const GlobalID& other) const { return m_identity < other.m_identity; }
 
 private:
     constexpr explicit GlobalID(uint32_t identity) : m_identity(identity) {}
