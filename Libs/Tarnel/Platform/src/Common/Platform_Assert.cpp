@@ -1,6 +1,7 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
 #include <cstdarg>
+#include <cstddef>
 #include <cstdio>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertReport.h"
@@ -11,6 +12,12 @@ namespace Platform {
 namespace {
 
 constexpr char ReportSeparator[] = "\n----------------------------------------------------------\n";
+
+// Modules built elsewhere rely on these places; docs/assertions.md has them all.
+static_assert(offsetof(AssertState, size) == 64 && offsetof(AssertState, handlers) == 96 &&
+              offsetof(AssertState, report) == 120 && sizeof(AssertState) == 120 + AssertReportSize);
+static_assert(offsetof(BugState, lastKind) == 12 && offsetof(BugState, lastExpression) == 280 &&
+              sizeof(BugState) == 792);
 
 // Zero-filled and never destroyed: checks fail in static constructors and destructors too.
 constinit AssertState g_assertState = {};

@@ -1,0 +1,12 @@
+#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+
+// Part of builds with MORVANE_ASSERT_DIALOGS alone: whoever runs the agent is asked about failed checks.
+namespace {
+
+struct AssertDialogs {
+    AssertDialogs() { EXP_GetAssertState()->showDialogs = 1; }
+};
+
+const AssertDialogs g_assertDialogs;
+
+} // namespace
