@@ -10,21 +10,22 @@ ResultCode AreaScan::SetFolder(std::string folder) {
     return m_path.Set(m_folder);
 }
 
-ResultCode AreaScan::Run(uint64_t now) {
+ResultCode AreaScan::Run(const MeasuredFolder::Clock& clock) {
     m_recordCount = 0;
-    const ResultCode listed = ListSubFolders(now);
-    MeasureAll(now);
+    const ResultCode listed = ListSubFolders(clock);
+    MeasureAll(clock);
     QuotaDecision::SortByAge(GetRecords());
     return listed;
 }
 
-ResultCode AreaScan::ListSubFolders(uint64_t now) {
+ResultCode AreaScan::ListSubFolders(const MeasuredFolder::Clock& clock) {
     PlatformHelpers::KnownPath::Status area;
     const bool isThere = m_path.Query(area);
     if (isThere && m_stamp.Holds(area.lastWriteTime)) {
         return Platform::Success;
     }
     m_stamp.Clear();
+    const uint64_t now = clock();
     const ResultCode result = ListAnew();
     if (result && isThere && m_timesTellOfEntries) {
         m_stamp.Set(area.lastWriteTime, now);
@@ -55,10 +56,10 @@ ResultCode AreaScan::Meet(const std::string& name, bool isLink) {
     return Platform::Success;
 }
 
-void AreaScan::MeasureAll(uint64_t now) {
+void AreaScan::MeasureAll(const MeasuredFolder::Clock& clock) {
     m_records.resize(m_subFolders.size());
     for (auto& [name, known] : m_subFolders) {
-        if (known.folder.Measure(now, m_timesTellOfEntries, m_records[m_recordCount])) {
+        if (known.folder.Measure(clock, m_timesTellOfEntries, m_records[m_recordCount])) {
             ++m_recordCount;
         }
     }

@@ -24,8 +24,8 @@ public:
     ResultCode SetFolder(std::string folder);
     const std::string& GetFolder() const { return m_folder; }
 
-    // Measures; now is the system's time as a file time. Also a failed pass leaves the records it came to.
-    ResultCode Run(uint64_t now);
+    // Measures. Also a failed pass leaves the records it came to.
+    ResultCode Run(const MeasuredFolder::Clock& clock);
 
     // Youngest first, until the next pass.
     std::span<QuotaDecision::FolderRecord> GetRecords() { return std::span(m_records).first(m_recordCount); }
@@ -39,10 +39,10 @@ private:
         using is_transparent = void; // look-ups by view make no string
     };
 
-    ResultCode ListSubFolders(uint64_t now);
+    ResultCode ListSubFolders(const MeasuredFolder::Clock& clock);
     ResultCode ListAnew();
     ResultCode Meet(const std::string& name, bool isLink);
-    void MeasureAll(uint64_t now);
+    void MeasureAll(const MeasuredFolder::Clock& clock);
 
     std::string m_folder;
     PlatformHelpers::KnownPath m_path;

@@ -14,9 +14,10 @@ Reflection_DefinePolymorphicType(DiskQuota);
 
 namespace {
 
+// The precise one: the other moves in steps of up to 16 ms and can be behind a folder's creation.
 uint64_t SystemTime() {
     FILETIME time = {};
-    GetSystemTimeAsFileTime(&time);
+    GetSystemTimePreciseAsFileTime(&time);
     return uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
 }
 
@@ -83,7 +84,7 @@ void DiskQuota::Pass() {
 }
 
 void DiskQuota::Scan(AreaScan& area) {
-    if (const ResultCode result = ExceptionToResult([&] { return area.Run(SystemTime()); }); !result) {
+    if (const ResultCode result = ExceptionToResult([&] { return area.Run(SystemTime); }); !result) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to scan folder %s. Error=%s", area.GetFolder().c_str(),
                      result.Text());
     }

@@ -16,11 +16,15 @@ ResultCode MeasuredFolder::SetPath(std::string path) {
     return m_folder.Set(m_path);
 }
 
-bool MeasuredFolder::Measure(uint64_t now, bool timesTellOfEntries, QuotaDecision::FolderRecord& record) {
+bool MeasuredFolder::Measure(const Clock& clock, bool timesTellOfEntries,
+                             QuotaDecision::FolderRecord& record) {
     PlatformHelpers::KnownPath::Status folder;
+    if (!m_folder.Query(folder)) {
+        return false;
+    }
+    const uint64_t now = clock();
     uint64_t size = 0;
-    if (!m_folder.Query(folder) ||
-        !(m_isLink || AddUpFiles(folder.lastWriteTime, now, timesTellOfEntries, size))) {
+    if (!m_isLink && !AddUpFiles(folder.lastWriteTime, now, timesTellOfEntries, size)) {
         return false;
     }
     record.age = QuotaDecision::AgeInSeconds(now, folder.creationTime);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -20,8 +21,12 @@ public:
     // A link is never followed: it has no files, whatever it points to.
     void SetLink(bool isLink) { m_isLink = isLink; }
 
-    // False when the folder has gone or can't be read. now is a file time.
-    bool Measure(uint64_t now, bool timesTellOfEntries, QuotaDecision::FolderRecord& record);
+    // The system's time as a file time. Asked for each folder, after the folder's own: against an earlier one
+    // a folder that was made since would come from the future, and be enormously old.
+    using Clock = std::function<uint64_t()>;
+
+    // False when the folder has gone or can't be read.
+    bool Measure(const Clock& clock, bool timesTellOfEntries, QuotaDecision::FolderRecord& record);
 
 private:
     static constexpr std::size_t MostRemembered = 8;

@@ -3,6 +3,8 @@
 #include <windows.h>
 
 #include <algorithm>
+#include <atomic>
+#include <thread>
 
 #include "Libs/Processes/Core/tests/ProcessFixture.h"
 
@@ -14,12 +16,15 @@ class AreaScanTest : public ProcessFixture {
 protected:
     AreaScanTest() { EXPECT_TRUE(m_scan.SetFolder(m_scratch.Path())); }
 
+    static uint64_t Now() {
+        FILETIME now = {};
+        GetSystemTimePreciseAsFileTime(&now);
+        return uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime;
+    }
+
     // One pass as if it took place so much later: what was just written then counts as settled.
     void Pass(uint64_t secondsAhead = 0) {
-        FILETIME now = {};
-        GetSystemTimeAsFileTime(&now);
-        EXPECT_TRUE(
-            m_scan.Run((uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime) + secondsAhead * Second));
+        EXPECT_TRUE(m_scan.Run([=] { return Now() + secondsAhead * Second; }));
     }
 
     void Rename(const std::string& from, const std::string& to) const {
@@ -100,13 +105,13 @@ TEST_F(AreaScanTest, AnAreaThatVanishesLeavesNothing) {
     m_scratch.MakeFile("area/a/x", "1");
     AreaScan scan;
     ASSERT_TRUE(scan.SetFolder(m_scratch.PathOf("area") + "\\"));
-    ASSERT_TRUE(scan.Run(0));
+    ASSERT_TRUE(scan.Run(Now));
     EXPECT_EQ(scan.GetRecords().size(), 1U);
     ASSERT_TRUE(PlatformHelpers::RemoveFolder(m_scratch.PathOf("area")));
-    EXPECT_STREQ(scan.Run(0).Text(), "Failed to enumerate files");
+    EXPECT_STREQ(scan.Run(Now).Text(), "Failed to enumerate files");
     EXPECT_TRUE(scan.GetRecords().empty());
     m_scratch.MakeFile("area/b/x", "12");
-    ASSERT_TRUE(scan.Run(0));
+    ASSERT_TRUE(scan.Run(Now));
     EXPECT_EQ(scan.GetRecords().size(), 1U);
 }
 
@@ -116,8 +121,28 @@ TEST_F(AreaScanTest, AgesComeFromTheFoldersCreation) {
     ASSERT_EQ(m_scan.GetRecords().size(), 1U);
     EXPECT_GE(m_scan.GetRecords()[0].age, 100U);
     EXPECT_LE(m_scan.GetRecords()[0].age, 130U);
-    ASSERT_TRUE(m_scan.Run(1)); // long before it was created
+    ASSERT_TRUE(m_scan.Run([] { return uint64_t{1}; })); // long before it was created
     EXPECT_GT(m_scan.GetRecords()[0].age, UINT32_MAX);
+}
+
+// Taken for one of the future it would be removed while the game still writes it.
+TEST_F(AreaScanTest, AFolderThatIsMadeDuringAPassIsYoung) {
+    std::atomic<bool> isDone = false;
+    std::thread game([&] {
+        for (int i = 0; i < 200; ++i) {
+            m_scratch.MakeFile(std::to_string(i) + "/game.log", "x");
+        }
+        isDone = true;
+    });
+    uint64_t oldest = 0;
+    while (!isDone) {
+        Pass();
+        for (const auto& record : m_scan.GetRecords()) {
+            oldest = std::max(oldest, record.age);
+        }
+    }
+    game.join();
+    EXPECT_LT(oldest, 1000U);
 }
 
 } // namespace

@@ -1,0 +1,181 @@
+"""A whole day of a game in fast motion, with every process of the agent as docs/ recommends them."""
+import json
+import os
+import shutil
+import time
+
+import pytest
+
+from agent import EXECUTABLE, GAME
+from package_reader import read_package
+from permission_texts import TEXTS, TITLE
+from store.client import ACCESS_KEY, SECRET_KEY
+from wine import ROOT, Program, wait_until, windows_path
+
+RECOMMENDED = ROOT / "docs" / "recommended-configuration.json"
+PROMPT = TEXTS[0x0409][TITLE]
+SETTLED = 1.5  # seconds after which the prompt takes an answer
+GRACE_TIME = 60
+YES, NO = "Return", "Escape"
+
+
+class Day:
+    """One machine with the game and the agent beside it, and one story of all that the agents said."""
+
+    def __init__(self, folder, display, store, bucket):
+        self.folder, self._display = folder, display
+        self.app = folder / "My Game"
+        self.dumps = self.app / "dumps"
+        self.story = []
+        shutil.copy(GAME, folder / "MyGame.exe")
+        self._configuration = folder / "agent.json"
+        self._configuration.write_text(json.dumps(in_fast_motion(store, bucket)), encoding="utf-8")
+
+    @property
+    def packaged(self):
+        """Quota and packager write its name each in their own way."""
+        (folder,) = [path for path in self.app.iterdir() if path.name.lower() == "packageddumps"]
+        return folder
+
+    def start_game(self, *arguments):
+        return Program(self.folder / "MyGame.exe", "--quiet", "--dumps", windows_path(self.dumps), *arguments,
+                       variables=self._display.variables())
+
+    def play(self):
+        """The game, until it is killed."""
+        return self.start_game("--stay-alive", "900000", "--crash", "none")
+
+    def crash(self, name, *arguments):
+        self.start_game("--name", name, *arguments).wait()
+
+    def start_agent(self):
+        return Program(EXECUTABLE, f"-config={windows_path(self._configuration)}",
+                       f"-appFolder={windows_path(self.app)}", variables=self._display.variables())
+
+    def answer(self, key):
+        self._display.wait_for_window(PROMPT)
+        time.sleep(SETTLED)
+        self._display.press(key)
+        self._display.wait_for_no_window(PROMPT)
+
+    def end(self, title, agent):
+        """Waits for the agent's end and adds what it said to the story; its failures follow their second's lines."""
+        assert agent.wait() == 0
+        lines = agent.stdout.decode().splitlines() + agent.stderr.decode().splitlines()
+        self.story += [f"== {title}", *sorted(lines, key=lambda line: line[:21])]
+
+    def tell(self):
+        """Keeps the story beside the day's folders."""
+        story = "\n".join(self.story).replace(windows_path(self.folder), "")
+        (self.folder / "story.log").write_text(story + "\n", encoding="utf-8")
+        print("\n" + story)
+
+
+def in_fast_motion(store, bucket):
+    """The recommended configuration, with the test's store and a day's times in seconds."""
+    configuration = json.loads(RECOMMENDED.read_text(encoding="utf-8"))
+    for section in configuration.values():
+        if "TimeBetweenChecks" in section:
+            section["TimeBetweenChecks"] //= 20
+    configuration["ProcessMonitor"].update({"TimeBetweenChecks": 100, "ShutdownDelay": 1500})
+    configuration["DiskQuota"].update({"InvalidGraceTime": GRACE_TIME, "PackagedQuota": 1 << 20})
+    configuration["Uploader"].update({"BucketName": bucket, "AccessKey": ACCESS_KEY, "SecretKey": SECRET_KEY,
+                                      "EndpointOverride": store.endpoint, "UseVirtualAddressing": False})
+    return configuration
+
+
+def morning(day):
+    """A crash that the player reports, a restart of game and agent, and another crash."""
+    game, agent = day.play(), day.start_agent()
+    agent.wait_for(" running application processes...")
+    day.crash("crash-1")
+    day.answer(YES)
+    agent.wait_for("crash-1\" in ")
+    game.kill()
+    agent.wait_for(" All monitored processes have closed")
+    game, second = day.play(), day.start_agent()
+    day.end("Morning, the second agent", second)
+    agent.wait_for(" A monitored processes has reappeared")
+    day.crash("crash-2")
+    agent.wait_for("crash-2\" in ")
+    game.kill()
+    day.end("Morning", agent)
+
+
+def afternoon(day, store):
+    """The store is down, and an old package makes the room short."""
+    old = day.packaged / "last month"
+    old.mkdir()
+    (old / "submission.pkg").write_bytes(os.urandom(1 << 20))
+    (old / "submission.pkg").chmod(0o444)
+    a_month_ago = time.time() - 30 * 86400
+    os.utime(old, (a_month_ago, a_month_ago))
+    store.set_faults({"kind": "status", "status": 503, "code": "SlowDown", "times": 1000})
+    game, agent = day.play(), day.start_agent()
+    day.answer(YES)  # it begins with the old one
+    for name in ("crash-3", "crash-4"):
+        day.crash(name)
+        agent.wait_for(f"{name}. Error=")
+    wait_until(lambda: not old.exists(), 20, "the old package gone")
+    game.kill()
+    day.end("Afternoon", agent)
+    assert sorted(path.name for path in day.packaged.iterdir()) == ["crash-3", "crash-4"]
+
+
+def evening(day, store):
+    """The store is back, and a crash has broken off half-written."""
+    store.reset()
+    game, agent = day.play(), day.start_agent()
+    day.answer(YES)
+    for name in ("crash-3", "crash-4"):
+        agent.wait_for(f"{name}\" in ")
+    day.crash("broken", "--fail-in-handler")
+    an_hour_ago = time.time() - 3600
+    os.utime(day.dumps / "broken", (an_hour_ago, an_hour_ago))
+    agent.wait_for(" Removed aging invalid dump folder")
+    game.kill()
+    day.end("Evening", agent)
+
+
+def night(day):
+    """The player refuses."""
+    game, agent = day.play(), day.start_agent()
+    agent.wait_for(" running application processes...")
+    day.crash("crash-5")
+    day.answer(NO)
+    wait_until(lambda: not any(day.packaged.iterdir()), 20, "the refused package deleted")
+    game.kill()
+    day.end("Night", agent)
+
+
+def assert_told_in_order(story, lines):
+    position = 0
+    for line in lines:
+        found = story.find(line, position)
+        assert found >= 0, f"{line!r} is not where the story has it"
+        position = found
+
+
+@pytest.mark.limit(180)
+def test_a_day(scratch, display, store, bucket):
+    day = Day(scratch, display, store, bucket)
+    try:
+        morning(day)
+        afternoon(day, store)
+        evening(day, store)
+        night(day)
+    finally:
+        day.tell()
+
+    sent = [read_package(store.get(bucket, key)).header["InstanceKey"] for key in store.keys(bucket)]
+    assert sorted(sent) == ["crash-1", "crash-2", "crash-3", "crash-4"]
+    assert sorted(path.name.lower() for path in day.app.iterdir()) == ["dumps", "packageddumps", "packagetemp"]
+    assert not [path for folder in day.app.iterdir() for path in folder.iterdir()], "something is left behind"
+    assert_told_in_order("\n".join(day.story), [
+        "== Morning, the second agent", " Process already running requesting shutdown...",
+        "== Morning\n", "crash-1 to pending folder list", "crash-1\" in ", " All monitored processes have closed",
+        " A monitored processes has reappeared", "crash-2\" in ", " ProcessMonitor requesting shutting down...",
+        "== Afternoon", "crash-3. Error=", "crash-4. Error=", "== Evening", " Removed aging invalid dump folder", "broken",
+        "== Night", "crash-5 to pending folder list", " ProcessMonitor requesting shutting down..."])
+    failures = [line for line in day.story if "Error=" in line]
+    assert len(failures) == 3 and all(" Failed to upload package in folder" in line for line in failures)
