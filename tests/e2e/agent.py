@@ -86,7 +86,8 @@ class AgentBesideGame:
     """An agent with a game that runs on; quit() ends the game, upon which the agent ends by itself."""
 
     def __init__(self, site, arguments, options):
-        self.game = Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet")
+        self.game = Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet",
+                            variables=options.get("variables"))  # the agent looks for it among its own
         self.agent = site.start(*arguments, **options)
 
     def __enter__(self):

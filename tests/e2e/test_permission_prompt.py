@@ -1,0 +1,214 @@
+"""The question to the player, on a real desktop: read as a person reads it, answered with real keys and clicks."""
+import time
+from contextlib import contextmanager
+
+import pytest
+
+from display import HEIGHT, WIDTH
+from permission_texts import MESSAGE, NO, TEXTS, TITLE, YES
+from submissions import write_small
+from wine import Program, wait_until
+
+MESSAGE_CONTROL, YES_BUTTON, NO_BUTTON = 102, 6, 2
+ENGLISH = TEXTS[0x0409][TITLE]
+TOPMOST, IN_TASKBAR = 0x8, 0x40000
+SETTLED = 1.2  # seconds after which an answer counts
+# Locales of this machine and the language that the player is to see.
+LOCALES = {"de_DE": 0x0407, "en_US": 0x0409, "es_ES": 0x040a, "fr_FR": 0x040c, "it_IT": 0x0410, "ja_JP": 0x0411,
+           "ko_KR": 0x0412, "pl_PL": 0x0415, "pt_BR": 0x0416, "ru_RU": 0x0419, "zh_CN": 0x0804, "zh_TW": 0x7c04}
+RELATED_LOCALES = {"de_AT": 0x0407, "pt_PT": 0x0416, "zh_HK": 0x7c04, "nl_NL": 0x0409}
+
+pytestmark = pytest.mark.limit(120)
+
+
+@contextmanager
+def prompted(site, display, language="en_US", variables=None):
+    """An agent that found one submission, and goes on running after the answer."""
+    site.configuration["Uploader"]["AskPermission"] = True
+    write_small(site.dumps, "one")
+    with site.start_with_game(variables={**display.variables(language), **(variables or {})}) as agent:
+        yield agent
+
+
+def settled_prompt(display, title=ENGLISH):
+    """The prompt, with the keyboard, once it takes answers."""
+    window = display.wait_for_window(title)
+    time.sleep(SETTLED)
+    return window
+
+
+def wait_all_gone(site):
+    wait_until(lambda: not any(site.packaged.iterdir()), 20, "every package sent or deleted")
+
+
+def check_outcome(agent, store, bucket, sent):
+    assert agent.quit() == 0
+    said = agent.agent.text
+    assert len(store.keys(bucket)) == sent
+    assert said.count(" Uploaded package for submission folder") == sent
+    assert "Error=" not in said
+
+
+# What the player reads.
+
+@pytest.mark.parametrize("locale, language", LOCALES.items())
+def test_speaks_the_language_of_the_player(site, display, locale, language):
+    texts = TEXTS[language]
+    with prompted(site, display, locale):
+        window = settled_prompt(display, texts[TITLE])
+        display.picture(f"permission-{locale}", window)
+        assert window.text == texts[TITLE]
+        assert [(control.id, control.text) for control in window.controls] == [
+            (MESSAGE_CONTROL, texts[MESSAGE]), (YES_BUTTON, texts[YES]), (NO_BUTTON, texts[NO])]
+        display.press("Escape")
+        display.wait_for_no_window(texts[TITLE])
+
+
+@pytest.mark.parametrize("locale, language", RELATED_LOCALES.items())
+def test_speaks_the_nearest_language(site, display, locale, language):
+    with prompted(site, display, locale):
+        window = settled_prompt(display, TEXTS[language][TITLE])
+        assert window.control(MESSAGE_CONTROL).text == TEXTS[language][MESSAGE]
+        display.press("Escape")
+        display.wait_for_no_window(TEXTS[language][TITLE])
+
+
+def test_stands_on_top_in_the_middle_of_the_screen(site, display):
+    with prompted(site, display):
+        window = settled_prompt(display)
+        display.picture("permission-desktop")
+        assert abs(window.centre[0] - WIDTH // 2) <= 1 and abs(window.centre[1] - HEIGHT // 2) <= 1
+        assert window.extendedStyle & TOPMOST and window.extendedStyle & IN_TASKBAR
+        assert window.focus == YES_BUTTON
+        message, yes, no = window.controls
+        assert message.y + message.height <= yes.y
+        assert window.x < yes.x < yes.x + yes.width < no.x < no.x + no.width < window.x + window.width
+        display.press("Escape")
+        display.wait_for_no_window(ENGLISH)
+
+
+# What the player answers.
+
+ANSWERS = {
+    "enter": (lambda display, window: display.press("Return"), 1),
+    "space": (lambda display, window: display.press("space"), 1),
+    "yes-key": (lambda display, window: display.press("alt+y"), 1),
+    "yes-click": (lambda display, window: display.click(window.control(YES_BUTTON).centre), 1),
+    "escape": (lambda display, window: display.press("Escape"), 0),
+    "tab-enter": (lambda display, window: display.press("Tab", "Return"), 0),
+    "no-key": (lambda display, window: display.press("alt+n"), 0),
+    "no-click": (lambda display, window: display.click(window.control(NO_BUTTON).centre), 0),
+    "close-box": (lambda display, window: display.click(window.close_box), 0),
+}
+
+
+@pytest.mark.parametrize("answer", ANSWERS)
+def test_answer_decides(site, store, bucket, display, answer):
+    act, sent = ANSWERS[answer]
+    with prompted(site, display) as agent:
+        act(display, settled_prompt(display))
+        display.wait_for_no_window(ENGLISH)
+        wait_all_gone(site)
+        check_outcome(agent, store, bucket, sent)
+
+
+@pytest.mark.parametrize("key, sent", [("Return", 3), ("Escape", 0)])
+def test_asks_once_a_run(site, store, bucket, display, key, sent):
+    with prompted(site, display) as agent:
+        settled_prompt(display)
+        write_small(site.dumps, "two")
+        agent.agent.wait_for("Added " + str(site.packaged / "two").replace("/", "\\").join(["Z:", ""]))
+        assert len(display.windows(ENGLISH)) == 1
+        display.press(key)
+        wait_all_gone(site)
+        write_small(site.dumps, "three")
+        agent.agent.wait_for("Packaged folder three")
+        wait_all_gone(site)
+        assert not display.windows(ENGLISH)
+        check_outcome(agent, store, bucket, sent)
+
+
+def test_nothing_leaves_before_yes(site, store, bucket, display):
+    site.configuration["Uploader"]["EndpointOverride"] = f"http://localhost:{store.ports['http']}"
+    with prompted(site, display, variables={"WINEDEBUG": "trace+winsock"}) as agent:
+        settled_prompt(display)
+        assert "getaddrinfo" not in agent.agent.text
+        assert store.uploads() == []
+        display.press("Return")
+        wait_all_gone(site)
+        assert 'getaddrinfo' in agent.agent.text  # so a look-up would have been seen
+        assert agent.quit() == 0
+    assert len(store.keys(bucket)) == 1
+
+
+def test_without_a_dialog_the_answer_is_no(site, store, bucket):
+    site.configuration["Uploader"]["AskPermission"] = True
+    write_small(site.dumps, "one")
+    with site.start_with_game() as agent:  # without a display
+        agent.agent.wait_for("Packaged folder one")
+        wait_all_gone(site)
+        assert agent.quit() == 0
+        assert (" Failed to get user's permission to upload crash report. "
+                "Error=Failed to show the permission dialog") in agent.agent.text
+    assert store.uploads() == []
+
+
+# What was meant for the game.
+
+def test_hammering_on_the_keys_does_not_answer(site, store, bucket, display):
+    with prompted(site, display) as agent:
+        display.wait_for_window(ENGLISH)
+        deadline = time.monotonic() + 3
+        while time.monotonic() < deadline:
+            display.press("Return", "space", "y", "Escape")
+        assert display.windows(ENGLISH)
+        time.sleep(0.6)
+        display.press("Return")
+        display.wait_for_no_window(ENGLISH)
+        wait_all_gone(site)
+        check_outcome(agent, store, bucket, 1)
+
+
+@contextmanager
+def other_program(display):
+    """A window that the player types into; its text tells what arrived."""
+    with Program("notepad.exe", variables=display.variables()) as program:
+        wait_until(lambda: any(window.foreground for window in display.windows("Notepad")), 20, "the other program")
+        yield lambda: display.windows("Notepad")[0].controls[0].text
+        program.kill()
+        display.wait_for_no_window("Notepad")
+
+
+def test_the_game_keeps_the_keyboard(site, store, bucket, display):
+    with other_program(display) as typed:
+        with prompted(site, display) as agent:
+            expected = ""
+            while not display.windows(ENGLISH):
+                display.press("w", "y")
+                expected += "wy"
+            display.press("y", "n", "d")
+            time.sleep(SETTLED)
+            display.picture("permission-over-game")
+            assert typed() == expected + "ynd"
+            assert "Notepad" in next(window for window in display.windows() if window.foreground).text
+            prompt = display.windows()[0]
+            assert prompt.text == ENGLISH and prompt.extendedStyle & TOPMOST
+            display.click(prompt.control(YES_BUTTON).centre)
+            display.wait_for_no_window(ENGLISH)
+            wait_all_gone(site)
+            check_outcome(agent, store, bucket, 1)
+
+
+def test_the_player_can_go_back_to_the_game(site, store, bucket, display):
+    with other_program(display), prompted(site, display):
+        wait_until(lambda: display.windows(ENGLISH), 20, "the prompt")
+        time.sleep(SETTLED)
+        prompt = display.windows(ENGLISH)[0]
+        display.click((prompt.x + prompt.width // 2, prompt.y + 14))
+        wait_until(lambda: display.windows(ENGLISH)[0].foreground, 5, "the prompt noticed")
+        game = display.windows("Notepad")[0]
+        display.click((game.x + 40, game.y + game.height - 40))
+        wait_until(lambda: display.windows("Notepad")[0].foreground, 5, "the game again")
+        assert not display.windows(ENGLISH)[0].extendedStyle & TOPMOST
+        assert display.windows(ENGLISH)
+        assert store.uploads() == []
