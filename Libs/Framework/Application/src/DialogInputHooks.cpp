@@ -2,12 +2,14 @@
 
 #include <windows.h>
 
+#include <bit>
+
 namespace {
 
 thread_local DialogInputHooks* t_hooks = nullptr; // a hook gets no argument of its own
 
 LRESULT CALLBACK FilterMessage(int code, WPARAM wParam, LPARAM lParam) {
-    if (code == MSGF_DIALOGBOX && t_hooks && t_hooks->DropsMessage(reinterpret_cast<const MSG*>(lParam))) {
+    if (code == MSGF_DIALOGBOX && t_hooks && t_hooks->DropsMessage(std::bit_cast<const MSG*>(lParam))) {
         return TRUE;
     }
     return CallNextHookEx(nullptr, code, wParam, lParam);

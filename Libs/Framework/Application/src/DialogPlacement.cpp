@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 
 #include "Libs/Framework/Application/src/DialogLayout.h"
 
@@ -35,7 +36,7 @@ Box MeasureText(HWND dialog, int control, int width, UINT format) {
     RECT rect = {0, 0, width, 0};
     if (HDC context = GetDC(window)) {
         HGDIOBJ previous =
-            SelectObject(context, reinterpret_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)));
+            SelectObject(context, std::bit_cast<HFONT>(SendMessageW(window, WM_GETFONT, 0, 0)));
         DrawTextW(context, text.data(), -1, &rect, DT_CALCRECT | format);
         SelectObject(context, previous);
         ReleaseDC(window, context);

@@ -2,6 +2,7 @@
 
 #include <windows.h>
 
+#include <bit>
 #include <string>
 
 #include "Libs/Framework/Application/src/AnswerGuard.h"
@@ -41,7 +42,7 @@ void SetTexts(HWND dialog, HINSTANCE instance) {
 }
 
 void Initialize(HWND dialog, DialogState& state) {
-    HINSTANCE instance = reinterpret_cast<HINSTANCE>(GetWindowLongPtrW(dialog, GWLP_HINSTANCE));
+    auto* instance = std::bit_cast<HINSTANCE>(GetWindowLongPtrW(dialog, GWLP_HINSTANCE));
     SetTexts(dialog, instance);
     DialogPlacement::FitToTexts(dialog, {PERMISSION_MESSAGE, IDYES, IDCANCEL});
     DialogPlacement::SetIcon(dialog, instance, PERMISSION_ICON);
@@ -104,7 +105,7 @@ INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARA
     if (message == WM_INITDIALOG) {
         SetWindowLongPtrW(dialog, DWLP_USER, lParam);
     }
-    auto* state = reinterpret_cast<DialogState*>(GetWindowLongPtrW(dialog, DWLP_USER));
+    auto* state = std::bit_cast<DialogState*>(GetWindowLongPtrW(dialog, DWLP_USER));
     return state ? HandleMessage(dialog, *state, message, wParam) : FALSE;
 }
 

@@ -38,7 +38,7 @@ std::optional<std::wstring_view> PermissionTexts::StringInBlock(std::span<const 
 }
 
 ResultCode PermissionTexts::Load(void* module, uint16_t language, unsigned id, std::wstring& text) {
-    HMODULE instance = static_cast<HMODULE>(module);
+    auto* instance = static_cast<HMODULE>(module);
     if (language != 0) {
         const auto block = FindBlock(instance, language, id);
         if (const auto found = StringInBlock(block, id % StringsInBlock)) {
