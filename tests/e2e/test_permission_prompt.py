@@ -141,6 +141,18 @@ def test_nothing_leaves_before_yes(site, store, bucket, display):
     assert len(store.keys(bucket)) == 1
 
 
+def test_a_yes_after_the_agent_was_told_to_end_is_for_the_next_run(site, store, display):
+    site.configuration["Uploader"]["AskPermission"] = True
+    write_small(site.dumps, "one")
+    with site.start(variables=display.variables()) as agent:  # no game: told to end after two seconds
+        settled_prompt(display)
+        agent.wait_for("requesting shutting down")
+        display.press("Return")
+        assert agent.wait() == 0
+    assert len(site.waiting_packages()) == 1
+    assert store.uploads() == []
+
+
 def test_without_a_dialog_the_answer_is_no(site, store, bucket):
     site.configuration["Uploader"]["AskPermission"] = True
     write_small(site.dumps, "one")
@@ -171,32 +183,45 @@ def test_hammering_on_the_keys_does_not_answer(site, store, bucket, display):
 
 @contextmanager
 def other_program(display):
-    """A window that the player types into; its text tells what arrived."""
+    """A window that the player types into."""
     with Program("notepad.exe", variables=display.variables()) as program:
         wait_until(lambda: any(window.foreground for window in display.windows("Notepad")), 20, "the other program")
-        yield lambda: display.windows("Notepad")[0].controls[0].text
+        yield program
         program.kill()
         display.wait_for_no_window("Notepad")
 
 
+def typed_into_other_program(display):
+    return display.windows("Notepad")[0].controls[0].text
+
+
 def test_the_game_keeps_the_keyboard(site, store, bucket, display):
-    with other_program(display) as typed:
-        with prompted(site, display) as agent:
-            expected = ""
-            while not display.windows(ENGLISH):
-                display.press("w", "y")
-                expected += "wy"
-            display.press("y", "n", "d")
-            time.sleep(SETTLED)
-            display.picture("permission-over-game")
-            assert typed() == expected + "ynd"
-            assert "Notepad" in next(window for window in display.windows() if window.foreground).text
-            prompt = display.windows()[0]
-            assert prompt.text == ENGLISH and prompt.extendedStyle & TOPMOST
-            display.click(prompt.control(YES_BUTTON).centre)
-            display.wait_for_no_window(ENGLISH)
-            wait_all_gone(site)
-            check_outcome(agent, store, bucket, 1)
+    with other_program(display), prompted(site, display) as agent:
+        expected = ""
+        while not display.windows(ENGLISH):
+            display.press("w", "y")
+            expected += "wy"
+        display.press("y", "n", "d")
+        time.sleep(SETTLED)
+        display.picture("permission-over-game")
+        assert typed_into_other_program(display) == expected + "ynd"
+        assert "Notepad" in next(window for window in display.windows() if window.foreground).text
+        prompt = display.windows()[0]
+        assert prompt.text == ENGLISH and prompt.extendedStyle & TOPMOST
+        display.click(prompt.control(YES_BUTTON).centre)
+        display.wait_for_no_window(ENGLISH)
+        wait_all_gone(site)
+        check_outcome(agent, store, bucket, 1)
+
+
+def test_takes_the_keyboard_when_the_game_is_gone(site, store, bucket, display):
+    with other_program(display) as game, prompted(site, display) as agent:
+        wait_until(lambda: display.windows(ENGLISH), 20, "the prompt")
+        game.kill()
+        settled_prompt(display)
+        display.press("Return")
+        wait_all_gone(site)
+        check_outcome(agent, store, bucket, 1)
 
 
 def test_the_player_can_go_back_to_the_game(site, store, bucket, display):
