@@ -1,8 +1,13 @@
 #include "Libs/Processes/Core/src/FolderPath.h"
 
+#include <algorithm>
+#include <cstddef>
+
 namespace FolderPath {
 
-std::string Join(std::string_view folder, std::string_view name) {
+namespace {
+
+std::string Append(std::string_view folder, std::string_view name) {
     std::string path;
     path.reserve(folder.size() + 1 + name.size());
     path = folder;
@@ -13,13 +18,23 @@ std::string Join(std::string_view folder, std::string_view name) {
     return path;
 }
 
+} // namespace
+
+std::string Join(std::string_view folder, std::string_view name) {
+    std::string path = Append(folder, name);
+    if constexpr (Separator != '\\') {
+        std::replace(path.end() - static_cast<std::ptrdiff_t>(name.size()), path.end(), '\\', Separator);
+    }
+    return path;
+}
+
 bool IsRelative(std::string_view path) {
     const bool hasDrive = path.size() >= 2 && path[1] == ':';
     return !hasDrive && (path.empty() || !IsSeparator(path.front()));
 }
 
 std::string Resolve(std::string_view path, std::string_view baseFolder) {
-    return IsRelative(path) ? Join(baseFolder, path) : std::string(path);
+    return IsRelative(path) ? Append(baseFolder, path) : std::string(path);
 }
 
 std::optional<std::string> LastComponent(std::string_view path) {

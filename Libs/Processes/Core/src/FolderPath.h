@@ -17,7 +17,8 @@ constexpr bool IsSeparator(char character) {
     return character == '\\' || character == '/';
 }
 
-// The name inside the folder, whose trailing separator may be missing.
+// The name inside the folder, whose trailing separator may be missing. Separators in the name become the
+// system's own where "\" is a character like any other.
 std::string Join(std::string_view folder, std::string_view name);
 
 // False for a leading separator (a network path too) and for a drive, also without a separator after it.

@@ -1,7 +1,6 @@
 #include "Libs/Processes/Core/src/HeaderFile.h"
 
 #include <span>
-#include <string_view>
 
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
@@ -10,15 +9,6 @@
 namespace HeaderFile {
 
 namespace {
-
-ResultCode Parse(std::string_view text, BugHeader& header) {
-    JsonDocument document;
-    if (!JsonSerialization::ParseText(text, document) ||
-        !JsonSerialization::ReadRecord(document, header).Succeeded()) {
-        return "Failed to parse json header data in dump folder!";
-    }
-    return Platform::Success;
-}
 
 ResultCode ToText(const BugHeader& header, std::string& text) {
     JsonDocument document;
@@ -30,6 +20,15 @@ ResultCode ToText(const BugHeader& header, std::string& text) {
 }
 
 } // namespace
+
+ResultCode Parse(std::string_view text, BugHeader& header) {
+    JsonDocument document;
+    if (!JsonSerialization::ParseText(text, document) ||
+        !JsonSerialization::ReadRecord(document, header).Succeeded()) {
+        return "Failed to parse json header data in dump folder!";
+    }
+    return Platform::Success;
+}
 
 ResultCode Read(const std::string& folder, BugHeader& header) {
     std::vector<uint8_t> bytes;

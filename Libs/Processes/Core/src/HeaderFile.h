@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "Libs/Processes/Core/src/BugHeader.h"
@@ -12,7 +13,10 @@ namespace HeaderFile {
 
 inline constexpr char Name[] = "header.json";
 
-// The header's records. After a failure the header may be filled in part. Copes with a file that its writer
+// The header's records from the text of the file. After a failure the header may be filled in part.
+ResultCode Parse(std::string_view text, BugHeader& header);
+
+// The same from the file. After a failure the header may be filled in part. Copes with a file that its writer
 // still holds open.
 ResultCode Read(const std::string& folder, BugHeader& header);
 

@@ -1,6 +1,7 @@
 #include "Libs/Processes/Core/src/PackageWriter.h"
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/CatalogOrder.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/HeaderFile.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
@@ -9,18 +10,10 @@
 
 namespace {
 
-// The log comes before the dump, although the header has them the other way round.
 std::vector<std::string> EntryPaths(const Catalog& catalog, const std::string& workFolder) {
     std::vector<std::string> paths;
-    const auto add = [&](const Attachment& attachment) {
-        if (!attachment.file.empty()) {
-            paths.push_back(FolderPath::Join(workFolder, attachment.file + ".gz"));
-        }
-    };
-    add(catalog.log);
-    add(catalog.dump);
-    for (const Attachment& attachment : catalog.attachments) {
-        add(attachment);
+    for (const Attachment* attachment : FilesInPackageOrder(catalog)) {
+        paths.push_back(FolderPath::Join(workFolder, attachment->file + ".gz"));
     }
     return paths;
 }

@@ -11,11 +11,6 @@
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
-Reflection_DefineType(ProcessMonitorConfig,
-                      Reflection_Field(timeBetweenChecks, "TimeBetweenChecks",
-                                       Reflection::OptionalAttribute()),
-                      Reflection_Field(shutdownDelay, "ShutdownDelay", Reflection::OptionalAttribute()),
-                      Reflection_Field(watchedApplications, "WatchedApplications"));
 Reflection_DefinePolymorphicType(ProcessMonitor);
 
 ResultCode ProcessMonitor::Initialize(const JsonDocument& config, int argc, const char** argv) {

@@ -1,17 +1,7 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-#include <vector>
-
 #include "Libs/Framework/Core/src/ReflectedProcess.h"
-
-struct ProcessMonitorConfig {
-    uint32_t timeBetweenChecks = 2500; // milliseconds
-    uint32_t shutdownDelay = 30000;    // milliseconds that all watched programs must stay gone
-    std::vector<std::string> watchedApplications;
-};
-Reflection_DeclareType(ProcessMonitorConfig);
+#include "Libs/Processes/Core/src/ProcessMonitorConfig.h"
 
 // Ends the program once none of the watched programs has been running for the whole shutdown delay. With
 // nothing to watch that is the first check. A shutdown that others ask for during the delay waits for its

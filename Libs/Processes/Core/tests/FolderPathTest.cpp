@@ -8,11 +8,12 @@ TEST(FolderPath, JoinAddsASeparatorOnlyWhenNoneIsThere) {
     EXPECT_EQ(FolderPath::Join("C:\\a\\", "b"), "C:\\a\\b");
     EXPECT_EQ(FolderPath::Join("C:/a/", "b"), "C:/a/b");
     EXPECT_EQ(FolderPath::Join("C:\\a\\", ""), "C:\\a\\");
+    EXPECT_EQ(FolderPath::Join("a", "b\\c"), "a" + separator + "b" + separator + "c");
 }
 
 TEST(FolderPath, DrivesAndLeadingSeparatorsAreNotRelative) {
     for (const char* path :
-         {"C:\\dumps", "C:/dumps", "c:dumps", "C:", "\\dumps", "/dumps", "\\\\server\\share"}) {
+         {"C:\\dumps", "C:/dumps", "c:dumps", "C:", "\\dumps", "/dumps", R"(\\server\share)"}) {
         EXPECT_FALSE(FolderPath::IsRelative(path)) << path;
         EXPECT_EQ(FolderPath::Resolve(path, "D:\\app\\"), path);
     }
@@ -27,14 +28,14 @@ TEST(FolderPath, LastComponentIsANameOrNothing) {
         const char* path;
         const char* name;
     } rows[] = {{"C:\\dumps\\crash 1", "crash 1"},
-                {"C:\\dumps\\crash\\", "crash"},
+                {R"(C:\dumps\crash\)", "crash"},
                 {"C:/dumps/太郎//", "太郎"},
                 {"crash", "crash"},
                 {"", nullptr},
                 {"\\", nullptr},
                 {"C:\\", nullptr},
                 {"C:\\dumps\\..", nullptr},
-                {"C:\\dumps\\.\\", nullptr}};
+                {R"(C:\dumps\.\)", nullptr}};
     for (const auto& row : rows) {
         const auto name = FolderPath::LastComponent(row.path);
         EXPECT_EQ(name.has_value(), row.name != nullptr) << row.path;

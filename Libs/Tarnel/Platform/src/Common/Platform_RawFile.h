@@ -19,6 +19,9 @@ public:
     [[nodiscard]] bool OpenForReading(const std::string& path, ReadSharing sharing);
     [[nodiscard]] bool CreateForWriting(const std::string& path);
 
+    // Refuses a path at which there is something already, be it a link that leads nowhere.
+    [[nodiscard]] bool CreateNew(const std::string& path);
+
     [[nodiscard]] bool GetSize(uint64_t& size) const;
 
     // transferred may be less than length; a read of 0 bytes is the end of the file.

@@ -52,6 +52,11 @@ bool RawFile::CreateForWriting(const std::string& path) {
     return m_handle >= 0;
 }
 
+bool RawFile::CreateNew(const std::string& path) {
+    m_handle = Open(path, O_WRONLY | O_CREAT | O_EXCL);
+    return m_handle >= 0;
+}
+
 bool RawFile::GetSize(uint64_t& size) const {
     struct stat status = {};
     if (fstat(static_cast<int>(m_handle), &status) != 0) {

@@ -36,6 +36,11 @@ bool RawFile::CreateForWriting(const std::string& path) {
     return HandleOf(m_handle) != INVALID_HANDLE_VALUE;
 }
 
+bool RawFile::CreateNew(const std::string& path) {
+    m_handle = Open(path, GENERIC_WRITE, FILE_SHARE_READ, CREATE_NEW);
+    return HandleOf(m_handle) != INVALID_HANDLE_VALUE;
+}
+
 bool RawFile::GetSize(uint64_t& size) const {
     LARGE_INTEGER value = {};
     if (!GetFileSizeEx(HandleOf(m_handle), &value)) {

@@ -1,0 +1,142 @@
+#include "Libs/Processes/Core/src/PackageReader.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Libs/Processes/Core/src/PackageFormat.h"
+#include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
+
+namespace {
+
+std::span<const uint8_t> Bytes(std::string_view text) {
+    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
+
+std::string FileRecord(std::string_view name, std::string_view data) {
+    return R"({"File":")" + std::string(name) + R"(","MD5":")" + Crypto::MD5OfBytes(Bytes(data)) + "\"}";
+}
+
+std::string Header(const std::string& log, const std::string& attachments) {
+    return R"({"Host":"h","Time":"t","Application":"a","SubmissionType":"s","Catalog":{"Log":)" + log +
+           R"(,"Attachments":[)" + attachments +
+           R"(]},"Exception":{"Message":"","StackTrace":""},"Callstack":[],"ModuleInfo":[],"Changelist":1})";
+}
+
+std::string Package(const std::string& header, const std::vector<std::string>& entries) {
+    PackageFormat::Composer composer;
+    EXPECT_TRUE(composer.Start(Bytes(header), 0));
+    for (const std::string& entry : entries) {
+        EXPECT_TRUE(composer.AppendEntry(Bytes(entry)));
+    }
+    const std::vector<uint8_t> package = composer.Take();
+    return {package.begin(), package.end()};
+}
+
+std::string UsualPackage() {
+    return Package(Header(FileRecord("game.log", "LOG"), FileRecord("sub/note.txt", "NOTES")),
+                   {"LOG", "NOTES"});
+}
+
+// Every problem, digests included, as lines of offset and text.
+std::string Problems(const std::string& package) {
+    PackageReader reader(Bytes(package));
+    reader.CheckDigests([](uint64_t) {});
+    std::string text;
+    for (const PackageProblem& problem : reader.GetProblems()) {
+        text += std::to_string(problem.offset) + ": " + problem.text + "\n";
+    }
+    return text;
+}
+
+std::string Replaced(std::string text, std::size_t at, std::string_view part) {
+    return text.replace(at, part.size(), part);
+}
+
+} // namespace
+
+TEST(PackageReader, NamesTheEntriesInPackageOrder) {
+    const std::string package = UsualPackage();
+    const PackageReader reader(Bytes(package));
+    ASSERT_EQ(reader.GetEntries().size(), 2U);
+    const PackageEntry& log = reader.GetEntries()[0];
+    EXPECT_EQ(log.name, "game.log");
+    EXPECT_EQ(log.offset, 48 + reader.GetHeaderBytes().size());
+    EXPECT_EQ(std::string(log.data.begin(), log.data.end()), "LOG");
+    EXPECT_EQ(reader.GetEntries()[1].name, "sub/note.txt");
+    EXPECT_EQ(reader.GetHeader().changelist, 1U);
+    EXPECT_EQ(Problems(package), "");
+}
+
+TEST(PackageReader, ReportsEveryShorterPackage) {
+    const std::string package = UsualPackage();
+    for (std::size_t size = 0; size < package.size(); ++size) {
+        SCOPED_TRACE(size);
+        const std::string part = package.substr(0, size);
+        EXPECT_NE(Problems(part), "");
+        const PackageReader reader(Bytes(part));
+        for (const PackageProblem& problem : reader.GetProblems()) {
+            EXPECT_LE(problem.offset, size);
+        }
+        for (const PackageEntry& entry : reader.GetEntries()) {
+            EXPECT_LE(entry.offset + 40 + entry.data.size(), size);
+        }
+    }
+}
+
+TEST(PackageReader, ReportsEveryChangedByte) {
+    const std::string package = UsualPackage();
+    for (std::size_t at = 0; at < package.size(); ++at) {
+        SCOPED_TRACE(at);
+        std::string changed = package;
+        changed[at] = static_cast<char>(changed[at] ^ 0x01);
+        EXPECT_NE(Problems(changed), "");
+    }
+}
+
+TEST(PackageReader, SaysWhatIsWrongAndWhere) {
+    const std::string package = UsualPackage();
+    const std::string size = std::to_string(package.size() - 48);
+    const std::size_t entry = package.size() - 45;
+    const std::string entryAt = std::to_string(entry);
+    const struct {
+        std::string package;
+        std::string problem; // the first one
+    } cases[] = {
+        {"", "0: A package begins with 48 bytes of lengths and digest, but 0 bytes are all there is"},
+        {Replaced(package, 0, "0000000a"),
+         "0: The length of the body is not eight upper-case hexadecimal digits"},
+        {Replaced(package, 0, "FFFFFFFF"),
+         "0: The body is recorded as 4294967295 bytes, but " + size + " bytes follow the prefix"},
+        {Replaced(package, 8, "A"), "8: The digest of the body is not 32 lower-case hexadecimal digits"},
+        {Replaced(package, 40, "FFFFFFFF"),
+         "40: The header is recorded as 4294967295 bytes, but the body has " + size + " bytes"},
+        {Replaced(package, 48, "["), "48: Failed to parse json header data in dump folder!"},
+        {Replaced(package, entry, "00000006"),
+         entryAt + ": The entry is recorded as 6 bytes, but the body ends after 5 bytes"},
+        {Package(Header(FileRecord("game.log", "LOG"), ""), {}),
+         "48: The header's catalog names 1 files, but the package holds 0 entries"},
+        {Package(Header(FileRecord("../evil", "LOG"), ""), {"LOG"}),
+         "48: The header's catalog has an unsafe file name: \"../evil\""},
+    };
+    for (const auto& [damaged, problem] : cases) {
+        SCOPED_TRACE(problem);
+        const std::string problems = Problems(damaged);
+        EXPECT_EQ(problems.substr(0, problems.find('\n')), problem);
+    }
+}
+
+TEST(PackageReader, TellsWhichDigestIsWrong) {
+    const std::string package = UsualPackage();
+    const std::string changed = Replaced(package, package.size() - 1, "X");
+    const std::string problems = Problems(changed);
+    EXPECT_NE(problems.find("8: Body: the recorded digest is "), std::string::npos);
+    EXPECT_NE(problems.find(std::to_string(package.size() - 37) +
+                            ": \"sub/note.txt\": the recorded digest is " +
+                            Crypto::MD5OfBytes(Bytes("NOTES")) + ", that of its bytes " +
+                            Crypto::MD5OfBytes(Bytes("NOTEX"))),
+              std::string::npos)
+        << problems;
+}
