@@ -87,7 +87,8 @@ class Display:
     def _install_fonts(self):
         folder = self._prefix / "drive_c" / "windows" / "Fonts"
         for font in FONTS.glob("*.ttf"):
-            shutil.copy(font, folder)
+            if font.name != "tahomabd.ttf":  # no font lends it Asian characters; Wine's choice without it has them
+                shutil.copy(font, folder)
         shutil.copy(ASIAN_FONT, folder / ASIAN_FONT_FILE)
 
     def _wine(self, *command, **options):
