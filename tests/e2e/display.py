@@ -7,6 +7,7 @@ import json
 import os
 import shutil
 import subprocess
+from contextlib import contextmanager
 from dataclasses import dataclass
 from pathlib import Path
 
@@ -101,6 +102,18 @@ class Display:
 
     def _x(self, *command):
         return subprocess.run(command, env=self.variables(), check=True, timeout=30, stdout=subprocess.PIPE).stdout
+
+    @contextmanager
+    def resolution(self, dots_per_inch):
+        """What programs that start inside take the screen's resolution to be; it is 96 otherwise."""
+        def set_resolution(value):
+            self._wine("reg.exe", "add", r"HKCU\Control Panel\Desktop", "/v", "LogPixels", "/t", "REG_DWORD",
+                       "/d", str(value), "/f")
+        set_resolution(dots_per_inch)
+        try:
+            yield
+        finally:
+            set_resolution(96)
 
     # What a person sees.
 

@@ -87,6 +87,19 @@ def test_stands_on_top_in_the_middle_of_the_screen(site, display):
         display.wait_for_no_window(ENGLISH)
 
 
+def test_grows_with_the_resolution_of_the_screen(site, display):
+    sizes = []
+    for resolution in (96, 144):
+        with display.resolution(resolution), prompted(site, display, "ru_RU"):
+            window = settled_prompt(display, TEXTS[LOCALES["ru_RU"]][TITLE])
+            display.picture(f"permission-{resolution}-dpi", window)
+            sizes.append([(part.width, part.height) for part in (*window.controls, window)])
+            display.press("Escape")
+            display.wait_for_no_window(window.text)
+    for usual, large in zip(*sizes):
+        assert large == pytest.approx([1.5 * length for length in usual], rel=0.08)
+
+
 # What the player answers.
 
 ANSWERS = {
