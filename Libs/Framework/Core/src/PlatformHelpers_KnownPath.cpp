@@ -4,6 +4,7 @@
 
 #include <windows.h>
 
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Framework/Core/src/PlatformHelpers_Encoding.h"
 
 namespace PlatformHelpers {
@@ -30,6 +31,25 @@ bool KnownPath::Query(Status& status) const {
     status.lastWriteTime = Join(data.ftLastWriteTime.dwHighDateTime, data.ftLastWriteTime.dwLowDateTime);
     status.size = Join(data.nFileSizeHigh, data.nFileSizeLow);
     return true;
+}
+
+std::string PathOnDisk(const std::string& folder) {
+    const std::size_t end = folder.find_last_not_of("\\/");
+    const std::size_t before = folder.find_last_of("\\/", end);
+    std::wstring systemPath;
+    if (end == std::string::npos || before == std::string::npos ||
+        !ToSystemPath(folder.substr(0, end + 1), systemPath)) {
+        return folder;
+    }
+    WIN32_FIND_DATAW entry;
+    HANDLE find =
+        FindFirstFileExW(systemPath.c_str(), FindExInfoBasic, &entry, FindExSearchNameMatch, nullptr, 0);
+    if (find == INVALID_HANDLE_VALUE) {
+        return folder;
+    }
+    FindClose(find);
+    std::string name;
+    return WideToUtf8(entry.cFileName, name) ? folder.substr(0, before + 1) + name + '\\' : folder;
 }
 
 bool FolderTimesTellOfEntries(const std::string& folder) {

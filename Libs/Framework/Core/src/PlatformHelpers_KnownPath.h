@@ -26,6 +26,10 @@ private:
     std::wstring m_systemPath;
 };
 
+// A folder's path, with a trailing separator, whose last name stands in it as on the disk: not every system
+// finds a name in another case as quickly. The path itself where it can't be told.
+std::string PathOnDisk(const std::string& folder);
+
 // Whether a folder of this volume has another last-write time after an entry came, went or was renamed. On a
 // local NTFS disk it has; nothing is taken for granted of others.
 bool FolderTimesTellOfEntries(const std::string& folder);

@@ -7,7 +7,8 @@
 ResultCode AreaScan::SetFolder(std::string folder) {
     m_folder = std::move(folder);
     m_timesTellOfEntries = PlatformHelpers::FolderTimesTellOfEntries(m_folder);
-    return m_path.Set(m_folder);
+    m_folderOnDisk = PlatformHelpers::PathOnDisk(m_folder);
+    return m_path.Set(m_folderOnDisk);
 }
 
 ResultCode AreaScan::Run(const MeasuredFolder::Clock& clock) {
@@ -36,7 +37,7 @@ ResultCode AreaScan::ListSubFolders(const MeasuredFolder::Clock& clock) {
 ResultCode AreaScan::ListAnew() {
     ++m_listing;
     const ResultCode result = PlatformHelpers::EnumerateFolder(
-        m_folder, PlatformHelpers::EnumerateFolders,
+        m_folderOnDisk, PlatformHelpers::EnumerateFolders,
         [this](const PlatformHelpers::PathInfo& entry, bool&) { return Meet(entry.name, entry.IsLink()); });
     std::erase_if(m_subFolders, [this](const auto& known) { return known.second.listing != m_listing; });
     return result;
@@ -46,7 +47,7 @@ ResultCode AreaScan::Meet(const std::string& name, bool isLink) {
     auto found = m_subFolders.find(std::string_view(name));
     if (found == m_subFolders.end()) {
         MeasuredFolder folder;
-        if (const ResultCode result = folder.SetPath(m_folder + name); !result) {
+        if (const ResultCode result = folder.SetPaths(m_folder + name, m_folderOnDisk + name); !result) {
             return result;
         }
         found = m_subFolders.emplace(name, KnownSubFolder{std::move(folder)}).first;

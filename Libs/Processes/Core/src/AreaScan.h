@@ -45,6 +45,7 @@ private:
     void MeasureAll(const MeasuredFolder::Clock& clock);
 
     std::string m_folder;
+    std::string m_folderOnDisk;
     PlatformHelpers::KnownPath m_path;
     bool m_timesTellOfEntries = false;
 

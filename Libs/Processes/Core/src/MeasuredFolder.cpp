@@ -11,9 +11,10 @@ constexpr const char* MarkerFile = "header.json"; // of a valid submission
 
 } // namespace
 
-ResultCode MeasuredFolder::SetPath(std::string path) {
+ResultCode MeasuredFolder::SetPaths(std::string path, std::string pathOnDisk) {
     m_path = std::move(path);
-    return m_folder.Set(m_path);
+    m_pathOnDisk = std::move(pathOnDisk);
+    return m_folder.Set(m_pathOnDisk);
 }
 
 bool MeasuredFolder::Measure(const Clock& clock, bool timesTellOfEntries,
@@ -64,7 +65,7 @@ ResultCode MeasuredFolder::List(uint64_t& size) {
     size = 0;
     m_isValid = false;
     m_files.clear();
-    const std::string folder = FolderPath::Join(m_path, "");
+    const std::string folder = FolderPath::Join(m_pathOnDisk, "");
     return PlatformHelpers::EnumerateFolder(folder, PlatformHelpers::EnumerateFiles,
                                             [&](const PlatformHelpers::PathInfo& file, bool&) {
                                                 m_isValid = m_isValid || file.name == MarkerFile;
@@ -81,5 +82,5 @@ ResultCode MeasuredFolder::Remember(const std::string& fileName) {
     if (m_files.size() > MostRemembered) {
         return Platform::Success;
     }
-    return m_files.emplace_back().Set(FolderPath::Join(m_path, fileName));
+    return m_files.emplace_back().Set(FolderPath::Join(m_pathOnDisk, fileName));
 }

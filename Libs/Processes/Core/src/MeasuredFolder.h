@@ -15,8 +15,8 @@
 // are right. Sizes are never remembered. Belongs to the measuring thread.
 class MeasuredFolder {
 public:
-    // The path has no trailing separator.
-    ResultCode SetPath(std::string path);
+    // What records say, and the same path as the disk has it. Both without a trailing separator.
+    ResultCode SetPaths(std::string path, std::string pathOnDisk);
 
     // A link is never followed: it has no files, whatever it points to.
     void SetLink(bool isLink) { m_isLink = isLink; }
@@ -37,6 +37,7 @@ private:
     ResultCode Remember(const std::string& fileName);
 
     std::string m_path;
+    std::string m_pathOnDisk;
     PlatformHelpers::KnownPath m_folder;
     std::vector<PlatformHelpers::KnownPath> m_files;
     EntriesStamp m_stamp; // of m_files and m_isValid
