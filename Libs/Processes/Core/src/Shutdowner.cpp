@@ -9,12 +9,17 @@ namespace {
 
 constexpr DWORD TimeBetweenChecks = 250; // milliseconds
 
-// Takes one waiting key off the console.
+// Takes one waiting key off the console. Keys without a character come in two parts, of which the second may
+// look like a letter: that of Page Down is a Q.
 bool IsStopKeyPressed() {
     if (!_kbhit()) {
         return false;
     }
     const int key = _getch();
+    if ((key == 0 || key == 0xE0) && _kbhit()) {
+        static_cast<void>(_getch());
+        return false;
+    }
     return key == 'Q' || key == 'q';
 }
 
