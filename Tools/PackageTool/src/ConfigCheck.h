@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "Tools/PackageTool/src/JsonPositions.h"
+
+struct ConfigProblem {
+    TextPosition position;
+    std::string text;
+};
+
+// Reads the text of a configuration file as the agent does and finds what the agent would refuse, pass over
+// or fail at later: syntax, keys, kinds, classes, partners, expressions, the store's address, and folders
+// that do not fit together. In the order of the text. May throw std::bad_alloc.
+std::vector<ConfigProblem> CheckConfig(std::string_view text);

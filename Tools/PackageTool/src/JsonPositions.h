@@ -1,0 +1,31 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <unordered_map>
+
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
+
+// A place in a text as editors show it: both count from 1, the column in characters.
+struct TextPosition {
+    std::size_t line = 1;
+    std::size_t column = 1;
+};
+
+// Of the byte at offset; a byte order mark takes no column.
+TextPosition PositionOf(std::string_view text, std::size_t offset);
+
+// Where the values and names of a parsed document stand in its text. Both must outlive it. Nesting costs no
+// stack.
+class JsonPositions {
+public:
+    // text is what document was parsed from, without error.
+    JsonPositions(std::string_view text, const JsonDocument& document);
+
+    // Of a value or a member's name of the document; the text's start for others.
+    TextPosition Find(const JsonValue& value) const;
+
+private:
+    std::string_view m_text;
+    std::unordered_map<const JsonValue*, std::size_t> m_offsets;
+};

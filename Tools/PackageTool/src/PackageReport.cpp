@@ -1,0 +1,128 @@
+#include "Tools/PackageTool/src/PackageReport.h"
+
+#include <algorithm>
+
+#include "Libs/Framework/Core/src/PlatformHelpers_Inflate.h"
+#include "Libs/Processes/Core/src/PackageFormat.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
+#include "Tools/PackageTool/src/Console.h"
+
+Reflection_DefineType(ReportedEntry, Reflection_Field(name, "Name"), Reflection_Field(offset, "Offset"),
+                      Reflection_Field(storedSize, "StoredSize"),
+                      Reflection_Field(unpackedSize, "UnpackedSize"), Reflection_Field(digest, "MD5"),
+                      Reflection_Field(path, "Path"));
+Reflection_DefineType(ReportedProblem, Reflection_Field(offset, "Offset"), Reflection_Field(text, "Text"));
+Reflection_DefineType(PackageReport, Reflection_Field(file, "File"), Reflection_Field(size, "Size"),
+                      Reflection_Field(header, "Header"), Reflection_Field(entries, "Entries"),
+                      Reflection_Field(problems, "Problems"));
+Reflection_DefineType(PackageReports, Reflection_Field(packages, "Packages"));
+
+namespace {
+
+std::string Padded(const std::string& text, std::size_t width) {
+    // Continuation bytes take no place of their own.
+    const auto shown = static_cast<std::size_t>(
+        std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
+    return text + std::string(width - std::min(width, shown), ' ');
+}
+
+std::string RightAligned(const std::string& text, std::size_t width) {
+    return std::string(width - std::min(width, text.size()), ' ') + text;
+}
+
+std::string VersionText(const VersionInfo& version) {
+    return std::to_string(version.major) + "." + std::to_string(version.minor) + "." +
+           std::to_string(version.rev) + "." + std::to_string(version.build);
+}
+
+std::string HeaderLines(const BugHeader& header) {
+    const std::pair<const char*, std::string> rows[] = {
+        {"Application", header.application},
+        {"Host", header.host},
+        {"Time", header.time},
+        {"Submission", header.submissionType},
+        {"Message", header.exception.message},
+        {"Instance key", header.instanceKey},
+        {"Key", header.key},
+        {"Version", VersionText(header.version) + " (" + std::to_string(header.changelist) + ")"},
+        {"Call stack", std::to_string(header.callstack.size()) + " frames, " +
+                           std::to_string(header.moduleInfo.size()) + " modules"},
+    };
+    std::string text;
+    for (const auto& [name, value] : rows) {
+        if (!value.empty()) {
+            text += "  " + Padded(name, 14) + Console::Printable(value) + "\n";
+        }
+    }
+    return text;
+}
+
+std::string EntryName(const ReportedEntry& entry) {
+    return entry.name.empty() ? "(no name)" : Console::Printable(entry.name);
+}
+
+} // namespace
+
+PackageReport MakeReport(const std::string& file, uint64_t size, const PackageReader& reader) {
+    PackageReport report;
+    report.file = file;
+    report.size = size;
+    report.header = reader.GetHeader();
+    for (const PackageEntry& entry : reader.GetEntries()) {
+        report.entries.push_back({entry.name, entry.offset, entry.data.size(), -1, entry.digest, ""});
+    }
+    for (const PackageProblem& problem : reader.GetProblems()) {
+        report.problems.push_back({problem.offset, problem.text});
+    }
+    return report;
+}
+
+bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink& sink, uint64_t& limit,
+                 PackageReport& report) {
+    PlatformHelpers::InflateProgress progress;
+    const ResultCode result = PlatformHelpers::Decompress(
+        entry.data, limit, [&](std::span<const uint8_t> piece) { return !sink || sink(piece); }, progress);
+    limit -= progress.produced;
+    if (!result) {
+        report.problems.push_back({entry.offset + PackageFormat::EntryPrefixSize + progress.consumed,
+                                   "\"" + entry.name + "\": " + result.Text()});
+        return false;
+    }
+    report.entries[index].unpackedSize = static_cast<int64_t>(progress.produced);
+    return true;
+}
+
+std::string ReportTable(const PackageReport& report) {
+    std::string text = report.file + ": " + std::to_string(report.size) + " bytes\n";
+    text += HeaderLines(report.header);
+    std::size_t width = 4;
+    for (const ReportedEntry& entry : report.entries) {
+        width = std::max(width, EntryName(entry).size());
+    }
+    text += "\n  " + Padded("Name", width) + RightAligned("Stored", 14) + RightAligned("Unpacked", 14) +
+            "  MD5 of the stored bytes\n";
+    for (const ReportedEntry& entry : report.entries) {
+        text += "  " + Padded(EntryName(entry), width) + RightAligned(std::to_string(entry.storedSize), 14) +
+                RightAligned(entry.unpackedSize < 0 ? "damaged" : std::to_string(entry.unpackedSize), 14) +
+                "  " + entry.digest + "\n";
+    }
+    return text;
+}
+
+std::string ReportProblems(const PackageReport& report) {
+    std::string text;
+    for (const ReportedProblem& problem : report.problems) {
+        text += report.file + ": offset " + std::to_string(problem.offset) + ": " +
+                Console::Printable(problem.text) + "\n";
+    }
+    return text;
+}
+
+std::string ReportJson(const PackageReports& reports) {
+    JsonDocument document;
+    std::string text;
+    if (!JsonSerialization::WriteRecord(reports, document) || !JsonSerialization::WriteText(document, text)) {
+        throw std::bad_alloc(); // the one way to fail
+    }
+    return text + "\n";
+}

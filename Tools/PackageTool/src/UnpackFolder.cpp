@@ -1,0 +1,117 @@
+#include "Tools/PackageTool/src/UnpackFolder.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/AttachmentName.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
+#include "Libs/Processes/Core/src/PathIdentity.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_RawFile.h"
+#include "Libs/Tarnel/String/src/String_Ascii.h"
+
+namespace {
+
+std::string Folded(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](char c) { return c == '\\' ? '/' : String::LowerAscii(c); });
+    return name;
+}
+
+// game.log and 2 give game~2.log.
+std::string Numbered(const std::string& name, unsigned number) {
+    const std::size_t fileStart = name.find_last_of("\\/") + 1; // npos + 1 is 0
+    const std::size_t dot = name.find_last_of('.');
+    const std::size_t end = dot == std::string::npos || dot <= fileStart ? name.size() : dot;
+    return name.substr(0, end) + "~" + std::to_string(number) + name.substr(end);
+}
+
+bool WriteAll(Platform::RawFile& file, UnpackFolder::Piece bytes) {
+    while (!bytes.empty()) {
+        uint32_t written = 0;
+        const auto wanted = static_cast<uint32_t>(std::min<std::size_t>(bytes.size(), 1 << 20));
+        if (!file.Write(bytes.data(), wanted, written) || written == 0) {
+            return false;
+        }
+        bytes = bytes.subspan(written);
+    }
+    return true;
+}
+
+} // namespace
+
+std::string UnpackFolder::Write(const std::string& name, const Fill& fill, std::string& path) {
+    path.clear();
+    if (!IsSafeAttachmentName(name)) {
+        return "The name is not safe";
+    }
+    const std::string freeName = FreeName(name);
+    if (std::string reason = MakeWay(freeName); !reason.empty()) {
+        return reason;
+    }
+    const std::string target = FolderPath::Join(m_folder, freeName);
+    Platform::RawFile file;
+    if (!file.CreateNew(target)) {
+        return PlatformHelpers::PathExists(target) ? "There is already a file of that name"
+                                                   : "Failed to create the file";
+    }
+    bool isWritten = true;
+    const bool isFilled = fill([&](Piece piece) { return isWritten = WriteAll(file, piece); });
+    isWritten = file.Close() && isWritten;
+    if (isWritten && isFilled) {
+        path = target;
+        m_written.push_back(target);
+        return {};
+    }
+    static_cast<void>(PlatformHelpers::RemoveFile(target)); // logs a failure
+    return isWritten ? "It can't be unpacked whole" : "Failed to write the file";
+}
+
+std::string UnpackFolder::FreeName(const std::string& name) {
+    std::string candidate = name;
+    for (unsigned number = 2; !m_given.insert(Folded(candidate)).second; ++number) {
+        candidate = Numbered(name, number);
+    }
+    return candidate;
+}
+
+// Makes the folders that the name asks for and removes what stands in its place, if it may.
+std::string UnpackFolder::MakeWay(const std::string& name) const {
+    if (!PlatformHelpers::EnsureFolderExists(m_folder)) {
+        return "Failed to create the folder";
+    }
+    for (std::size_t end = name.find_first_of("\\/"); end != std::string::npos;
+         end = name.find_first_of("\\/", end + 1)) {
+        const std::string folder = FolderPath::Join(m_folder, name.substr(0, end));
+        if (PathIdentity::IsLink(folder)) {
+            return "A link lies on the way";
+        }
+        PlatformHelpers::FileStatus status;
+        const bool isThere = PlatformHelpers::PathExists(folder);
+        if (isThere ? !PlatformHelpers::QueryFileStatus(folder, status) || !status.isFolder
+                    : !PlatformHelpers::EnsureFolderExists(folder).Succeeded()) {
+            return "Failed to create the folder";
+        }
+    }
+    const std::string target = FolderPath::Join(m_folder, name);
+    if (!PlatformHelpers::PathExists(target)) {
+        return {};
+    }
+    // What the system takes for one name, such as Ä.log and ä.log, must not replace each other.
+    const bool isOurs = std::any_of(m_written.begin(), m_written.end(), [&](const std::string& written) {
+        return PathIdentity::IsSameFolder(written, target);
+    });
+    if (isOurs || !m_mayReplace) {
+        return "There is already a file of that name";
+    }
+    if (!PathIdentity::IsLink(target)) {
+        PlatformHelpers::FileStatus status;
+        if (!PlatformHelpers::QueryFileStatus(target, status) || status.isFolder) {
+            return "There is already a folder of that name";
+        }
+        if (status.isReadOnly && !PlatformHelpers::MakeFileWritable(target)) {
+            return "Failed to replace the file";
+        }
+    }
+    return PlatformHelpers::RemoveFile(target) ? "" : "Failed to replace the file";
+}

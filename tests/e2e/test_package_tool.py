@@ -1,0 +1,231 @@
+"""PackageTool from its command line: the native program, and the Windows one where both must agree."""
+import gzip
+import hashlib
+import json
+import os
+import pty
+import re
+import shutil
+import subprocess
+from pathlib import Path
+
+import pytest
+
+import submissions
+from agent import Site
+from package_reader import read_package
+from wine import BIN, ROOT, Program, windows_path
+
+TOOL = Path(os.environ.get("MORVANE_NATIVE_BIN", ROOT / "build" / "native" / "bin")) / "PackageTool"
+GOOD, PROBLEMS, USAGE, REFUSED = 0, 1, 2, 3
+
+
+@pytest.fixture(scope="module", autouse=True)
+def tool_is_there():
+    assert TOOL.is_file(), f"{TOOL} is missing: ./test.sh native builds it"
+
+
+def run(*arguments, expect=GOOD, stdin=b"", cwd=None):
+    """The outputs as text, after the tool has ended with the expected code."""
+    done = subprocess.run([TOOL, *map(str, arguments)], input=stdin, capture_output=True, cwd=cwd, timeout=50)
+    assert done.returncode == expect, (arguments, done)
+    return done.stdout.decode(), done.stderr.decode()
+
+
+def compose(entries, header=None, digests=None):
+    """A package by the format's page; entries: (name, stored bytes)."""
+    digests = digests or [hashlib.md5(data).hexdigest() for _, data in entries]
+    records = [{"File": name, "MD5": digest} for (name, _), digest in zip(entries, digests)]
+    header = header or submissions.header(Catalog={"Dump": None, "Log": None, "Attachments": records})
+    header["Catalog"] = {key: value for key, value in header["Catalog"].items() if value is not None}
+    header_bytes = json.dumps(header, ensure_ascii=False).encode()
+    body = header_bytes + b"".join(
+        b"%08X%s%s" % (len(data), hashlib.md5(data).hexdigest().encode(), data) for _, data in entries)
+    return b"%08X%s%08X%s" % (len(body), hashlib.md5(body).hexdigest().encode(), len(header_bytes), body)
+
+
+def write(path, content):
+    path.write_bytes(content)
+    return path
+
+
+@pytest.fixture
+def submission(scratch):
+    """A submission with everything that the packager treats in a way of its own."""
+    files = {"game.log": b"a line of the log\n" * 3000, "c_Minidump.dmp": os.urandom(70000),
+             "logs/dxdiag.txt": "Grafik: gut\n".encode(), "ready.txt.gz": gzip.compress(b"packed before"),
+             "big.bin": bytes(range(256)) * 400, "secret.tmp": b"no"}
+    catalog = submissions.catalog("c_Minidump.dmp", "game.log",
+                                  ["logs\\dxdiag.txt", "ready.txt", "big.bin", "secret.tmp", "missing.txt", "../evil"])
+    return submissions.write_folder(scratch / "submissions" / "crash-太郎", files, submissions.header(Catalog=catalog))
+
+
+@pytest.fixture
+def package(scratch, submission):
+    out, _ = run("pack", submission, "--to", scratch / "packed")
+    return Path(out.strip())
+
+
+PACKAGER = {"AttachmentLimits": [{"Extension": ".bin", "MaxSize": 5000}], "AttachmentBlacklist": [r"\.tmp$"],
+            "Source": "INTERNAL"}
+
+
+def test_pack_gives_the_agents_bytes(scratch, submission):
+    """The agent, the tool on Windows and the tool here make one package of one submission."""
+    site = Site(scratch / "site")
+    processes = site.configuration["Application"]["Processes"]
+    del processes["UploaderS3"]
+    site.configuration["Packager"].update(PACKAGER)
+    site.configuration["ProcessMonitor"]["ShutdownDelay"] = 1500
+    shutil.copytree(submission, site.dumps / submission.name)
+    with site.start() as agent:
+        agent.wait_for(" All monitored processes have closed")
+        assert agent.wait() == 0, agent.text
+    by_agent = (site.packaged / submission.name / "submission.pkg").read_bytes()
+
+    config = site.folder / "agent.json"
+    out, error = run("pack", submission, "--to", scratch / "native", "--config", config)
+    assert Path(out.strip()).read_bytes() == by_agent
+    assert "Failed to copy or compress attachment missing.txt. Error=Failed to find attachment on disk" in error
+    with Program(BIN / "PackageTool.exe", "pack", windows_path(submission), "--to", windows_path(scratch / "windows"),
+                 "--config", windows_path(config)) as windows:
+        assert windows.wait() == 0, windows.text
+    assert (scratch / "windows" / submission.name / "submission.pkg").read_bytes() == by_agent
+    assert read_package(by_agent).header["Source"] == "INTERNAL"
+
+
+def test_list_shows_what_a_package_holds(package, submission):
+    data = package.read_bytes()
+    text, _ = run("list", package)
+    assert "Application   Game\n" in text and "Instance key  c\n" in text
+    for entry in read_package(data).entries:
+        assert re.search(rf"^  {re.escape(entry.name)} +{len(entry.stored)} +{len(entry.original)}  "
+                         rf"{hashlib.md5(entry.stored).hexdigest()}$", text, re.M), entry.name
+    listed = json.loads(run("list", package, "-", "--json", stdin=data)[0])["Packages"]
+    assert [report["File"] for report in listed] == [str(package), "-"]
+    assert listed[0]["Header"]["Changelist"] == 7 and listed[0]["Problems"] == []
+    assert [(entry["Name"], entry["UnpackedSize"]) for entry in listed[1]["Entries"]] == [
+        (entry.name, len(entry.original)) for entry in read_package(data).entries]
+
+
+def test_verify_tells_good_from_damaged(scratch, package):
+    data = package.read_bytes()
+    assert run("verify", package)[0] == f"{package}: good, 6 files\n"
+    changed = bytearray(data)
+    changed[-1] ^= 1
+    text, _ = run("verify", package, write(scratch / "changed.pkg", bytes(changed)), expect=PROBLEMS)
+    assert text.startswith(f"{package}: good") and "changed.pkg: offset 8: Body: the recorded digest is" in text
+    assert "changed.pkg: offset 0: The body is recorded as" in run(
+        "verify", write(scratch / "changed.pkg", data[:-1]), expect=PROBLEMS)[0]
+    assert "Failed to open input file" in run("verify", scratch / "nothing", package, expect=REFUSED)[1]
+    not_gzip = compose([("a.txt", b"plain")])
+    assert '"a.txt": Not a gzip stream' in run("verify", "-", stdin=not_gzip, expect=PROBLEMS)[0]
+
+
+def test_unpack_gives_back_the_files(scratch, package, submission):
+    out = scratch / "out"
+    run("unpack", package, "--to", out)
+    for entry in read_package(package.read_bytes()).entries:
+        assert (out / entry.name.replace("\\", "/")).read_bytes() == entry.original
+    assert (out / "game.log").read_bytes() == (submission / "game.log").read_bytes()
+    assert json.loads((out / "header.json").read_bytes())["InstanceKey"] == "c"
+
+    (out / "game.log").write_bytes(b"mine")
+    _, error = run("unpack", package, "--to", out, expect=REFUSED)
+    assert '"game.log" was not unpacked: There is already a file of that name' in error
+    assert (out / "game.log").read_bytes() == b"mine"
+    run("unpack", package, "--to", out, "--force")
+    assert (out / "game.log").read_bytes() != b"mine"
+
+    run("unpack", package, package, "--to", scratch / "two", "--stored")
+    assert gzip.decompress((scratch / "two" / "submission~2" / "game.log.gz").read_bytes()) == (
+        out / "game.log").read_bytes()
+
+
+def test_unpack_stays_in_its_folder(scratch):
+    packed = gzip.compress(b"content")
+    names = ["../evil", "/tmp/evil-of-package", "C:\\evil", "NUL", "link/evil", "a.txt", "A.TXT", "header.json",
+             "\x1b[31mred"]
+    out = scratch / "out"
+    (scratch / "outside").mkdir()
+    out.mkdir()
+    (out / "link").symlink_to(scratch / "outside")
+    hostile = write(scratch / "hostile.pkg", compose([(name, packed) for name in names]))
+    _, error = run("unpack", hostile, "--to", out, "--force", expect=REFUSED)
+    assert sorted(path.name for path in out.iterdir()) == ["A~2.TXT", "a.txt", "header.json", "header~2.json", "link"]
+    assert not list((scratch / "outside").iterdir()) and not (scratch / "evil").exists()
+    assert '"link/evil" was not unpacked: A link lies on the way' in error and "\x1b" not in error
+
+
+def test_unpack_stops_a_bomb(scratch):
+    bomb = gzip.compress(bytes(60 << 20))
+    package = write(scratch / "bomb.pkg", compose([("small.txt", gzip.compress(b"x")), ("bomb.bin", bomb)]))
+    _, error = run("unpack", package, "--to", scratch / "out", "--limit", "10M", expect=PROBLEMS)
+    assert '"bomb.bin": The unpacked content is over the limit' in error
+    assert sorted(path.name for path in (scratch / "out").iterdir()) == ["header.json", "small.txt"]
+    run("verify", package, "--limit", "10M", expect=PROBLEMS)
+    run("verify", package, "--limit=61M")
+
+
+def test_pack_keeps_what_is_there(scratch, package, submission):
+    before = package.read_bytes()
+    _, error = run("pack", submission, "--to", scratch / "packed", expect=REFUSED)
+    assert "There is already a package" in error
+    run("pack", submission, "--to", scratch / "packed", "--force")
+    assert package.read_bytes() == before and not package.stat().st_mode & 0o222
+    _, error = run("pack", scratch / "nowhere", "--to", scratch / "packed", expect=REFUSED)
+    assert "Failed to open json header data in dump folder!" in error
+    assert [path.name for path in (scratch / "packed").iterdir()] == [submission.name]  # no work folder stays
+
+
+def test_check_config_judges_the_readme_and_a_typo(scratch):
+    example = re.search(r"```json\n(.*?)```", (ROOT / "README.md").read_text(), re.S).group(1)
+    good = write(scratch / "good.json", example.encode())
+    assert run("check-config", good)[0] == f"{good}: good\n"
+    typo = write(scratch / "typo.json", example.replace('"SentinelFile": "header.json"', '"Sentinel": 1').encode())
+    line = example[:example.index('"SentinelFile": "header.json"')].count("\n") + 1
+    assert run("check-config", typo, expect=PROBLEMS)[0] == f'{typo}:{line}:5: Unknown key "Sentinel"\n'
+    report = json.loads(run("check-config", "-", "--json", stdin=typo.read_bytes(), expect=PROBLEMS)[0])
+    assert report == {"Files": [{"File": "-", "Problems": [
+        {"Line": line, "Column": 5, "Text": 'Unknown key "Sentinel"'}]}]}
+
+
+def test_check_config_reads_the_configuration_of_these_tests(scratch):
+    assert run("check-config", Site(scratch / "site").write_configuration(), expect=GOOD)
+
+
+def test_schema_is_the_committed_one_and_names_every_class():
+    committed = (ROOT / "docs" / "configuration.schema.json").read_text()
+    assert run("config-schema")[0] == committed, "docs/configuration.schema.json: write config-schema's output there"
+    application = json.loads(committed)["properties"]["Application"]["properties"]
+    registered = re.findall(r'RegisterMaker<\w+>\("(\w+)"\)', (ROOT / "app" / "src" / "Registrations.cpp").read_text())
+    named = [*application["Processes"]["properties"], *application["Components"]["items"]["enum"]]
+    assert sorted(named) == sorted(registered)
+
+
+def test_manners(scratch):
+    assert "usage: PackageTool list" in run("--help")[0]
+    assert re.fullmatch(r"PackageTool \d+\.\d+\.\d+\.\d+\n", run("--version")[0])
+    for arguments in ([], ["bogus"], ["list"], ["unpack", "a"], ["list", "a", "--bogus"]):
+        out, error = run(*arguments, expect=USAGE)
+        assert not out and error.startswith("PackageTool: ")
+    assert "Standard input is empty" in run("list", "-", expect=REFUSED)[1]
+    with open("/dev/full", "wb") as full:
+        done = subprocess.run([TOOL, "--help"], stdout=full, stderr=subprocess.PIPE, timeout=20)
+    assert done.returncode == REFUSED and b"Failed to write to standard output" in done.stderr
+
+
+def test_a_terminal_sees_progress_of_long_work(scratch):
+    long = write(scratch / "long.pkg", compose([("zeros.bin", gzip.compress(bytes(900 << 20), 1))]))
+    master, slave = pty.openpty()
+    tool = subprocess.Popen([TOOL, "verify", long], stdout=subprocess.DEVNULL, stderr=slave)
+    os.close(slave)
+    shown = b""
+    try:
+        while part := os.read(master, 4096):
+            shown += part
+    except OSError:  # the terminal's other side is closed
+        pass
+    os.close(master)
+    assert tool.wait(50) == GOOD
+    assert b"long.pkg [" in shown and b" %" in shown and shown.endswith(b"\r\x1b[K")
