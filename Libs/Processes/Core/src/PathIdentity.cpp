@@ -24,9 +24,9 @@ std::wstring ToWide(const std::string& path) {
 
 // Empty when the path leads nowhere or when the volume has no such name to give.
 std::wstring FinalPath(const std::wstring& path) {
-    const HANDLE handle = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
-                                      FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
-                                      OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    HANDLE handle = CreateFileW(path.c_str(), FILE_READ_ATTRIBUTES,
+                                FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE, nullptr,
+                                OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
     if (handle == INVALID_HANDLE_VALUE) {
         return {};
     }
@@ -48,7 +48,7 @@ bool IsLinkAt(const std::wstring& path) {
         return false;
     }
     WIN32_FIND_DATAW entry = {};
-    const HANDLE find = FindFirstFileW(path.c_str(), &entry);
+    HANDLE find = FindFirstFileW(path.c_str(), &entry);
     if (find == INVALID_HANDLE_VALUE) {
         return true; // rather than to follow it
     }

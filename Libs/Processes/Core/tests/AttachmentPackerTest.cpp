@@ -132,8 +132,8 @@ TEST_F(AttachmentPackerTest, FilesBehindLinksAreAsGoodAsMissing) {
 
 TEST_F(AttachmentPackerTest, AFileThatTheGameStillWritesIsRead) {
     const std::string path = m_scratch.MakeFile("s/game.log", "so far");
-    const HANDLE game = CreateFileW(TestSupport::ScratchFolder::FromUtf8(path).c_str(), GENERIC_WRITE,
-                                    FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
+    HANDLE game = CreateFileW(TestSupport::ScratchFolder::FromUtf8(path).c_str(), GENERIC_WRITE,
+                              FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
     ASSERT_NE(game, INVALID_HANDLE_VALUE);
     EXPECT_EQ(Pack("game.log"), "OK");
     CloseHandle(game);

@@ -81,7 +81,7 @@ TEST_F(HeaderFileTest, EachRequiredMemberMustBeThere) {
 
 TEST_F(HeaderFileTest, WhatIsNoHeaderIsAParseFailure) {
     std::vector<std::string> badSource = RequiredMembers;
-    badSource.push_back(R"("Source":"MARTIAN")");
+    badSource.emplace_back(R"("Source":"MARTIAN")");
     const std::string bad[] = {"{",
                                "[]",
                                "null",

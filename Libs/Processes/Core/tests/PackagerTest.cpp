@@ -191,12 +191,13 @@ TEST_F(PackagerTest, MissingFilesLeaveTheHeader) {
 TEST_F(PackagerTest, ALinkedFolderIsNotPackaged) {
     m_scratch.MakeFile("elsewhere/game.log", "x");
     MakeComplete("elsewhere", Header(Usual));
-    ASSERT_EQ(ConfigurePackager(), "");
+    m_scratch.MakeFolder("app/dumps");
     const std::string path = m_scratch.PathOf("app/dumps/link");
     const TestSupport::Link link(path, "../../elsewhere", true);
     if (!link) {
         GTEST_SKIP() << "this system makes no symbolic links";
     }
+    ASSERT_EQ(ConfigurePackager(), "");
     Start("Dumps");
     Start("P");
     EXPECT_TRUE(Await([this] { return !m_log.Errors().empty(); }));
@@ -247,13 +248,13 @@ TEST_F(PackagerTest, InitialisationFailuresHaveTheirTexts) {
         const char* error;
     } rows[] = {
         {R"(,"PackagedFolder":)" + inTheWay,
-         " Packager \"P\" failed to create package folder \"" + made +
+         R"( Packager "P" failed to create package folder ")" + made +
              "\" for items gathered by watcher \"Dumps\". Error=Ensuring folder existence failed! Failed to "
              "create "
              "folder",
          "Failed to create packaged dumps folder"},
         {R"(,"PackageWorkFolder":)" + inTheWay,
-         " Packager \"P\" failed to create package work folder \"" + made +
+         R"( Packager "P" failed to create package work folder ")" + made +
              "\" for items gathered by watcher \"Dumps\". Error=Ensuring folder existence failed! Failed to "
              "create "
              "folder",

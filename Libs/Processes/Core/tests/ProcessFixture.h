@@ -33,7 +33,7 @@ protected:
     void Start(const char* process) {
         const auto found = m_application->GetProcess(process);
         ASSERT_NE(found, nullptr);
-        ASSERT_TRUE(found->Start());
+        ASSERT_STREQ(found->Start().Text(), "OK");
     }
 
     void Stop(const char* process) {

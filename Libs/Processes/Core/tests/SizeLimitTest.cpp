@@ -7,7 +7,8 @@
 namespace {
 
 std::vector<uint8_t> Bytes(std::size_t size) {
-    return std::vector<uint8_t>(size, 'x');
+    std::vector<uint8_t> bytes(size, 'x');
+    return bytes;
 }
 
 } // namespace

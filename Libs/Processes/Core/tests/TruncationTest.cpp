@@ -16,8 +16,8 @@ std::vector<uint8_t> Counting(std::size_t size) {
 }
 
 std::string Text(const std::vector<uint8_t>& bytes, std::size_t begin, std::size_t end) {
-    return std::string(bytes.begin() + static_cast<std::ptrdiff_t>(begin),
-                       bytes.begin() + static_cast<std::ptrdiff_t>(end));
+    return {bytes.begin() + static_cast<std::ptrdiff_t>(begin),
+            bytes.begin() + static_cast<std::ptrdiff_t>(end)};
 }
 
 std::string Banner(const char* size, const char* limit) {

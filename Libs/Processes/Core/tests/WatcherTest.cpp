@@ -165,7 +165,7 @@ TEST_F(WatcherTest, AVanishedFolderIsReportedUntilItIsBack) {
     ASSERT_TRUE(PlatformHelpers::RemoveFolder(m_scratch.PathOf("app\\d")));
     Start("Dumps 1");
     const std::string line = " Failed to scan dumps folder \"" + m_scratch.PathOf("app\\d") +
-                             "\\\", error: \"Failed to enumerate files\"";
+                             R"(\", error: "Failed to enumerate files")";
     ASSERT_TRUE(Await([&] { return m_log.Errors().size() >= 2; }));
     EXPECT_EQ(m_log.Errors().front(), line);
     const std::string a = MakeComplete("app/d/a");
