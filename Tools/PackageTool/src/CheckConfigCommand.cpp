@@ -55,7 +55,7 @@ ExitCode RunCheckConfig(const Arguments& arguments) {
         std::vector<uint8_t> bytes;
         std::string reason;
         if (!Console::ReadInput(file, bytes, reason)) {
-            Console::PrintError(file + ": " + reason);
+            Console::PrintError(file, reason);
             Raise(code, ExitCode::NotReadOrWritten);
             continue;
         }

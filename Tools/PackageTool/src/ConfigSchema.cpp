@@ -49,8 +49,10 @@ public:
             if (!Reflection::FindAttribute(field.attributes,
                                            String::GlobalID(Reflection::AttributeName::Optional))) {
                 Append(required, Text(name));
-            } else if (defaults && defaults->HasMember(name)) {
-                Add(schema, "default", JsonValue((*defaults)[name], m_allocator));
+            } else if (const auto value =
+                           defaults ? defaults->FindMember(name) : JsonValue::ConstMemberIterator();
+                       defaults && value != defaults->MemberEnd()) {
+                Add(schema, "default", JsonValue(value->value, m_allocator));
             }
             Add(properties, name, std::move(schema));
         }

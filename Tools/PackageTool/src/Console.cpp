@@ -74,6 +74,10 @@ void PrintError(std::string_view text) {
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
+void PrintError(const std::string& file, const std::string& text) {
+    PrintError(file + ": " + text);
+}
+
 bool IsErrorTerminal() {
 #if defined(_WIN32)
     return _isatty(_fileno(stderr)) != 0;

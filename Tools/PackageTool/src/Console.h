@@ -24,6 +24,7 @@ void Print(std::string_view text);
 
 // One line: the program's name, then text.
 void PrintError(std::string_view text);
+void PrintError(const std::string& file, const std::string& text); // file: text
 
 bool IsErrorTerminal();
 void PrintProgress(std::string_view text); // to standard error, as it is

@@ -45,7 +45,7 @@ bool ReadPackagerConfig(const Arguments& arguments, PackagerConfig& config, Atta
             result = blacklist.Compile(config.attachmentBlacklist, bad);
         }
         if (!result) {
-            Console::PrintError(arguments.config + ": section \"" + section + "\": " + result.Text());
+            Console::PrintError(arguments.config, "section \"" + section + "\": " + result.Text());
             return false;
         }
     }
@@ -95,7 +95,7 @@ ExitCode RunPack(const Arguments& arguments) {
         return ExitCode::NotReadOrWritten;
     }
     if (!PlatformHelpers::EnsureFolderExists(arguments.to)) {
-        Console::PrintError(arguments.to + ": Failed to create the folder");
+        Console::PrintError(arguments.to, "Failed to create the folder");
         return ExitCode::NotReadOrWritten;
     }
     const WorkFolder work(arguments.to);
@@ -108,7 +108,7 @@ ExitCode RunPack(const Arguments& arguments) {
         if (reason.empty()) {
             Console::Print(package + "\n");
         } else {
-            Console::PrintError(folder + ": " + reason);
+            Console::PrintError(folder, reason);
             Raise(code, ExitCode::NotReadOrWritten);
         }
     }

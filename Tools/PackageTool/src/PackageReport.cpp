@@ -78,17 +78,23 @@ PackageReport MakeReport(const std::string& file, uint64_t size, const PackageRe
 }
 
 bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink& sink, uint64_t& limit,
-                 PackageReport& report) {
-    PlatformHelpers::InflateProgress progress;
-    const ResultCode result = PlatformHelpers::Decompress(
-        entry.data, limit, [&](std::span<const uint8_t> piece) { return !sink || sink(piece); }, progress);
-    limit -= progress.produced;
+                 Progress& progress, PackageReport& report) {
+    PlatformHelpers::InflateProgress inflated;
+    uint64_t shown = 0;
+    const auto take = [&](std::span<const uint8_t> piece) {
+        progress.Advance(inflated.consumed - shown);
+        shown = inflated.consumed;
+        return !sink || sink(piece);
+    };
+    const ResultCode result = PlatformHelpers::Decompress(entry.data, limit, take, inflated);
+    progress.Advance(entry.data.size() - shown);
+    limit -= inflated.produced;
     if (!result) {
-        report.problems.push_back({entry.offset + PackageFormat::EntryPrefixSize + progress.consumed,
+        report.problems.push_back({entry.offset + PackageFormat::EntryPrefixSize + inflated.consumed,
                                    "\"" + entry.name + "\": " + result.Text()});
         return false;
     }
-    report.entries[index].unpackedSize = static_cast<int64_t>(progress.produced);
+    report.entries[index].unpackedSize = static_cast<int64_t>(inflated.produced);
     return true;
 }
 

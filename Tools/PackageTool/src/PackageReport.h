@@ -8,6 +8,7 @@
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/PackageReader.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
+#include "Tools/PackageTool/src/Progress.h"
 
 // What the tool has to say about packages: the records of --json, from which the text is written too.
 
@@ -47,9 +48,9 @@ PackageReport MakeReport(const std::string& file, uint64_t size, const PackageRe
 using ContentSink = std::function<bool(std::span<const uint8_t> piece)>;
 
 // Decompresses the entry into sink, which may be empty, notes its size or its problem, and takes what it gave
-// from limit. False when the content is not whole.
+// from limit; progress advances by the entry's size. False when the content is not whole.
 bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink& sink, uint64_t& limit,
-                 PackageReport& report);
+                 Progress& progress, PackageReport& report);
 
 // Texts for people, with their line ends.
 std::string ReportTable(const PackageReport& report);

@@ -64,7 +64,7 @@ std::string UnpackFolder::Write(const std::string& name, const Fill& fill, std::
         return {};
     }
     static_cast<void>(PlatformHelpers::RemoveFile(target)); // logs a failure
-    return isWritten ? "It can't be unpacked whole" : "Failed to write the file";
+    return isWritten ? NotWhole : "Failed to write the file";
 }
 
 std::string UnpackFolder::FreeName(const std::string& name) {

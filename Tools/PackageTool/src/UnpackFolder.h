@@ -14,6 +14,8 @@ public:
     UnpackFolder(std::string folder, bool mayReplace)
         : m_folder(std::move(folder)), m_mayReplace(mayReplace) {}
 
+    static constexpr char NotWhole[] = "It can't be unpacked whole"; // the fill function gave up
+
     // Gets the file's bytes with the writer's function, piece by piece; false from either ends it.
     using Piece = std::span<const uint8_t>;
     using Fill = std::function<bool(const std::function<bool(Piece)>& write)>;

@@ -1,0 +1,218 @@
+#include <algorithm>
+#include <set>
+
+#include "Libs/Processes/Cloud/src/S3Endpoint.h"
+#include "Libs/Processes/Core/src/AttachmentBlacklist.h"
+#include "Libs/Processes/Core/src/HeaderFile.h"
+#include "Tools/PackageTool/src/ConfigSections.h"
+#include "Tools/PackageTool/src/FolderAgreement.h"
+
+namespace {
+
+using FolderAgreement::Base;
+
+std::string PackageName(const std::string& configured) {
+    return configured.empty() ? "submission.pkg" : configured;
+}
+
+// Compares the sections of one configuration with each other.
+class Checker {
+public:
+    Checker(const ConfigSections& sections, const RecordReport& report)
+        : m_sections(sections), m_report(report) {}
+
+    void Run() {
+        CheckWatchers();
+        CheckPackagers();
+        CheckUploaders();
+        CheckQuotas();
+    }
+
+private:
+    // The section of the watcher, or null after a report. where is the name's place.
+    const ConfigSection<WatcherConfig>* FindWatcher(const std::string& name, const JsonValue& where,
+                                                    const char* missing) {
+        const auto instance = m_sections.instances.find(name);
+        if (instance == m_sections.instances.end()) {
+            m_report(where, Quoted(name) + ": " + missing);
+            return nullptr;
+        }
+        const ProcessClass* const processClass = instance->second.processClass;
+        if (processClass && processClass->name != "Watcher") {
+            m_report(where, Quoted(name) + " is a " + std::string(processClass->name) + ", no Watcher");
+        }
+        const auto watcher = m_sections.watchers.find(name);
+        return watcher == m_sections.watchers.end() ? nullptr : &watcher->second;
+    }
+
+    void CheckWatchers() {
+        for (const auto& [name, watcher] : m_sections.watchers) {
+            const std::string& collector = watcher.config.metricsCollectorName;
+            if (!collector.empty()) {
+                m_report(watcher.At("MetricsCollectorName"),
+                         Quoted(collector) + ": " +
+                             (m_sections.instances.contains(collector)
+                                  ? "Metrics process could not provide required MetricsAggregator interface"
+                                  : "No metrics process to provide metrics collection for watcher"));
+            }
+        }
+    }
+
+    void CheckPackagers() {
+        std::map<std::string, std::string> workFolders;
+        for (const auto& [name, packager] : m_sections.packagers) {
+            const PackagerConfig& config = packager.config;
+            CheckBlacklist(packager);
+            const std::string work = FolderAgreement::WithDefault(config.packageWorkFolder, "PackageTemp");
+            if (const auto [other, isNew] = workFolders.emplace(work, name); !isNew) {
+                m_report(packager.At("PackageWorkFolder"),
+                         Quoted(name) + " and " + Quoted(other->second) + " share the work folder " + work);
+            }
+            if (packager.json->HasMember("WatcherName")) {
+                const auto* watcher = FindWatcher(config.watcherName, packager.At("WatcherName"),
+                                                  "No watcher process to provide submission for packager");
+                CheckSentinel(watcher, HeaderFile::Name, "packager " + Quoted(name) + " reads");
+            }
+        }
+    }
+
+    void CheckBlacklist(const ConfigSection<PackagerConfig>& packager) {
+        const JsonValue& patterns = packager.At("AttachmentBlacklist");
+        if (!patterns.IsArray()) {
+            return;
+        }
+        for (const JsonValue& pattern : patterns.GetArray()) {
+            AttachmentBlacklist list;
+            AttachmentBlacklist::BadPattern bad;
+            if (pattern.IsString() && !list.Compile({TextOf(pattern)}, bad)) {
+                m_report(pattern, "Invalid regular expression in attachment black list: " +
+                                      Quoted(bad.pattern) + ", " + bad.message);
+            }
+        }
+    }
+
+    // A watcher takes no folder without its sentinel; its consumer looks for that file in the folders.
+    void CheckSentinel(const ConfigSection<WatcherConfig>* watcher, const std::string& file,
+                       const std::string& who) {
+        if (watcher && watcher->config.sentinelFile != file) {
+            m_report(watcher->At("SentinelFile"), "The watcher waits for the sentinel " +
+                                                      Quoted(watcher->config.sentinelFile) + ", but " + who +
+                                                      " " + Quoted(file));
+        }
+    }
+
+    void CheckUploaders() {
+        for (const auto& [name, uploader] : m_sections.uploaders) {
+            const UploaderS3Config& config = uploader.config;
+            const auto& components = m_sections.application.components;
+            if (std::find(components.begin(), components.end(), "CloudComponent") == components.end()) {
+                m_report(*m_sections.instances.at(name).name,
+                         Quoted(name) + ": UploaderS3 requires CloudComponent for initialization");
+            }
+            CheckEndpoint(uploader);
+            if (!uploader.json->HasMember("WatcherName")) {
+                continue;
+            }
+            const auto* watcher = FindWatcher(config.watcherName, uploader.At("WatcherName"),
+                                              "No watcher process to provide submissions for uploader");
+            CheckSentinel(watcher, PackageName(config.submissionFilename),
+                          "uploader " + Quoted(name) + " sends");
+            CheckUploadFolder(uploader, watcher);
+        }
+    }
+
+    void CheckEndpoint(const ConfigSection<UploaderS3Config>& uploader) {
+        bool isFilled = true;
+        for (const char* const key : {"BucketName", "AccessKey", "SecretKey"}) {
+            const auto member = uploader.json->FindMember(key);
+            const bool isThere = member != uploader.json->MemberEnd();
+            const bool hasText = isThere && member->value.IsString() && member->value.GetStringLength() > 0;
+            if (isThere && !hasText && (member->value.IsString() || member->value.IsNull())) {
+                m_report(member->value, Quoted(key) + " is empty");
+            }
+            isFilled = isFilled && hasText;
+        }
+        if (isFilled) {
+            CheckAddress(uploader);
+        }
+    }
+
+    // As each upload does it.
+    void CheckAddress(const ConfigSection<UploaderS3Config>& uploader) {
+        const UploaderS3Config& config = uploader.config;
+        ObjectStoreConfig store;
+        store.endpointOverride = config.endpointOverride;
+        store.region = config.region;
+        store.useVirtualAddressing = config.useVirtualAddressing;
+        store.bucket = config.bucketName;
+        store.accessKey = config.accessKey;
+        store.secretKey = config.secretKey;
+        S3Endpoint endpoint;
+        if (const ResultCode result = ResolveS3Endpoint(store, endpoint); !result) {
+            m_report(*uploader.json, result.Text());
+        }
+    }
+
+    // Some packager must fill the folder from which packages are sent, under the name that is looked for.
+    void CheckUploadFolder(const ConfigSection<UploaderS3Config>& uploader,
+                           const ConfigSection<WatcherConfig>* watcher) {
+        if (!watcher || m_sections.packagers.empty()) {
+            return;
+        }
+        const std::string folder =
+            FolderAgreement::Comparable(watcher->config.folder, Base::ApplicationFolder);
+        std::string packaged;
+        for (const auto& [name, packager] : m_sections.packagers) {
+            packaged = FolderAgreement::WithDefault(packager.config.packagedFolder, "PackagedDumps");
+            if (packaged != folder) {
+                continue;
+            }
+            const std::string written = PackageName(packager.config.submissionFilename);
+            const std::string sent = PackageName(uploader.config.submissionFilename);
+            if (written != sent) {
+                m_report(uploader.At("SubmissionFilename"), "The uploader sends " + Quoted(sent) +
+                                                                ", but packager " + Quoted(name) +
+                                                                " writes " + Quoted(written));
+            }
+            return;
+        }
+        m_report(watcher->At("Folder"),
+                 "The uploader's watcher looks into " + folder + ", but the packager writes to " + packaged);
+    }
+
+    void CheckQuotas() {
+        std::set<std::string> dumps;
+        std::set<std::string> packaged;
+        for (const auto& [name, packager] : m_sections.packagers) {
+            packaged.insert(FolderAgreement::WithDefault(packager.config.packagedFolder, "PackagedDumps"));
+            if (const auto watcher = m_sections.watchers.find(packager.config.watcherName);
+                watcher != m_sections.watchers.end()) {
+                dumps.insert(
+                    FolderAgreement::Comparable(watcher->second.config.folder, Base::ApplicationFolder));
+            }
+        }
+        for (const auto& [name, quota] : m_sections.quotas) {
+            CheckQuotaFolder(dumps, FolderAgreement::WithDefault(quota.config.dumpsFolder, "dumps"),
+                             quota.At("DumpsFolder"), "the packager's submissions come from ");
+            CheckQuotaFolder(packaged,
+                             FolderAgreement::WithDefault(quota.config.packagedFolder, "packagedDumps"),
+                             quota.At("PackagedFolder"), "the packager writes to ");
+        }
+    }
+
+    void CheckQuotaFolder(const std::set<std::string>& used, const std::string& limited,
+                          const JsonValue& where, const char* use) {
+        if (!used.empty() && !used.contains(limited)) {
+            m_report(where, "The quota is for " + limited + ", but " + use + *used.begin());
+        }
+    }
+
+    const ConfigSections& m_sections;
+    const RecordReport& m_report;
+};
+
+} // namespace
+
+void CheckPartners(const ConfigSections& sections, const RecordReport& report) {
+    Checker(sections, report).Run();
+}
