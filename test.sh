@@ -25,9 +25,9 @@ step() {
     fi
 }
 
-build() { # preset
+build() { # preset [option of the build]...
     cmake --preset "$1" >"build/$1-configure.log" 2>&1 || { cat "build/$1-configure.log" && return 1; }
-    cmake --build --preset "$1"
+    cmake --build --preset "$1" "${@:2}"
 }
 
 unit_tests() { # preset
@@ -52,7 +52,7 @@ with_wine() { # command...
 }
 
 end_to_end() {
-    build release && /usr/bin/python3 -m pytest -q -ra --durations=8 tests/e2e
+    build release && build native --target PackageTool && /usr/bin/python3 -m pytest -q -ra --durations=8 tests/e2e
 }
 
 scripts/setup.sh
