@@ -81,7 +81,8 @@ def test_a_flood_stays_under_both_quotas_and_the_survivors_are_sent(site, store,
         assert most[0] <= dumps_quota + slack and most[1] <= packaged_quota + slack
         wait_until(lambda: not site.waiting_dumps(), 60, "the flood packaged or gone")
         wait_until(lambda: size_of(site.packaged) <= packaged_quota, 5, "the packages under their quota")
-        assert max(memory) - memory[len(memory) // 3] < 6 << 20, f"the agent grows: {memory}"
+        # Each watcher knows every name for the rest of the run; nothing else may stay.
+        assert max(memory) - memory[len(memory) // 3] < (4 << 20) + flood.count * 1024, f"the agent grows: {memory}"
         assert beside.quit(90) == 0
     assert " that puts us over our quota\r\n" in beside.agent.text
     assert not list(site.work.iterdir())

@@ -21,10 +21,10 @@ public:
     bool ThreadMain() override;
 
 private:
-    // Pauses for folders that somebody holds open, in milliseconds a pass. A hundred of them would keep a
-    // pass, and with it the end of the program, waiting for minutes; the rest is tried again without pauses,
-    // and once more in the next pass.
-    static constexpr uint32_t LongestPauses = 3000;
+    // Pauses for folders that somebody holds open, in milliseconds a pass: what one of them may take. With
+    // one for each a pass, and with it the end of the program, could take minutes; all others are tried again
+    // without pauses, and once more in the next pass.
+    static constexpr uint32_t LongestPauses = 1022;
 
     ResultCode ResolveFolder(std::string& folder, const char* defaultName) const;
     ResultCode OpenAreas();
