@@ -22,6 +22,7 @@ packages=(
     rapidjson-dev=1.1.0
     googletest=1.12.1
     clang-format=1:14.0                 # check of the layout
+    clang-tidy=1:14.0                   # scripts/tidy.sh, before a commit
     wine=8.0                            # runs what the cross build makes
     wine64=8.0
     libgnutls30=3.7.9                   # Wine's TLS; libwine only recommends it
