@@ -141,7 +141,7 @@ TEST(FolderAgreement, ComparesWhatATextTells) {
     const struct {
         const char* left;
         const char* right;
-    } equal[] = {{"dumps", ".\\Dumps\\"}, {"a/b", "a\\.\\c\\..\\b"}, {"C:\\Dumps", "c:/dumps/"}, {"", "."}};
+    } equal[] = {{"dumps", ".\\Dumps\\"}, {"a/b", R"(a\.\c\..\b)"}, {"C:\\Dumps", "c:/dumps/"}, {"", "."}};
     for (const auto& [left, right] : equal) {
         EXPECT_EQ(FolderAgreement::Comparable(left, Base::ApplicationFolder),
                   FolderAgreement::Comparable(right, Base::ApplicationFolder))
