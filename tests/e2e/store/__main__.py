@@ -41,8 +41,7 @@ def control(store_front):
         if environ["PATH_INFO"] == "/faults":
             store_front.faults[:] = json.loads(body)
         elif environ["PATH_INFO"] == "/reset":
-            store_front.faults.clear()
-            store_front.log.clear()
+            store_front.reset()
         elif environ["PATH_INFO"] == "/log":
             answer = store_front.log
         else:
