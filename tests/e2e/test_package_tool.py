@@ -216,9 +216,10 @@ def test_manners(scratch):
 
 
 def test_a_terminal_sees_progress_of_long_work(scratch):
-    long = write(scratch / "long.pkg", compose([("zeros.bin", gzip.compress(bytes(900 << 20), 1))]))
+    zeros = gzip.compress(bytes(900 << 20), 1)  # a fraction of a second each; the bar comes after half a second
+    long = write(scratch / "long.pkg", compose([(f"zeros{number}.bin", zeros) for number in range(10)]))
     master, slave = pty.openpty()
-    tool = subprocess.Popen([TOOL, "verify", long], stdout=subprocess.DEVNULL, stderr=slave)
+    tool = subprocess.Popen([TOOL, "verify", "--limit", str(16 << 30), long], stdout=subprocess.DEVNULL, stderr=slave)
     os.close(slave)
     shown = b""
     try:
