@@ -31,7 +31,8 @@ endif()
 if(MINGW)
     target_compile_options(morvane_options INTERFACE -mcx16)
     target_link_options(morvane_options INTERFACE
-        -static -Wl,--dynamicbase,--high-entropy-va,--nxcompat)
+        -static -Wl,--dynamicbase,--high-entropy-va,--nxcompat
+        -Wl,--no-insert-timestamp) # the same sources give the same bytes
 endif()
 if(MORVANE_SANITIZE)
     target_compile_options(morvane_options INTERFACE

@@ -1,10 +1,11 @@
-"""What the shipped file is made of: its exports, its hardening, what it needs, its version."""
+"""What the shipped programs are made of: exports, hardening, what they need, version."""
 import re
 import subprocess
 
 import pytest
 
 from agent import EXECUTABLE
+from wine import BIN
 
 EXPORTS = {"EXP_SetLogRoot", "EXP_GetLogPath", "EXP_SetLogEventCallback", "EXP_GetLogEventCallback",
            "EXP_GetAssertState", "EXP_GetBugState", "EXP_GetStringPalette", "EXP_GetEmptyBasicString",
@@ -15,10 +16,14 @@ SYSTEM_LIBRARIES = {"advapi32.dll", "bcrypt.dll", "gdi32.dll", "kernel32.dll", "
                     "version.dll", "winhttp.dll", "ws2_32.dll"}
 
 
+def headers_of(program):
+    return subprocess.run(["x86_64-w64-mingw32-objdump", "-p", program], check=True, capture_output=True,
+                          text=True).stdout
+
+
 @pytest.fixture(scope="module")
 def headers():
-    return subprocess.run(["x86_64-w64-mingw32-objdump", "-p", EXECUTABLE], check=True, capture_output=True,
-                          text=True).stdout
+    return headers_of(EXECUTABLE)
 
 
 def test_exports_exactly_these(headers):
@@ -35,8 +40,9 @@ def test_is_a_windows_program(headers):
     assert "(Windows GUI)" in headers
 
 
-def test_needs_nothing_but_the_system(headers):
-    needed = {name.lower() for name in re.findall(r"DLL Name: (\S+)", headers)}
+@pytest.mark.parametrize("program", [EXECUTABLE, BIN / "PackageTool.exe"], ids=lambda path: path.stem)
+def test_needs_nothing_but_the_system(program):
+    needed = {name.lower() for name in re.findall(r"DLL Name: (\S+)", headers_of(program))}
     assert needed and needed <= SYSTEM_LIBRARIES
 
 
