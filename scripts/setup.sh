@@ -8,7 +8,7 @@ root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 # the archive keeps only the newest one, with its security fixes, and an exact pin would fail on the next fix.
 packages=(
     ca-certificates=                    # trust for apt; dated versions, the newest is wanted
-    git=1:2.39.                         # the list of the files to check
+    git=1:2.39.                         # the files to check, the time of the commit in the archive
     cmake=3.25.1                        # build
     ninja-build=1.11.1
     g++=4:12.2.0                        # preset native
@@ -42,6 +42,7 @@ packages=(
     python3-pytest=7.2.1
     python3-swift=2.30.1
     openssl=3.0.                        # the store's test certificates
+    mount=2.38.                         # the test of the default endpoint, in a file system of its own
 )
 
 installed_versions() { # names... -> lines "name version"
