@@ -126,13 +126,13 @@ def ninja(tool, *arguments):
 def linked_files(program, scratch):
     """What the linker says it reads when it links the program once more."""
     command = ninja("commands", f"bin/{program}").splitlines()[-1].removeprefix(": && ").removesuffix(" && :")
-    aside = f"-o {scratch}/{program} -Wl,--out-implib,{scratch}/import.a -Wl,--dependency-file,{scratch}/linked"
-    return run("sh", "-c", f"{command} {aside} -Wl,--trace", cwd=BUILD).split()
+    aside = f"-o '{scratch}/{program}' '-Wl,--out-implib,{scratch}/import.a' '-Wl,--dependency-file,{scratch}/linked'"
+    return run("sh", "-c", f"{command} {aside} -Wl,--trace", cwd=BUILD).splitlines()
 
 
 def included_files(program):
     """The headers of the objects that the program is made of."""
-    objects = [name for name in ninja("inputs", f"bin/{program}").split() if name.endswith(".obj")]
+    objects = [name for name in ninja("inputs", f"bin/{program}").splitlines() if name.endswith(".obj")]
     return re.findall(r"^    (.*)$", ninja("deps", *objects), re.MULTILINE)
 
 
