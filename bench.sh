@@ -1,0 +1,88 @@
+#!/usr/bin/env bash
+# Measures the program against the bounds in docs/performance.md and prints one table. The machine should be quiet.
+#
+#   ./bench.sh [--quick] [--markdown] [ROW...]
+#
+# ROW names rows of the list below (default: all). --quick runs through everything with little data, which shows that it
+# works and little about speed. --markdown prints the table as the document holds it.
+# Exit code 0: every row was measured. A missed goal is told in the table and counted in the last line: it is a finding,
+# and depends on the machine. Exit code 1: a row could not be measured.
+set -euo pipefail
+cd "$(dirname "${BASH_SOURCE[0]}")"
+
+known=(compress md5)
+release=${MORVANE_BENCH_RELEASE:-build/release} # as it ships, run under Wine
+native=${MORVANE_BENCH_NATIVE:-build/bench}     # this machine's own programs, optimised
+export WINEPREFIX=${WINEPREFIX:-$PWD/build/wine}
+scratch=$PWD/build/bench-scratch
+quick=()
+markdown=false
+rows=()
+
+# ---- the rows: each prints what its programs print; a line "ROW<tab>..." goes into the table (bench/src/Bench.h)
+
+row_compress() { under_wine CompressBench; }
+row_md5() { natively Md5Bench; }
+
+# ---- how they run
+
+under_wine() { # program [argument]...
+    scripts/run-wine.sh "$release/bin/$1.exe" "--scratch=Z:${scratch//\//\\}" "${quick[@]}" "${@:2}" </dev/null
+}
+
+natively() { # program [argument]...
+    "$native/bin/$1" "--scratch=$scratch" "${quick[@]}" "${@:2}"
+}
+
+build() { # preset folder target...
+    cmake --preset "$1" -B "$2" >"build/$1-bench.log" 2>&1 && cmake --build "$2" --target "${@:3}" >>"build/$1-bench.log" 2>&1 ||
+        { cat "build/$1-bench.log" >&2 && return 1; }
+}
+
+print_table() { # reads the rows
+    if $markdown; then
+        echo '| what | measured | bound | ratio | goal | |'
+        echo '|---|---|---|---|---|---|'
+        awk -F'\t' '{ print "| " $2 " | " $3 " | " $4 " | " $5 " | " $6 " | " $7 " |" }'
+    else
+        awk -F'\t' 'BEGIN { printf "%-52s %14s %14s %7s  %-8s\n", "what", "measured", "bound", "ratio", "goal" }
+                    { printf "%-52s %14s %14s %7s  %-8s %s\n", $2, $3, $4, $5, $6, $7 }'
+    fi
+}
+
+for argument in "$@"; do
+    case $argument in
+    --quick) quick=(--quick) ;;
+    --markdown) markdown=true ;;
+    *)
+        [[ " ${known[*]} " == *" $argument "* ]] || { echo "bench.sh: no row $argument; there are: ${known[*]}" >&2 && exit 2; }
+        rows+=("$argument")
+        ;;
+    esac
+done
+((${#rows[@]})) || rows=("${known[@]}")
+
+scripts/setup.sh
+echo "Building ..."
+build release "$release" bench PackageTool MorvaneCrashReporter SampleGame
+build bench "$native" bench PackageTool
+mkdir -p "$scratch"
+results=$scratch/rows
+: >"$results"
+trap 'wineserver -k 2>/dev/null || true; rm -rf "$scratch"' EXIT
+wineserver --persistent
+scripts/run-wine.sh cmd.exe /c exit </dev/null >/dev/null 2>&1
+
+unmeasured=()
+for name in "${rows[@]}"; do
+    echo "==== $name"
+    before=$(wc -l <"$results")
+    "row_$name" | tee >(grep $'^ROW\t' >>"$results") | grep -v $'^ROW\t' || true
+    status=("${PIPESTATUS[@]}")
+    [ "${status[0]}" = 0 ] && [ "$(wc -l <"$results")" -gt "$before" ] || unmeasured+=("$name")
+done
+
+print_table <"$results"
+missed=$(grep -c 'MISSED$' "$results" || true)
+echo "$(wc -l <"$results") rows measured, $missed missed their goal${unmeasured[*]:+; not measured: ${unmeasured[*]}} (in $SECONDS s)"
+[ ${#unmeasured[@]} -eq 0 ]
