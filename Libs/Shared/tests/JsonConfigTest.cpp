@@ -1,12 +1,11 @@
 #include "Libs/Shared/src/JsonConfig.h"
 
-#include <fstream>
 #include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
 #include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 struct JsonConfigTestSection {
@@ -22,26 +21,10 @@ namespace {
 
 class JsonConfig : public testing::Test {
 protected:
-    JsonConfig() : m_previous(EXP_GetLogEventCallback()) {
-        s_errors.clear();
-        EXP_SetLogEventCallback([](const wchar_t* log, const char* data, uint32_t length, int) {
-            const std::string entry(data, length);
-            EXPECT_STREQ(Platform::ErrorLog, log);
-            s_errors.push_back(entry.substr(entry.find('\t') + 1));
-        });
-    }
-    ~JsonConfig() override { EXP_SetLogEventCallback(m_previous); }
+    std::string Write(const std::string& content) { return m_folder.MakeFile("Jörg.json", content); }
 
-    std::string Write(const std::string& content) {
-        std::ofstream(m_folder.Path() / u8"J\u00f6rg.json", std::ios::binary) << content;
-        return m_folder.Utf8("J\xC3\xB6rg.json");
-    }
-
-    inline static std::vector<std::string> s_errors;
-    ScratchFolder m_folder{"JsonConfigTest"};
-
-private:
-    Platform::LogEventCallback m_previous;
+    TestSupport::ScratchFolder m_folder;
+    TestSupport::LogCapture m_log;
 };
 
 } // namespace
@@ -52,21 +35,21 @@ TEST_F(JsonConfig, LoadsAFileWithAndWithoutByteOrderMark) {
         EXPECT_STREQ("OK", LoadJsonConfig(Write(content), document).Text());
         EXPECT_TRUE(document.HasMember("Watcher"));
     }
-    EXPECT_TRUE(s_errors.empty());
+    EXPECT_TRUE(m_log.Entries().empty());
 }
 
 TEST_F(JsonConfig, SaysWhatIsWrongWithTheFile) {
     JsonDocument document;
     EXPECT_STREQ("Failed to open json config file",
-                 LoadJsonConfig(m_folder.Utf8("missing.json"), document).Text());
+                 LoadJsonConfig(m_folder.PathOf("missing.json"), document).Text());
     EXPECT_STREQ("Failed to read zero length json config file", LoadJsonConfig(Write(""), document).Text());
-    EXPECT_TRUE(s_errors.empty());
+    EXPECT_TRUE(m_log.Entries().empty());
 
     const std::string path = Write("\xEF\xBB\xBF{\"a\":\r\n nil}");
     EXPECT_STREQ("Failed to decode json header data!", LoadJsonConfig(path, document).Text());
     EXPECT_EQ(
         std::vector<std::string>{" Failed to parse file \"" + path + "\" at position 12. Invalid value."},
-        s_errors);
+        m_log.Errors());
 }
 
 TEST_F(JsonConfig, ReadsTheSectionOverTheDefaults) {

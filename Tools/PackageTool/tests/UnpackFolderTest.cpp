@@ -28,9 +28,9 @@ protected:
             path);
     }
 
-    ScratchFolder m_scratch{"UnpackFolderTest"};
-    std::filesystem::path m_root = m_scratch.Path() / "out";
-    std::string m_folder = m_scratch.Utf8("out");
+    TestSupport::ScratchFolder m_scratch{"UnpackFolderTest"};
+    std::filesystem::path m_root = m_scratch.Folder() / "out";
+    std::string m_folder = m_scratch.PathOf("out");
 };
 
 TEST_F(UnpackFolderTest, MakesFoldersAndFiles) {
@@ -46,7 +46,7 @@ TEST_F(UnpackFolderTest, RefusesNamesThatLeadElsewhere) {
     for (const char* const name : {"../evil", "a/../../evil", "/evil", "C:\\evil", "NUL", "a:b", ""}) {
         EXPECT_EQ(Write(folder, name, "x"), "The name is not safe") << name;
     }
-    EXPECT_FALSE(std::filesystem::exists(m_scratch.Path() / "evil"));
+    EXPECT_FALSE(std::filesystem::exists(m_scratch.Folder() / "evil"));
 }
 
 TEST_F(UnpackFolderTest, NumbersWhatHasOneName) {
@@ -102,7 +102,7 @@ TEST_F(UnpackFolderTest, LeavesNothingOfAFileThatIsNotWhole) {
 
 #if !defined(_WIN32) // making links needs a right on Windows
 TEST_F(UnpackFolderTest, FollowsNoLinks) {
-    const std::filesystem::path outside = m_scratch.Path() / "outside";
+    const std::filesystem::path outside = m_scratch.Folder() / "outside";
     std::filesystem::create_directories(outside);
     std::filesystem::create_directories(m_root);
     std::ofstream(outside / "file") << "mine";

@@ -4,8 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace {
 

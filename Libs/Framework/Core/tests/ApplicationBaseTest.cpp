@@ -4,7 +4,8 @@
 
 #include "Libs/Framework/Core/src/CommonMain.h"
 #include "Libs/Framework/Core/tests/FakeProcess.h"
-#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace {
 

@@ -3,7 +3,8 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace {
 

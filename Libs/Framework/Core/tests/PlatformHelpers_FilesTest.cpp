@@ -5,7 +5,8 @@
 #include <windows.h>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 using TestSupport::LogCapture;
 using TestSupport::ScratchFolder;

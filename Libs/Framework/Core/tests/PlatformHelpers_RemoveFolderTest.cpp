@@ -6,8 +6,9 @@
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Framework/Core/src/PlatformHelpers_LiteralPath.h"
-#include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 using TestSupport::LogCapture;
 using TestSupport::ScratchFolder;

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
 
 namespace {
 

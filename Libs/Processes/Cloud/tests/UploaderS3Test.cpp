@@ -4,11 +4,12 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Processes/Cloud/src/CloudComponent.h"
 #include "Libs/Processes/Cloud/src/UploaderThreadS3.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace {
 

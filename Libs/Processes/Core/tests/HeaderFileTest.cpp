@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace {
 

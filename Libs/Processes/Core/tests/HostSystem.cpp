@@ -4,7 +4,7 @@
 
 #include <functional>
 
-#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace TestSupport {
 

@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Processes/Core/src/HeaderFile.h"
 #include "Libs/Processes/Core/tests/PackageReader.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace {
 

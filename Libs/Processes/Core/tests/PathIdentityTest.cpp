@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Processes/Core/tests/HostSystem.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 using TestSupport::ScratchFolder;
 

@@ -8,9 +8,10 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Framework/Core/tests/TestSupport.h"
 #include "Libs/Processes/Core/tests/WatchedGame.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace {
 

@@ -10,7 +10,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Framework/Core/tests/TestSupport.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 // A real uploader with its threads, whose uploads go on when the test says so.
 namespace UploaderTest {

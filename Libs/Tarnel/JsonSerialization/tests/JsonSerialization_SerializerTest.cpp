@@ -9,7 +9,7 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/JsonSerialization/tests/JsonTestRecords.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/Platform/tests/LogCapture.h"
 
 namespace {
 
@@ -17,19 +17,8 @@ using JsonSerialization::GetSerializer;
 using JsonSerialization::ReadRecord;
 using JsonSerialization::WriteRecord;
 
-// The entries of the engine's log during one test, without their time.
 class Serializer : public testing::Test {
 protected:
-    Serializer() : m_previous(EXP_GetLogEventCallback()) {
-        s_entries.clear();
-        EXP_SetLogEventCallback([](const wchar_t* log, const char* data, uint32_t length, int) {
-            const std::string entry(data, length);
-            EXPECT_STREQ(Platform::EngineLog, log);
-            s_entries.push_back(entry.substr(entry.find('\t') + 1));
-        });
-    }
-    ~Serializer() override { EXP_SetLogEventCallback(m_previous); }
-
     template <class T>
     static std::string ReadInto(T& record, const std::string& json) {
         JsonDocument document;
@@ -45,10 +34,7 @@ protected:
         return text;
     }
 
-    inline static std::vector<std::string> s_entries;
-
-private:
-    Platform::LogEventCallback m_previous;
+    TestSupport::LogCapture m_log;
 };
 
 // Reads one member and writes that member back, so that a row shows what the record then held.
@@ -146,7 +132,8 @@ TEST_F(Serializer, FloatBeyondItsRangeIsInfinite) {
 TEST_F(Serializer, MandatoryFieldMustBeThere) {
     JsonShape shape;
     EXPECT_EQ("Field not found in json", ReadInto(shape, R"({"X":1,"Y":2,"Name":"s"})"));
-    EXPECT_EQ(std::vector<std::string>{" Failed to find field \"Corners\" in json data"}, s_entries);
+    EXPECT_EQ(std::vector<std::string>{" Failed to find field \"Corners\" in json data"},
+              m_log.Texts(Platform::EngineLog));
     EXPECT_EQ(2, shape.y) << "what comes before stays read";
 }
 
@@ -155,7 +142,7 @@ TEST_F(Serializer, OptionalFieldKeepsItsValue) {
     EXPECT_EQ("OK", ReadInto(shape, R"({"X":1,"Y":2,"Corners":[]})"));
     EXPECT_EQ("unnamed", shape.name);
     EXPECT_EQ(7, shape.centre.x);
-    EXPECT_TRUE(s_entries.empty());
+    EXPECT_TRUE(m_log.Entries().empty());
 }
 
 // However the members are ordered, repeated or mixed with unknown ones; of a repeated member the first
@@ -190,7 +177,7 @@ TEST_F(Serializer, RecordOfAnotherKindFailsAtItsFirstMandatoryField) {
         ASSERT_EQ(2u, shape.corners.size());
         EXPECT_EQ(4, shape.corners[0].y) << "elements before the failing one stay read";
     }
-    EXPECT_EQ(10u, s_entries.size());
+    EXPECT_EQ(10u, m_log.Texts(Platform::EngineLog).size());
 }
 
 TEST_F(Serializer, WritesTheBaseFirstAndNothingBetween) {

@@ -37,35 +37,35 @@ void RemoveUpTo(const std::filesystem::path& top, std::filesystem::path path) {
 } // namespace
 
 TEST(FileBytes, WrittenBytesComeBack) {
-    const ScratchFolder folder("FileBytes");
+    const TestSupport::ScratchFolder folder("FileBytes");
     for (const auto durability : {WriteDurability::Buffered, WriteDurability::FlushToDisk}) {
         for (const std::size_t size : {std::size_t{3} << 20, std::size_t{1}}) { // the second one truncates
-            const std::string path = folder.Utf8("J\xC3\xB6rg \xE5\xA4\xAA\xE9\x83\x8E.bin");
+            const std::string path = folder.PathOf("J\xC3\xB6rg \xE5\xA4\xAA\xE9\x83\x8E.bin");
             ASSERT_EQ(WriteOutcome::Done, WriteWholeFile(path, Pattern(size), durability));
             std::vector<uint8_t> bytes = {9, 9, 9};
             EXPECT_EQ(ReadOutcome::Done, ReadWholeFile(path, bytes));
             EXPECT_TRUE(bytes == Pattern(size)) << bytes.size();
         }
     }
-    EXPECT_TRUE(std::filesystem::exists(folder.Path() / u8"Jörg 太郎.bin"));
+    EXPECT_TRUE(std::filesystem::exists(folder.Folder() / u8"Jörg 太郎.bin"));
 }
 
 TEST(FileBytes, FailuresAreToldApart) {
-    const ScratchFolder folder("FileBytesFailures");
-    ASSERT_EQ(WriteOutcome::Done, WriteWholeFile(folder.Utf8("empty"), {}));
-    ASSERT_EQ(WriteOutcome::Done, WriteWholeFile(folder.Utf8("full"), Pattern(4)));
+    const TestSupport::ScratchFolder folder("FileBytesFailures");
+    ASSERT_EQ(WriteOutcome::Done, WriteWholeFile(folder.PathOf("empty"), {}));
+    ASSERT_EQ(WriteOutcome::Done, WriteWholeFile(folder.PathOf("full"), Pattern(4)));
     const struct {
         std::string path;
         ReadOutcome outcome;
         const char* text;
     } rows[] = {
-        {folder.Utf8("full"), ReadOutcome::Done, "OK"},
-        {folder.Utf8("missing"), ReadOutcome::OpenFailed, "Failed to open input file"},
-        {folder.Utf8(), ReadOutcome::OpenFailed, "Failed to open input file"},
+        {folder.PathOf("full"), ReadOutcome::Done, "OK"},
+        {folder.PathOf("missing"), ReadOutcome::OpenFailed, "Failed to open input file"},
+        {folder.Path(), ReadOutcome::OpenFailed, "Failed to open input file"},
         {"", ReadOutcome::OpenFailed, "Failed to open input file"},
-        {folder.Utf8("full") + std::string("\0x", 2), ReadOutcome::OpenFailed, "Failed to open input file"},
-        {folder.Utf8("\xFF"), ReadOutcome::OpenFailed, "Failed to open input file"},
-        {folder.Utf8("empty"), ReadOutcome::Empty, "Failed to read zero length input file!"},
+        {folder.PathOf("full") + std::string("\0x", 2), ReadOutcome::OpenFailed, "Failed to open input file"},
+        {folder.Path() + "\xFF", ReadOutcome::OpenFailed, "Failed to open input file"},
+        {folder.PathOf("empty"), ReadOutcome::Empty, "Failed to read zero length input file!"},
     };
     for (const auto& row : rows) {
         std::vector<uint8_t> bytes = {9};
@@ -73,14 +73,15 @@ TEST(FileBytes, FailuresAreToldApart) {
         EXPECT_EQ(row.outcome == ReadOutcome::Done ? Pattern(4) : std::vector<uint8_t>{}, bytes) << row.path;
         EXPECT_STREQ(row.text, ReadFileBytes(row.path, bytes).Text()) << row.path;
     }
-    EXPECT_EQ(WriteOutcome::OpenFailed, WriteWholeFile(folder.Utf8("missing/file"), Pattern(1)));
-    EXPECT_EQ(WriteOutcome::OpenFailed, WriteWholeFile(folder.Utf8("a") + std::string("\0b", 2), Pattern(1)));
-    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "a"));
+    EXPECT_EQ(WriteOutcome::OpenFailed, WriteWholeFile(folder.PathOf("missing/file"), Pattern(1)));
+    EXPECT_EQ(WriteOutcome::OpenFailed,
+              WriteWholeFile(folder.PathOf("a") + std::string("\0b", 2), Pattern(1)));
+    EXPECT_FALSE(std::filesystem::exists(folder.Folder() / "a"));
 }
 
 TEST(FileBytes, PathsBeyondTheOldLimitWork) {
-    const ScratchFolder folder("FileBytesLong");
-    std::string path = folder.Utf8();
+    const TestSupport::ScratchFolder folder("FileBytesLong");
+    std::string path = TestSupport::ScratchFolder::ToUtf8(folder.Folder());
     while (path.size() < 400) {
         path += "/a-folder-with-a-fairly-long-name";
         ASSERT_TRUE(CreateOneDirectory(path.c_str())) << path;
@@ -90,7 +91,7 @@ TEST(FileBytes, PathsBeyondTheOldLimitWork) {
     std::vector<uint8_t> bytes;
     EXPECT_EQ(ReadOutcome::Done, ReadWholeFile(path, bytes));
     EXPECT_EQ(Pattern(10), bytes);
-    RemoveUpTo(folder.Path(), path);
+    RemoveUpTo(folder.Folder(), path);
 }
 
 #if defined(_WIN32)
@@ -110,7 +111,7 @@ void operator delete(void* block, std::size_t) noexcept {
 }
 
 TEST(FileBytes, FileLargerThanMemoryIsAReadFailure) {
-    const ScratchFolder folder("FileBytesHuge");
+    const TestSupport::ScratchFolder folder("FileBytesHuge");
     File file;
     file.accessFlags = FileWrite | FileCreateAndTruncate;
     ASSERT_TRUE(OpenFile(file, (folder.Wide() + L"/huge").c_str()));
@@ -118,13 +119,13 @@ TEST(FileBytes, FileLargerThanMemoryIsAReadFailure) {
     EXPECT_EQ((std::uint64_t{5} << 30) + 1, file.size);
     ASSERT_TRUE(CloseFile(file));
     std::vector<uint8_t> bytes = {9};
-    EXPECT_EQ(ReadOutcome::ReadFailed, ReadWholeFile(folder.Utf8("huge"), bytes));
+    EXPECT_EQ(ReadOutcome::ReadFailed, ReadWholeFile(folder.PathOf("huge"), bytes));
     EXPECT_TRUE(bytes.empty());
 }
 
 TEST(FileBytes, OpenWriterIsCopedWithOrRefused) {
-    const ScratchFolder folder("FileBytesSharing");
-    const std::string path = folder.Utf8("log");
+    const TestSupport::ScratchFolder folder("FileBytesSharing");
+    const std::string path = folder.PathOf("log");
     File writer;
     writer.accessFlags = FileWrite | FileCreateAndTruncate;
     writer.shareMode = ShareRead | ShareWrite;

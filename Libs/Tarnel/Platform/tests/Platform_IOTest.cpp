@@ -15,7 +15,7 @@
 using namespace Platform;
 
 TEST(File, RecordFollowsWritesAndIsResetByClose) {
-    const ScratchFolder folder("File");
+    const TestSupport::ScratchFolder folder("File");
     const std::wstring path = folder.Wide() + L"/file";
     File file;
     file.accessFlags = FileWrite | FileCreateAndTruncate;
@@ -30,7 +30,7 @@ TEST(File, RecordFollowsWritesAndIsResetByClose) {
     EXPECT_EQ(File::InvalidHandle, file.handle);
     EXPECT_EQ(0u, file.accessFlags + file.position + file.size);
     std::string text;
-    std::ifstream(folder.Path() / "file") >> text;
+    std::ifstream(folder.Folder() / "file") >> text;
     EXPECT_EQ("12345678", text);
     file.accessFlags = FileRead;
     EXPECT_TRUE(OpenFile(file, path.c_str()));
@@ -39,7 +39,7 @@ TEST(File, RecordFollowsWritesAndIsResetByClose) {
 }
 
 TEST(File, MisuseIsReported) {
-    const ScratchFolder folder("FileMisuse");
+    const TestSupport::ScratchFolder folder("FileMisuse");
     const std::wstring path = folder.Wide() + L"/file";
     const AssertCapture capture;
     File file;
@@ -54,8 +54,8 @@ TEST(File, MisuseIsReported) {
 }
 
 TEST(File, WriteTheSystemRefusesIsReported) {
-    const ScratchFolder folder("FileRefused");
-    std::ofstream(folder.Path() / "file") << "text";
+    const TestSupport::ScratchFolder folder("FileRefused");
+    std::ofstream(folder.Folder() / "file") << "text";
     File file;
     file.accessFlags = FileRead;
     ASSERT_TRUE(OpenFile(file, (folder.Wide() + L"/file").c_str()));
@@ -70,8 +70,8 @@ TEST(File, WriteTheSystemRefusesIsReported) {
 }
 
 TEST(DirectoryTree, NarrowAndWideCreateTheSame) {
-    const ScratchFolder folder("Tree");
-    const std::string narrow = folder.Utf8("n/J\xC3\xB6rg/\xE5\xA4\xAA");
+    const TestSupport::ScratchFolder folder("Tree");
+    const std::string narrow = folder.PathOf("n/J\xC3\xB6rg/\xE5\xA4\xAA");
     const std::wstring wide = folder.Wide() + L"/w/J\u00F6rg/\u592A/";
     EXPECT_FALSE(CreateOneDirectory(narrow.c_str())); // no parent
     for (int i = 0; i < 2; ++i) {                     // the second time all is there
@@ -79,14 +79,14 @@ TEST(DirectoryTree, NarrowAndWideCreateTheSame) {
         EXPECT_TRUE(CreateDirectoryTree(wide.c_str()));
     }
     EXPECT_TRUE(CreateOneDirectory(narrow.c_str()));
-    EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / u8"n/Jörg/太"));
-    EXPECT_TRUE(std::filesystem::is_directory(folder.Path() / u8"w/Jörg/太"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder.Folder() / u8"n/Jörg/太"));
+    EXPECT_TRUE(std::filesystem::is_directory(folder.Folder() / u8"w/Jörg/太"));
 }
 
 TEST(DirectoryTree, StopsAtTheFirstFolderThatFails) {
-    const ScratchFolder folder("TreeBlocked");
-    std::ofstream(folder.Path() / "file") << "in the way";
-    EXPECT_FALSE(CreateDirectoryTree(folder.Utf8("file/below/deeper").c_str()));
+    const TestSupport::ScratchFolder folder("TreeBlocked");
+    std::ofstream(folder.Folder() / "file") << "in the way";
+    EXPECT_FALSE(CreateDirectoryTree(folder.PathOf("file/below/deeper").c_str()));
     const AssertCapture capture;
     EXPECT_FALSE(CreateDirectoryTree(static_cast<const char*>(nullptr)));
     EXPECT_FALSE(CreateDirectoryTree(static_cast<const wchar_t*>(nullptr)));

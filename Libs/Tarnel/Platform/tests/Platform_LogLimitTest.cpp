@@ -18,7 +18,7 @@ void Write(int number, char entry) {
 } // namespace
 
 TEST(LogFileSink, The33rdNameIsReportedAndDropped) {
-    const ScratchFolder folder("LogLimit");
+    const TestSupport::ScratchFolder folder("LogLimit");
     EXP_SetLogRoot(folder.Wide().c_str());
     const AssertCapture capture;
     for (int i = 0; i < 34; ++i) {
@@ -29,13 +29,13 @@ TEST(LogFileSink, The33rdNameIsReportedAndDropped) {
     const std::string text = "false|Exceeded maximum log file count of 32";
     EXPECT_EQ((std::vector<std::string>{text, text}), capture.Texts());
     EXPECT_EQ("Libs/Tarnel/Platform/src/Common/Platform_Log", capture.Failures().at(0).sourceUnit);
-    EXPECT_EQ(2u, std::filesystem::file_size(folder.Path() / "Log31"));
-    EXPECT_FALSE(std::filesystem::exists(folder.Path() / "Log32"));
+    EXPECT_EQ(2u, std::filesystem::file_size(folder.Folder() / "Log31"));
+    EXPECT_FALSE(std::filesystem::exists(folder.Folder() / "Log32"));
 }
 
 // The report must not hold the log's lock: this handler would wait for ever.
 TEST(LogFileSink, HandlerOfTheReportMayLog) {
-    const ScratchFolder folder("LogLimitHandler");
+    const TestSupport::ScratchFolder folder("LogLimitHandler");
     EXP_SetLogRoot(folder.Wide().c_str());
     const AssertCapture capture;
     static int s_calls = 0;

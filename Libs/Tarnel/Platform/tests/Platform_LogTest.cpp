@@ -156,30 +156,30 @@ TEST_F(LogTest, FormatsSizesAsTheStandardSays) {
 }
 
 TEST_F(LogTest, FileHoldsTheBytesAsGivenAndIsTruncatedOnce) {
-    const ScratchFolder folder("LogBytes");
+    const TestSupport::ScratchFolder folder("LogBytes");
     EXP_SetLogRoot(folder.Wide().c_str());
-    std::ofstream(folder.Path() / "Bytes.log") << "from an earlier run, longer than the new entries";
+    std::ofstream(folder.Folder() / "Bytes.log") << "from an earlier run, longer than the new entries";
     Write(L"Bytes.log", "one");
     Write(L"Bytes.log", std::string("\0\r\n", 3));
     Write(L"Bytes.log", "two");
-    EXPECT_EQ(std::string("one\0\r\ntwo", 9), ReadText(folder.Path() / "Bytes.log"));
+    EXPECT_EQ(std::string("one\0\r\ntwo", 9), ReadText(folder.Folder() / "Bytes.log"));
 }
 
 TEST_F(LogTest, LostEntriesUseNoSlot) {
-    const ScratchFolder folder("LogLost");
+    const TestSupport::ScratchFolder folder("LogLost");
     Write(L"Lost.log", "no root yet");
     Write(nullptr, "no name");
     EXP_SetLogRoot((folder.Wide() + L"/missing").c_str());
     Write(L"Lost.log", "no such folder");
     EXP_SetLogRoot(folder.Wide().c_str());
     Write(L"Lost.log", "kept");
-    EXPECT_EQ("kept", ReadText(folder.Path() / "Lost.log"));
+    EXPECT_EQ("kept", ReadText(folder.Folder() / "Lost.log"));
 }
 
 TEST_F(LogTest, ThreadsOpenANewLogOnceAndNeverMixEntries) {
     constexpr int Threads = 8;
     constexpr int Entries = 50;
-    const ScratchFolder folder("LogThreads");
+    const TestSupport::ScratchFolder folder("LogThreads");
     EXP_SetLogRoot(folder.Wide().c_str());
     for (int round = 0; round < 10; ++round) {
         const std::wstring name = L"Threads" + std::to_wstring(round) + L".log";
@@ -197,6 +197,6 @@ TEST_F(LogTest, ThreadsOpenANewLogOnceAndNeverMixEntries) {
         for (std::thread& thread : threads) {
             thread.join();
         }
-        EXPECT_EQ(std::vector<int>(Threads, Entries), CountEntries(folder.Path() / name, Threads)) << round;
+        EXPECT_EQ(std::vector<int>(Threads, Entries), CountEntries(folder.Folder() / name, Threads)) << round;
     }
 }

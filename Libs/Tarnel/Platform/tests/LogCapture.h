@@ -1,0 +1,75 @@
+#pragma once
+
+#include <cstdint>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+
+namespace TestSupport {
+
+// Collects every log entry while it lives, from all threads, then puts the callback it found back. One at a
+// time.
+class LogCapture {
+public:
+    struct Entry {
+        std::wstring log;
+        std::string text; // what follows the time prefix
+        bool operator==(const Entry&) const = default;
+    };
+
+    LogCapture() : m_previous(EXP_GetLogEventCallback()) {
+        const std::lock_guard lock(s_lock);
+        s_entries.clear();
+        EXP_SetLogEventCallback(&Collect);
+    }
+    ~LogCapture() { EXP_SetLogEventCallback(m_previous); }
+    LogCapture(const LogCapture&) = delete; // it stands for the installed callback
+    LogCapture& operator=(const LogCapture&) = delete;
+
+    std::vector<Entry> Entries() const {
+        const std::lock_guard lock(s_lock);
+        return s_entries;
+    }
+
+    // The texts of one log, in their order.
+    std::vector<std::string> Texts(std::wstring_view log) const {
+        std::vector<std::string> texts;
+        for (Entry& entry : Entries()) {
+            if (entry.log == log) {
+                texts.push_back(std::move(entry.text));
+            }
+        }
+        return texts;
+    }
+    std::vector<std::string> Infos() const { return Texts(Platform::InfoLog); }
+    std::vector<std::string> Errors() const { return Texts(Platform::ErrorLog); }
+
+    bool Contains(std::wstring_view log, std::string_view text) const {
+        for (const std::string& entry : Texts(log)) {
+            if (entry == text) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+private:
+    static constexpr std::size_t PrefixLength = 22; // "[2026-01-31 23:59:59]\t"
+
+    static void Collect(const wchar_t* logName, const char* data, uint32_t length, int) {
+        const std::string_view entry(data, length);
+        const std::lock_guard lock(s_lock);
+        s_entries.push_back(
+            {logName, std::string(entry.substr(entry.size() < PrefixLength ? 0 : PrefixLength))});
+    }
+
+    inline static std::mutex s_lock;
+    inline static std::vector<Entry> s_entries;
+    Platform::LogEventCallback m_previous;
+};
+
+} // namespace TestSupport
