@@ -54,11 +54,14 @@ void TypeRegistration::Register(BuildFunction build) {
     }
     Scope scope(*this);
     try {
-        if (!m_descriptor) {
-            m_descriptor = new TypeDescriptor;
+        // Types built on the way may point at it: the address stays through every attempt.
+        if (!m_isConstructed) {
+            new (m_storage) TypeDescriptor;
+            m_isConstructed = true;
+        } else {
+            Descriptor() = TypeDescriptor();
         }
-        *m_descriptor = TypeDescriptor(); // types built on the way may point at it: the address stays
-        build(*m_descriptor);
+        build(Descriptor());
         scope.Built();
     } catch (...) {
         m_state.store(NotStarted);

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
 #include <cstdint>
+#include <new>
 
 #include "Libs/Tarnel/Reflection/src/Reflection_TypeDescriptor.h"
 
@@ -37,7 +39,7 @@ public:
         if (m_state.load(std::memory_order_acquire) != Done) [[unlikely]] {
             Register(build);
         }
-        return *m_descriptor;
+        return Descriptor();
     }
 
 private:
@@ -45,9 +47,11 @@ private:
     class Scope;
 
     void Register(BuildFunction build);
+    TypeDescriptor& Descriptor() { return *std::launder(reinterpret_cast<TypeDescriptor*>(m_storage)); }
 
     std::atomic<uint32_t> m_state = NotStarted;
-    TypeDescriptor* m_descriptor = nullptr;
+    bool m_isConstructed = false; // guarded by the registration lock
+    alignas(TypeDescriptor) std::byte m_storage[sizeof(TypeDescriptor)] = {};
     TypeRegistration* m_nextBuilt = nullptr; // built, waiting to be published
 };
 
