@@ -1,6 +1,8 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_ConvertString.h"
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
 #include <gtest/gtest.h>
 
@@ -108,4 +110,12 @@ TEST(ConvertString, SenselessArgumentsAreToldApart) {
     EXPECT_EQ(0u, units);
     EXPECT_EQ(ConvertString_InvalidArgument, ConvertString("a", 1, nullptr, 4, units));
     EXPECT_EQ(ConvertString_Done, ConvertString(nullptr, 0, output, 4, units));
+}
+
+TEST(ConvertString, ATextThatNoStringCanHoldIsAFailureAndNoException) {
+    const std::string_view endless("a", SIZE_MAX / 2);
+    std::wstring wide = L"old";
+    EXPECT_EQ(ConvertString_UnknownError, ConvertString(endless, wide));
+    EXPECT_EQ(L"", wide);
+    EXPECT_EQ(EncodingOutcome::OtherFailure, Utf8ToWide(endless, wide));
 }
