@@ -33,6 +33,12 @@ bool KnownPath::Query(Status& status) const {
     return true;
 }
 
+uint64_t PreciseSystemTime() {
+    FILETIME time = {};
+    GetSystemTimePreciseAsFileTime(&time);
+    return Join(time.dwHighDateTime, time.dwLowDateTime);
+}
+
 std::string PathOnDisk(const std::string& folder) {
     const std::size_t end = folder.find_last_not_of("\\/");
     const std::size_t before = folder.find_last_of("\\/", end);

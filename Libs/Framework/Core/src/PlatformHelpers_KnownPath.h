@@ -26,6 +26,10 @@ private:
     std::wstring m_systemPath;
 };
 
+// Now, as a file time. The precise one: the other moves in steps of up to 16 ms and can be behind the
+// creation of a folder.
+uint64_t PreciseSystemTime();
+
 // A folder's path, with a trailing separator, whose last name stands in it as on the disk: not every system
 // finds a name in another case as quickly. The path itself where it can't be told.
 std::string PathOnDisk(const std::string& folder);

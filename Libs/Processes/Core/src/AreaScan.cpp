@@ -6,9 +6,8 @@
 
 ResultCode AreaScan::SetFolder(std::string folder) {
     m_folder = std::move(folder);
-    m_timesTellOfEntries = PlatformHelpers::FolderTimesTellOfEntries(m_folder);
     m_folderOnDisk = PlatformHelpers::PathOnDisk(m_folder);
-    return m_path.Set(m_folderOnDisk);
+    return m_listed.Set(m_folderOnDisk);
 }
 
 ResultCode AreaScan::Run(const MeasuredFolder::Clock& clock) {
@@ -20,16 +19,12 @@ ResultCode AreaScan::Run(const MeasuredFolder::Clock& clock) {
 }
 
 ResultCode AreaScan::ListSubFolders(const MeasuredFolder::Clock& clock) {
-    PlatformHelpers::KnownPath::Status area;
-    const bool isThere = m_path.Query(area);
-    if (isThere && m_stamp.Holds(area.lastWriteTime)) {
+    if (!m_listed.MustList(clock)) {
         return Platform::Success;
     }
-    m_stamp.Clear();
-    const uint64_t now = clock();
     const ResultCode result = ListAnew();
-    if (result && isThere && m_timesTellOfEntries) {
-        m_stamp.Set(area.lastWriteTime, now);
+    if (result) {
+        m_listed.SetListed();
     }
     return result;
 }
@@ -60,7 +55,7 @@ ResultCode AreaScan::Meet(const std::string& name, bool isLink) {
 void AreaScan::MeasureAll(const MeasuredFolder::Clock& clock) {
     m_records.resize(m_subFolders.size());
     for (auto& [name, known] : m_subFolders) {
-        if (known.folder.Measure(clock, m_timesTellOfEntries, m_records[m_recordCount])) {
+        if (known.folder.Measure(clock, m_listed.TimesTellOfEntries(), m_records[m_recordCount])) {
             ++m_recordCount;
         }
     }

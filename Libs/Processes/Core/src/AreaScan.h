@@ -9,8 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "Libs/Framework/Core/src/PlatformHelpers_KnownPath.h"
-#include "Libs/Processes/Core/src/EntriesStamp.h"
+#include "Libs/Processes/Core/src/ListedFolder.h"
 #include "Libs/Processes/Core/src/MeasuredFolder.h"
 #include "Libs/Processes/Core/src/QuotaDecision.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
@@ -46,11 +45,9 @@ private:
 
     std::string m_folder;
     std::string m_folderOnDisk;
-    PlatformHelpers::KnownPath m_path;
-    bool m_timesTellOfEntries = false;
+    ListedFolder m_listed;
 
     std::unordered_map<std::string, KnownSubFolder, Hash, std::equal_to<>> m_subFolders;
-    EntriesStamp m_stamp; // of m_subFolders
     uint64_t m_listing = 0;
 
     std::vector<QuotaDecision::FolderRecord> m_records; // re-used: the first m_recordCount count

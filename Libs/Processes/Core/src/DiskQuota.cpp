@@ -12,17 +12,6 @@
 
 Reflection_DefinePolymorphicType(DiskQuota);
 
-namespace {
-
-// The precise one: the other moves in steps of up to 16 ms and can be behind a folder's creation.
-uint64_t SystemTime() {
-    FILETIME time = {};
-    GetSystemTimePreciseAsFileTime(&time);
-    return uint64_t{time.dwHighDateTime} << 32 | time.dwLowDateTime;
-}
-
-} // namespace
-
 ResultCode DiskQuota::Initialize(const JsonDocument& config, int, const char**) {
     if (const ResultCode result = ReadConfigSection(config, GetName(), m_config); !result) {
         return result;
@@ -84,7 +73,9 @@ void DiskQuota::Pass() {
 }
 
 void DiskQuota::Scan(AreaScan& area) {
-    if (const ResultCode result = ExceptionToResult([&] { return area.Run(SystemTime); }); !result) {
+    if (const ResultCode result =
+            ExceptionToResult([&] { return area.Run(PlatformHelpers::PreciseSystemTime); });
+        !result) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to scan folder %s. Error=%s", area.GetFolder().c_str(),
                      result.Text());
     }

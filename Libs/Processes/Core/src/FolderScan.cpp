@@ -15,14 +15,23 @@ ResultCode FolderScan::Run() {
 
 void FolderScan::Visit(const PlatformHelpers::PathInfo& entry, bool& keepGoing) {
     if (m_config.ignoreReadOnlyFolders && entry.IsReadOnly()) {
+        m_hasLeftOvers = true;
         return;
     }
-    if (!m_known.Contains(entry.name) && IsComplete(entry.name)) {
-        keepGoing = Accept(entry.name);
+    if (!m_known.Contains(entry.name)) {
+        keepGoing = VisitUnknown(entry.name);
     }
     if (++m_visited % EntriesBetweenYields == 0) {
         std::this_thread::yield();
     }
+}
+
+bool FolderScan::VisitUnknown(const std::string& name) {
+    if (!IsComplete(name)) {
+        m_hasLeftOvers = true;
+        return true;
+    }
+    return Accept(name);
 }
 
 bool FolderScan::IsComplete(std::string_view name) {
@@ -51,6 +60,7 @@ bool FolderScan::IsSentinelReadOnly() const {
 bool FolderScan::Accept(const std::string& name) {
     if (m_config.maxFolderScans >= 0) {
         if (m_accepted >= m_config.maxFolderScans) {
+            m_hasLeftOvers = true;
             return false;
         }
         ++m_accepted;

@@ -22,10 +22,15 @@ public:
     ResultCode Run();
     const std::vector<std::string>& GetNewNames() const { return m_newNames; }
 
+    // Whether the pass left something that another pass may find without an entry having come: a sub-folder
+    // that is not complete, is passed over or was too many.
+    bool HasLeftOvers() const { return m_hasLeftOvers; }
+
 private:
     static constexpr uint32_t EntriesBetweenYields = 1000;
 
     void Visit(const PlatformHelpers::PathInfo& entry, bool& keepGoing);
+    bool VisitUnknown(const std::string& name);
     bool IsComplete(std::string_view name);
     bool IsSentinelReadOnly() const;
     bool Accept(const std::string& name);
@@ -36,4 +41,5 @@ private:
     std::string m_sentinel; // re-used from entry to entry
     uint32_t m_visited = 0;
     int32_t m_accepted = 0;
+    bool m_hasLeftOvers = false;
 };

@@ -49,14 +49,20 @@ bool MeasuredFolder::AddUpFiles(uint64_t lastWriteTime, uint64_t now, bool mayRe
     return true;
 }
 
-bool MeasuredFolder::AddUpRemembered(uint64_t& size) const {
+bool MeasuredFolder::AddUpRemembered(uint64_t& size) {
+    const bool asksAll = m_passesToGo == 0;
+    m_passesToGo = asksAll ? PassesWithoutAsking : m_passesToGo - 1;
     size = 0;
     PlatformHelpers::KnownPath::Status status;
-    for (const PlatformHelpers::KnownPath& file : m_files) {
-        if (!file.Query(status)) {
-            return false;
+    for (KnownFile& file : m_files) {
+        if (asksAll || !file.isReadOnly) {
+            if (!file.path.Query(status)) {
+                return false;
+            }
+            file.size = status.size;
+            file.isReadOnly = (status.attributes & PlatformHelpers::ReadOnlyAttribute) != 0;
         }
-        size += status.size;
+        size += file.size;
     }
     return true;
 }
@@ -65,6 +71,7 @@ ResultCode MeasuredFolder::List(uint64_t& size) {
     size = 0;
     m_isValid = false;
     m_files.clear();
+    m_passesToGo = 0;
     const std::string folder = FolderPath::Join(m_pathOnDisk, "");
     return PlatformHelpers::EnumerateFolder(folder, PlatformHelpers::EnumerateFiles,
                                             [&](const PlatformHelpers::PathInfo& file, bool&) {
@@ -82,5 +89,5 @@ ResultCode MeasuredFolder::Remember(const std::string& fileName) {
     if (m_files.size() > MostRemembered) {
         return Platform::Success;
     }
-    return m_files.emplace_back().Set(FolderPath::Join(m_pathOnDisk, fileName));
+    return m_files.emplace_back().path.Set(FolderPath::Join(m_pathOnDisk, fileName));
 }

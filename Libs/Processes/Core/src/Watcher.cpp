@@ -58,7 +58,7 @@ ResultCode Watcher::ResolveFolder() {
         return "Failed to create watcher folder";
     }
     m_config.folder = std::move(folder);
-    return Platform::Success;
+    return m_listed.Set(PlatformHelpers::PathOnDisk(m_config.folder));
 }
 
 ResultCode Watcher::MakeMetrics() {
@@ -95,16 +95,29 @@ bool Watcher::ThreadMain() {
 }
 
 ResultCode Watcher::ScanOnce() {
+    std::vector<std::string> names;
+    if (m_listed.MustList(PlatformHelpers::PreciseSystemTime)) {
+        if (const ResultCode result = FindNew(names); !result) {
+            return result;
+        }
+    }
+    m_metrics.SetKnown(m_known.Size());
+    AddToPending(names);
+    return Platform::Success;
+}
+
+ResultCode Watcher::FindNew(std::vector<std::string>& names) {
     FolderScan scan(m_config, m_known);
     if (const ResultCode result = scan.Run(); !result) {
         return result;
     }
-    const std::vector<std::string>& names = scan.GetNewNames();
+    names = scan.GetNewNames();
     for (const std::string& name : names) {
         m_known.Add(name);
     }
-    m_metrics.SetKnown(m_known.Size());
-    AddToPending(names);
+    if (!scan.HasLeftOvers()) {
+        m_listed.SetListed();
+    }
     return Platform::Success;
 }
 

@@ -7,6 +7,7 @@
 #include "Libs/Framework/Core/src/ApplicationProcessBase.h"
 #include "Libs/Processes/Core/src/FolderScan.h"
 #include "Libs/Processes/Core/src/IWatcher.h"
+#include "Libs/Processes/Core/src/ListedFolder.h"
 #include "Libs/Processes/Core/src/WatcherConfig.h"
 #include "Libs/Processes/Core/src/WatcherMetrics.h"
 
@@ -38,13 +39,16 @@ private:
     ResultCode ResolveFolder();
     ResultCode MakeMetrics();
     ResultCode ScanOnce();
+    ResultCode FindNew(std::vector<std::string>& names);
     void AddToPending(const std::vector<std::string>& names);
 
     // Constant after Initialize.
     WatcherConfig m_config;
     WatcherMetrics m_metrics;
 
-    KnownFolders m_known; // the watcher's thread alone
+    // The watcher's thread alone, once it runs.
+    KnownFolders m_known;
+    ListedFolder m_listed; // counts as listed when all in it is known
 
     std::mutex m_pendingLock;
     std::vector<TaskData> m_pending; // guarded by m_pendingLock

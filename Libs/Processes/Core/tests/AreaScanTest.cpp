@@ -32,6 +32,20 @@ protected:
                               TestSupport::ScratchFolder::FromUtf8(m_scratch.PathOf(to)).c_str()));
     }
 
+    // Gives the folder the last-write time that it had before the change.
+    template <class Change>
+    static void ChangeUnnoticed(const std::string& folder, Change&& change) {
+        HANDLE handle =
+            CreateFileW(TestSupport::ScratchFolder::FromUtf8(folder).c_str(),
+                        FILE_READ_ATTRIBUTES | FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                        nullptr, OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+        FILETIME time = {};
+        ASSERT_TRUE(GetFileTime(handle, nullptr, nullptr, &time));
+        change();
+        ASSERT_TRUE(SetFileTime(handle, nullptr, nullptr, &time));
+        CloseHandle(handle);
+    }
+
     // The record of a sub-folder: its size, "v" when valid; "-" when there is none.
     std::string Measured(const std::string& name) {
         for (const auto& record : m_scan.GetRecords()) {
@@ -99,6 +113,22 @@ TEST_F(AreaScanTest, SeesEveryChangeWhateverItRemembers) {
     Pass(241);
     EXPECT_EQ(Measured("a"), "-");
     EXPECT_EQ(Measured("b"), "3");
+}
+
+// What its signs don't tell of, it finds out all the same.
+TEST_F(AreaScanTest, SeesEvenUnlikelyChangesSoon) {
+    constexpr uint64_t SoonPasses = 16;
+    m_scratch.MakeFile("a/game.dmp", "1");
+    MakeReadOnly("a/game.dmp");
+    Pass(60);
+    ChangeUnnoticed(m_scratch.Path(), [this] { m_scratch.MakeFile("b/x", "1"); });
+    ASSERT_TRUE(PlatformHelpers::MakeFileWritable(m_scratch.PathOf("a/game.dmp")));
+    m_scratch.MakeFile("a/game.dmp", "12345");
+    for (uint64_t pass = 0; pass < SoonPasses; ++pass) {
+        Pass(61 + pass);
+    }
+    EXPECT_EQ(Measured("a"), "5");
+    EXPECT_EQ(Measured("b"), "1");
 }
 
 TEST_F(AreaScanTest, AnAreaThatVanishesLeavesNothing) {

@@ -23,11 +23,13 @@ protected:
             m_known.Add(name);
         }
         std::sort(names.begin(), names.end());
+        m_hasLeftOvers = scan.HasLeftOvers();
         return names;
     }
 
     WatcherConfig m_config;
     KnownFolders m_known;
+    bool m_hasLeftOvers = false; // of the last pass
 };
 
 } // namespace
@@ -41,9 +43,13 @@ TEST_F(FolderScanTest, AFolderCountsOnceItsSentinelIsReadOnly) {
     MakeComplete("太郎");
     MakeComplete("packed", "gz", "header.json.gz");
     EXPECT_EQ(Pass(), (Names{"packed", "太郎"}));
+    EXPECT_TRUE(m_hasLeftOvers);
+    ASSERT_TRUE(PlatformHelpers::RemoveFolder(m_scratch.PathOf("empty")));
     MakeReadOnly("writing/header.json");
     EXPECT_EQ(Pass(), Names{"writing"});
+    EXPECT_FALSE(m_hasLeftOvers);
     EXPECT_EQ(Pass(), Names{});
+    EXPECT_FALSE(m_hasLeftOvers);
 }
 
 TEST_F(FolderScanTest, ThePlainSentinelDecidesWhenBothAreThere) {
@@ -66,7 +72,9 @@ TEST_F(FolderScanTest, ALimitSpreadsFoldersOverPasses) {
     }
     EXPECT_EQ(Pass().size(), 2U);
     EXPECT_EQ(Pass().size(), 2U);
+    EXPECT_TRUE(m_hasLeftOvers);
     EXPECT_EQ(Pass().size(), 1U);
+    EXPECT_FALSE(m_hasLeftOvers);
     EXPECT_EQ(Pass().size(), 0U);
     EXPECT_EQ(m_known.Size(), 5U);
 }
@@ -90,6 +98,7 @@ TEST_F(FolderScanTest, ReadOnlyFoldersAreIgnoredWhenAsked) {
     MakeComplete("plain");
     m_config.ignoreReadOnlyFolders = true;
     EXPECT_EQ(Pass(), Names{"plain"});
+    EXPECT_TRUE(m_hasLeftOvers);
     m_config.ignoreReadOnlyFolders = false;
     EXPECT_EQ(Pass(), Names{"marked"});
     ASSERT_TRUE(TestSupport::SetFolderReadOnly(m_scratch.PathOf("marked"), false));
