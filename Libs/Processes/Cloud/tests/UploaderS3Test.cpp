@@ -108,7 +108,7 @@ TEST_F(UploaderS3Configuration, EveryRequiredKeyIsMissed) {
         std::string section;
         for (const std::string key : keys) {
             if (key != missing) {
-                section += (section.empty() ? "\"" : ", \"") + key + "\": \"Packages\"";
+                section += (section.empty() ? R"(")" : R"(, ")") + key + R"(": "Packages")";
             }
         }
         SCOPED_TRACE(missing);

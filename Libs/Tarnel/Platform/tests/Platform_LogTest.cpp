@@ -43,7 +43,8 @@ std::string WithNines(std::string text) {
 }
 
 std::string EntryOfThread(int t) {
-    return std::string(static_cast<std::size_t>(10 + t), static_cast<char>('a' + t));
+    std::string entry(static_cast<std::size_t>(10 + t), static_cast<char>('a' + t));
+    return entry;
 }
 
 // How often each thread's entry stands in the file, whole; empty when anything else does.
@@ -63,7 +64,7 @@ std::vector<int> CountEntries(const std::filesystem::path& path, int threads) {
 // Log files stay open until the program ends, so every case uses log names of its own.
 class LogTest : public testing::Test {
 protected:
-    ~LogTest() override {
+    void TearDown() override {
         EXP_SetLogRoot(nullptr);
         EXP_SetLogEventCallback(nullptr);
     }
@@ -185,6 +186,7 @@ TEST_F(LogTest, ThreadsOpenANewLogOnceAndNeverMixEntries) {
         const std::wstring name = L"Threads" + std::to_wstring(round) + L".log";
         std::atomic<int> ready = 0;
         std::vector<std::thread> threads;
+        threads.reserve(Threads);
         for (int t = 0; t < Threads; ++t) {
             threads.emplace_back([&ready, &name, t] {
                 for (++ready; ready < Threads;) { // all at the new name at once
