@@ -10,7 +10,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-known=(compress md5)
+known=(compress md5 header watcher start idle)
 release=${MORVANE_BENCH_RELEASE:-build/release} # as it ships, run under Wine
 native=${MORVANE_BENCH_NATIVE:-build/bench}     # this machine's own programs, optimised
 export WINEPREFIX=${WINEPREFIX:-$PWD/build/wine}
@@ -23,6 +23,12 @@ rows=()
 
 row_compress() { under_wine CompressBench; }
 row_md5() { natively Md5Bench; }
+row_header() { under_wine HeaderBench; }
+row_watcher() { under_wine WatcherBench; }
+row_start() { under_wine StartBench; }
+row_idle() { # the second as docs/recommended-configuration.json has it
+    idle_agent --defaults && idle_agent
+}
 
 # ---- how they run
 
@@ -32,6 +38,10 @@ under_wine() { # program [argument]...
 
 natively() { # program [argument]...
     "$native/bin/$1" "--scratch=$scratch" "${quick[@]}" "${@:2}"
+}
+
+idle_agent() { # [argument]...
+    MORVANE_BIN=$release/bin MORVANE_SCRATCH=$scratch/idle /usr/bin/python3 bench/idle_agent.py "${quick[@]}" "$@"
 }
 
 build() { # preset folder target...
