@@ -10,7 +10,7 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
-known=(compress md5 header watcher start idle)
+known=(compress package md5 memory header watcher start idle)
 release=${MORVANE_BENCH_RELEASE:-build/release} # as it ships, run under Wine
 native=${MORVANE_BENCH_NATIVE:-build/bench}     # this machine's own programs, optimised
 export WINEPREFIX=${WINEPREFIX:-$PWD/build/wine}
@@ -22,6 +22,8 @@ rows=()
 # ---- the rows: each prints what its programs print; a line "ROW<tab>..." goes into the table (bench/src/Bench.h)
 
 row_compress() { under_wine CompressBench; }
+row_package() { packaging time; }
+row_memory() { packaging memory; }
 row_md5() { natively Md5Bench; }
 row_header() { under_wine HeaderBench; }
 row_watcher() { under_wine WatcherBench; }
@@ -44,9 +46,15 @@ idle_agent() { # [argument]...
     MORVANE_BIN=$release/bin MORVANE_SCRATCH=$scratch/idle /usr/bin/python3 bench/idle_agent.py "${quick[@]}" "$@"
 }
 
+packaging() { # time|memory
+    /usr/bin/python3 bench/packaging.py "$1" --release "$release" --native "$native" --scratch "$scratch" "${quick[@]}"
+}
+
 build() { # preset folder target...
-    cmake --preset "$1" -B "$2" >"build/$1-bench.log" 2>&1 && cmake --build "$2" --target "${@:3}" >>"build/$1-bench.log" 2>&1 ||
-        { cat "build/$1-bench.log" >&2 && return 1; }
+    if ! { cmake --preset "$1" -B "$2" && cmake --build "$2" --target "${@:3}"; } >"build/$1-bench.log" 2>&1; then
+        cat "build/$1-bench.log" >&2
+        return 1
+    fi
 }
 
 print_table() { # reads the rows
@@ -86,10 +94,9 @@ scripts/run-wine.sh cmd.exe /c exit </dev/null >/dev/null 2>&1
 unmeasured=()
 for name in "${rows[@]}"; do
     echo "==== $name"
-    before=$(wc -l <"$results")
-    "row_$name" | tee >(grep $'^ROW\t' >>"$results") | grep -v $'^ROW\t' || true
-    status=("${PIPESTATUS[@]}")
-    [ "${status[0]}" = 0 ] && [ "$(wc -l <"$results")" -gt "$before" ] || unmeasured+=("$name")
+    if ! "row_$name" | tee "$scratch/output" | { grep -v $'^ROW\t' || true; } || ! grep $'^ROW\t' "$scratch/output" >>"$results"; then
+        unmeasured+=("$name")
+    fi
 done
 
 print_table <"$results"

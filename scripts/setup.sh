@@ -14,6 +14,7 @@ packages=(
     g++=4:12.2.0                        # preset native
     libc6-dev=2.36
     zlib1g-dev=1:1.2.13
+    libssl-dev=3.0.                     # bench.sh: the MD5 to measure up to
     g++-mingw-w64-x86-64-posix=12.2.0   # presets release and debug
     gcc-mingw-w64-x86-64-posix=12.2.0
     binutils-mingw-w64-x86-64=2.40

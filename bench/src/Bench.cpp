@@ -66,7 +66,8 @@ void Note(const std::string& text) {
 
 void Fail(const std::string& why) {
     std::fprintf(stderr, "bench: %s\n", why.c_str());
-    std::exit(1);
+    std::fflush(nullptr);
+    std::_Exit(1); // other threads may be at work: nothing is torn down under them
 }
 
 } // namespace Bench
