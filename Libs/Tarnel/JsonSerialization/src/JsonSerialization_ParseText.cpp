@@ -7,6 +7,7 @@
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Exponents.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Surrogates.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_TextStream.h"
 
 #include <rapidjson/error/en.h>
@@ -106,9 +107,10 @@ bool ParseText(std::string_view text, JsonDocument& document) {
     }
     try {
         std::string tamed;
-        if (HasUnsafeExponent(text)) {
+        if (HasUnsafeExponent(text) || HasLoneLowSurrogate(text)) {
             tamed = text;
             TameExponents(tamed);
+            BreakLoneLowSurrogates(tamed);
             text = tamed;
         }
         if (ParseShallow(text, document)) {

@@ -48,6 +48,8 @@ TEST(ParseText, TakesOneJsonTextInUtf8) {
         {"[\"\xC3(\"]", "Invalid encoding in string.@2"},
         {"[\"\xED\xA0\x80\"]", "Invalid encoding in string.@2"},
         {"[\"\\ud800\"]", "The surrogate pair in string is invalid.@2"},
+        {"[\"\\udc00\"]", "The surrogate pair in string is invalid.@2"},
+        {R"(["\ud83d\ude00\ude00\ude00"])", "The surrogate pair in string is invalid.@14"},
         {"[1e309]", "Number too big to be stored in double.@1"},
         {"[\"a\tb\"]", "Invalid escape character in string.@3"},
         {"[//\n1]", "Invalid value.@1"},
