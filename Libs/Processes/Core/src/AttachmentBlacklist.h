@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <regex>
 #include <string>
 #include <vector>
@@ -10,6 +11,9 @@
 // judge afterwards.
 class AttachmentBlacklist {
 public:
+    // In bytes of UTF-8. Reading an expression needs stack for each of its levels.
+    static constexpr std::size_t MaxPatternLength = 1000;
+
     // Why a pattern was refused.
     struct BadPattern {
         std::string pattern;
@@ -23,8 +27,9 @@ public:
     // Unknown: the search gave up on this name; what cannot be checked must not be sent.
     enum class Verdict { Allowed, Listed, Unknown };
 
-    // Listed when any expression is found anywhere in the name. The search uses about a kilobyte of stack for
-    // each byte of the name.
+    // Listed when any expression is found anywhere in the name. What the search takes of time and stack is in
+    // bounds that the expression sets and not the name; only an expression with back-references can take time
+    // without end, and about a kilobyte of stack for each byte of the name.
     Verdict Judge(const std::string& name) const;
 
 private:

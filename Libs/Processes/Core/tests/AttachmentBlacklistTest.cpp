@@ -38,7 +38,27 @@ TEST(AttachmentBlacklist, TellsTheBadPatternAndItsFault) {
     EXPECT_FALSE(bad.message.empty());
 }
 
-// The search goes one level deeper for each byte of the name.
-TEST(AttachmentBlacklist, TheLongestNameThatIsSearchedFitsOnTheStack) {
-    EXPECT_EQ(JudgeBy({"([a-z]|[0-9])*!"}, std::string(MaxAttachmentNameLength, 'a')), Verdict::Allowed);
+TEST(AttachmentBlacklist, RefusesWhatTheCompilerOfPatternsCantTake) {
+    AttachmentBlacklist blacklist;
+    AttachmentBlacklist::BadPattern bad;
+    const std::string deep = std::string(100000, '(') + std::string(100000, ')');
+    EXPECT_FALSE(blacklist.Compile({deep}, bad).Succeeded());
+    EXPECT_EQ(bad.message, "It is too long, or a number in it too large");
+    EXPECT_FALSE(blacklist.Compile({"a{1,22222222222222222222}"}, bad).Succeeded());
+    const std::size_t half = AttachmentBlacklist::MaxPatternLength / 2;
+    EXPECT_TRUE(blacklist.Compile({std::string(half, '(') + std::string(half, ')')}, bad).Succeeded());
+}
+
+// Each of them would need more stack than a thread has, or more time than anybody has, if the search tried
+// one way after the other.
+TEST(AttachmentBlacklist, NoNameMakesASearchEndless) {
+    const std::string name(MaxAttachmentNameLength, 'a');
+    EXPECT_EQ(JudgeBy({"([a-z]|[0-9])*!"}, name), Verdict::Allowed);
+    EXPECT_EQ(JudgeBy({std::string(20, '(') + "a" + std::string(20, ')') + "*!"}, name), Verdict::Allowed);
+    EXPECT_EQ(JudgeBy({"(a+a+)+!"}, name), Verdict::Allowed);
+}
+
+TEST(AttachmentBlacklist, KnowsBackReferences) {
+    EXPECT_EQ(JudgeBy({"(.)\\1\\.log"}, "call.log"), Verdict::Listed);
+    EXPECT_EQ(JudgeBy({"(.)\\1\\.log"}, "calk.log"), Verdict::Allowed);
 }
