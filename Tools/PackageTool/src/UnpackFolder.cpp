@@ -68,15 +68,16 @@ std::string UnpackFolder::Write(const std::string& name, const Fill& fill, std::
 }
 
 std::string UnpackFolder::FreeName(const std::string& name) {
+    const auto [given, isNew] = m_given.emplace(Folded(name), 2);
     std::string candidate = name;
-    for (unsigned number = 2; !m_given.insert(Folded(candidate)).second; ++number) {
-        candidate = Numbered(name, number);
+    for (bool isFree = isNew; !isFree; isFree = m_given.emplace(Folded(candidate), 2).second) {
+        candidate = Numbered(name, given->second++);
     }
     return candidate;
 }
 
 // Makes the folders that the name asks for and removes what stands in its place, if it may.
-std::string UnpackFolder::MakeWay(const std::string& name) const {
+std::string UnpackFolder::MakeWay(const std::string& name) {
     if (!PlatformHelpers::EnsureFolderExists(m_folder)) {
         return "Failed to create the folder";
     }
@@ -97,11 +98,7 @@ std::string UnpackFolder::MakeWay(const std::string& name) const {
     if (!PlatformHelpers::PathExists(target)) {
         return {};
     }
-    // What the system takes for one name, such as Ä.log and ä.log, must not replace each other.
-    const bool isOurs = std::any_of(m_written.begin(), m_written.end(), [&](const std::string& written) {
-        return PathIdentity::IsSameFolder(written, target);
-    });
-    if (isOurs || !m_mayReplace) {
+    if (!m_mayReplace || IsOurs(target)) {
         return "There is already a file of that name";
     }
     if (!PathIdentity::IsLink(target)) {
@@ -114,4 +111,15 @@ std::string UnpackFolder::MakeWay(const std::string& name) const {
         }
     }
     return PlatformHelpers::RemoveFile(target) ? "" : "Failed to replace the file";
+}
+
+// What the system takes for one name, such as Ä.log and ä.log, must not replace each other. Asked only for a
+// target that is there already; each file is looked at once.
+bool UnpackFolder::IsOurs(const std::string& target) {
+    for (const std::string& written : m_written) {
+        m_identities.insert(PathIdentity::IdentityOf(written));
+    }
+    m_written.clear();
+    const std::string identity = PathIdentity::IdentityOf(target);
+    return !identity.empty() && m_identities.contains(identity);
 }

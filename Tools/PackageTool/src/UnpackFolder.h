@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <set>
 #include <span>
 #include <string>
@@ -27,10 +28,12 @@ public:
 
 private:
     std::string FreeName(const std::string& name);
-    std::string MakeWay(const std::string& name) const;
+    std::string MakeWay(const std::string& name);
+    bool IsOurs(const std::string& target);
 
     std::string m_folder;
     bool m_mayReplace;
-    std::set<std::string> m_given; // in lower case, with "/"
-    std::vector<std::string> m_written;
+    std::map<std::string, unsigned> m_given; // in lower case, with "/"; with the next number to try
+    std::vector<std::string> m_written;      // not in m_identities yet
+    std::set<std::string> m_identities;      // of what was written
 };

@@ -89,6 +89,13 @@ bool LiesInside(const std::string& folder, const std::string& relativeName) {
     return finalFolder.empty() || FinalPath(wideFolder + wideName).starts_with(finalFolder + L'\\');
 }
 
+std::string IdentityOf(const std::string& path) {
+    std::string identity;
+    const bool isKnown =
+        Platform::WideToUtf8(FinalPath(ToWide(path)), identity) == Platform::EncodingOutcome::Done;
+    return isKnown ? identity : std::string();
+}
+
 bool IsSameFolder(const std::string& left, const std::string& right) {
     const std::wstring finalLeft = FinalPath(ToWide(left));
     return !finalLeft.empty() && finalLeft == FinalPath(ToWide(right));

@@ -41,11 +41,16 @@ bool LiesInside(const std::string& folder, const std::string& relativeName) {
            finalPath.starts_with(FolderPath::Join(FinalPath(folder), ""));
 }
 
+std::string IdentityOf(const std::string& path) {
+    struct stat status = {};
+    return stat(path.c_str(), &status) == 0
+               ? std::to_string(status.st_dev) + ":" + std::to_string(status.st_ino)
+               : std::string();
+}
+
 bool IsSameFolder(const std::string& left, const std::string& right) {
-    struct stat leftStatus = {};
-    struct stat rightStatus = {};
-    return stat(left.c_str(), &leftStatus) == 0 && stat(right.c_str(), &rightStatus) == 0 &&
-           leftStatus.st_dev == rightStatus.st_dev && leftStatus.st_ino == rightStatus.st_ino;
+    const std::string identity = IdentityOf(left);
+    return !identity.empty() && identity == IdentityOf(right);
 }
 
 } // namespace PathIdentity
