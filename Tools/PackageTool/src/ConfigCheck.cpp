@@ -1,19 +1,35 @@
 #include "Tools/PackageTool/src/ConfigCheck.h"
 
-#include <algorithm>
-#include <tuple>
+#include <map>
 
 #include "Tools/PackageTool/src/ConfigSections.h"
+
+namespace {
+
+using ProblemsByOffset = std::multimap<std::size_t, std::string>;
+
+// One walk through the text for all of them: a long text can have a problem in every word.
+std::vector<ConfigProblem> WithPositions(std::string_view text, ProblemsByOffset found) {
+    PositionCounter counter(text);
+    std::vector<ConfigProblem> problems;
+    for (auto& [offset, problem] : found) {
+        problems.push_back({counter.At(offset), std::move(problem)});
+    }
+    return problems;
+}
+
+} // namespace
 
 std::vector<ConfigProblem> CheckConfig(std::string_view text) {
     JsonDocument document;
     if (!JsonSerialization::ParseText(text, document)) {
-        return {{PositionOf(text, document.GetErrorOffset()), JsonSerialization::ParseErrorText(document)}};
+        return WithPositions(text,
+                             {{document.GetErrorOffset(), JsonSerialization::ParseErrorText(document)}});
     }
     const JsonPositions positions(text, document);
-    std::vector<ConfigProblem> problems;
+    ProblemsByOffset found;
     const RecordReport report = [&](const JsonValue& where, std::string problem) {
-        problems.push_back({positions.Find(where), std::move(problem)});
+        found.emplace(positions.Find(where), std::move(problem));
     };
     if (document.IsObject()) {
         ConfigSections sections;
@@ -22,8 +38,5 @@ std::vector<ConfigProblem> CheckConfig(std::string_view text) {
     } else {
         report(document, "The configuration is not an object");
     }
-    std::stable_sort(problems.begin(), problems.end(), [](const ConfigProblem& a, const ConfigProblem& b) {
-        return std::tie(a.position.line, a.position.column) < std::tie(b.position.line, b.position.column);
-    });
-    return problems;
+    return WithPositions(text, std::move(found));
 }

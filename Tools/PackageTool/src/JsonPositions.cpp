@@ -47,19 +47,25 @@ private:
 
 } // namespace
 
-TextPosition PositionOf(std::string_view text, std::size_t offset) {
-    std::string_view before = text.substr(0, offset);
-    if (before.starts_with(JsonSerialization::ByteOrderMark)) {
-        before.remove_prefix(JsonSerialization::ByteOrderMark.size());
+PositionCounter::PositionCounter(std::string_view text) : m_text(text) {
+    if (text.starts_with(JsonSerialization::ByteOrderMark)) {
+        m_offset = JsonSerialization::ByteOrderMark.size();
     }
-    const auto lines = static_cast<std::size_t>(std::count(before.begin(), before.end(), '\n'));
-    before.remove_prefix(before.rfind('\n') + 1); // npos + 1 is 0
-    const auto characters = static_cast<std::size_t>(
-        std::count_if(before.begin(), before.end(), [](char c) { return (c & 0xC0) != 0x80; }));
-    return {lines + 1, characters + 1};
 }
 
-JsonPositions::JsonPositions(std::string_view text, const JsonDocument& document) : m_text(text) {
+TextPosition PositionCounter::At(std::size_t offset) {
+    for (; m_offset < std::min(offset, m_text.size()); ++m_offset) {
+        const char c = m_text[m_offset];
+        if (c == '\n') {
+            m_position = {m_position.line + 1, 1};
+        } else if ((c & 0xC0) != 0x80) { // the first byte of a character
+            ++m_position.column;
+        }
+    }
+    return m_position;
+}
+
+JsonPositions::JsonPositions(std::string_view text, const JsonDocument& document) {
     TokenScanner tokens(text);
     std::vector<const JsonValue*> open = {&document}; // the next in the text is last
     while (!open.empty()) {
@@ -80,7 +86,7 @@ JsonPositions::JsonPositions(std::string_view text, const JsonDocument& document
     }
 }
 
-TextPosition JsonPositions::Find(const JsonValue& value) const {
+std::size_t JsonPositions::Find(const JsonValue& value) const {
     const auto found = m_offsets.find(&value);
-    return PositionOf(m_text, found == m_offsets.end() ? 0 : found->second);
+    return found == m_offsets.end() ? 0 : found->second;
 }

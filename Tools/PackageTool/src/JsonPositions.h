@@ -12,8 +12,20 @@ struct TextPosition {
     std::size_t column = 1;
 };
 
-// Of the byte at offset; a byte order mark takes no column.
-TextPosition PositionOf(std::string_view text, std::size_t offset);
+// Walks through a text once and tells positions on the way; a byte order mark takes no column. The text must
+// outlive it.
+class PositionCounter {
+public:
+    explicit PositionCounter(std::string_view text);
+
+    // Of the byte at offset, which is not before the last one asked for.
+    TextPosition At(std::size_t offset);
+
+private:
+    std::string_view m_text;
+    std::size_t m_offset = 0;
+    TextPosition m_position;
+};
 
 // Where the values and names of a parsed document stand in its text. Both must outlive it. Nesting costs no
 // stack.
@@ -22,10 +34,9 @@ public:
     // text is what document was parsed from, without error.
     JsonPositions(std::string_view text, const JsonDocument& document);
 
-    // Of a value or a member's name of the document; the text's start for others.
-    TextPosition Find(const JsonValue& value) const;
+    // The offset of a value or a member's name of the document; the text's start for others.
+    std::size_t Find(const JsonValue& value) const;
 
 private:
-    std::string_view m_text;
     std::unordered_map<const JsonValue*, std::size_t> m_offsets;
 };
