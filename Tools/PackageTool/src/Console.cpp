@@ -106,8 +106,8 @@ std::string Printable(std::string_view text) {
     std::string printable;
     for (std::size_t i = 0; i < text.size(); ++i) {
         const auto byte = static_cast<unsigned char>(text[i]);
-        const bool isSecondSet =
-            byte == 0xC2 && i + 1 < text.size() && static_cast<unsigned char>(text[i + 1]) < 0xA0;
+        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
+        const bool isSecondSet = byte == 0xC2 && next >= 0x80 && next < 0xA0;
         if (isSecondSet) {
             ++i;
         }
