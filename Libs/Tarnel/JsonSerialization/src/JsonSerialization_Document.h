@@ -26,7 +26,9 @@ void ReportMisuse(const char* expression, const char* file, int line, bool* igno
 
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
+#if !defined(__clang__) // which does not know it
 #pragma GCC diagnostic ignored "-Wclass-memaccess"
+#endif
 #pragma GCC diagnostic ignored "-Wimplicit-fallthrough"
 #endif
 #include <rapidjson/document.h>
