@@ -4,7 +4,7 @@
 #   ./bench.sh [--quick] [--markdown] [ROW...]
 #
 # ROW names rows of the list below (default: all). --quick runs through everything with little data, which shows that it
-# works and little about speed. --markdown prints the table as the document holds it.
+# works and little about speed. --markdown prints the table as the document holds it; the rest goes to standard error.
 # Exit code 0: every row was measured. A missed goal is told in the table and counted in the last line: it is a finding,
 # and depends on the machine. Exit code 1: a row could not be measured.
 set -euo pipefail
@@ -80,11 +80,13 @@ for argument in "$@"; do
 done
 ((${#rows[@]})) || rows=("${known[@]}")
 
+exec 3>&1
+if $markdown; then exec 1>&2; fi
 scripts/setup.sh
 echo "Building ..."
 build release "$release" bench PackageTool MorvaneCrashReporter SampleGame
 build bench "$native" bench PackageTool
-mkdir -p "$scratch"
+mkdir -p "$scratch" "$WINEPREFIX"
 results=$scratch/rows
 : >"$results"
 trap 'wineserver -k 2>/dev/null || true; rm -rf "$scratch"' EXIT
@@ -94,12 +96,12 @@ scripts/run-wine.sh cmd.exe /c exit </dev/null >/dev/null 2>&1
 unmeasured=()
 for name in "${rows[@]}"; do
     echo "==== $name"
-    if ! "row_$name" | tee "$scratch/output" | { grep -v $'^ROW\t' || true; } || ! grep $'^ROW\t' "$scratch/output" >>"$results"; then
+    if ! "row_$name" | sed -u 's/\r$//' | tee "$scratch/output" | { grep -v $'^ROW\t' || true; } || ! grep $'^ROW\t' "$scratch/output" >>"$results"; then
         unmeasured+=("$name")
     fi
 done
 
-print_table <"$results"
+print_table <"$results" >&3
 missed=$(grep -c 'MISSED$' "$results" || true)
 echo "$(wc -l <"$results") rows measured, $missed missed their goal${unmeasured[*]:+; not measured: ${unmeasured[*]}} (in $SECONDS s)"
 [ ${#unmeasured[@]} -eq 0 ]
