@@ -16,8 +16,9 @@ struct Options {
 };
 Options ReadOptions(int argc, char** argv);
 
-// Seconds since some moment: of the wall, or of this process's processor time in all threads. The processor's
-// clock is as coarse as the system's tick (10 ms), so what it measures has to take a second or more.
+// Seconds since some moment: of the wall, or of this process's processor time in all threads. Under Wine the
+// processor's clock is as coarse as the system's tick (10 ms), so what it measures has to take a second or
+// more.
 using Clock = double (*)();
 double WallSeconds();
 double CpuSeconds();
