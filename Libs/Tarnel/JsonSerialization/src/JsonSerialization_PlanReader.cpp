@@ -1,7 +1,7 @@
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_PlanReader.h"
 
+#include <algorithm>
 #include <cstddef>
-#include <cstring>
 #include <string_view>
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Texts.h"
@@ -45,7 +45,7 @@ private:
 
     static bool HasName(const JsonValue::Member& member, std::string_view key) {
         return member.name.GetStringLength() == key.size() &&
-               std::memcmp(member.name.GetString(), key.data(), key.size()) == 0;
+               std::equal(key.begin(), key.end(), member.name.GetString());
     }
 
     Iterator m_begin;
@@ -76,20 +76,29 @@ ResultCode ReadFields(const ReadPlan& plan, void* object, const ReadSource& sour
     return Platform::Success;
 }
 
+// The elements have room in the vector already; the first that can't be read ends the reading.
+ResultCode ReadElements(const ReadPlan& element, std::byte* place, const ReadSource& source) {
+    const std::size_t size = element.type->size;
+    const Reflection::DeserializeFunction function = element.function;
+    for (const JsonValue& value : source.value.GetArray()) {
+        const ReadSource item = {value, source.context};
+        // Numbers, of which there are thousands, have a function.
+        const ResultCode result = function ? function(place, item) : ReadByPlan(element, place, item);
+        if (!result) {
+            return result;
+        }
+        place += size;
+    }
+    return Platform::Success;
+}
+
 ResultCode ReadVector(const ReadPlan& plan, void* object, const ReadSource& source) {
     if (!source.value.IsArray()) {
         return "Not an array";
     }
     const Reflection::VectorOperations& operations = *plan.type->operations.vector;
     operations.resize(object, source.value.Size());
-    auto* place = static_cast<std::byte*>(operations.mutableElements(object));
-    for (const JsonValue& value : source.value.GetArray()) {
-        if (const ResultCode result = ReadByPlan(*plan.element, place, {value, source.context}); !result) {
-            return result;
-        }
-        place += plan.element->type->size;
-    }
-    return Platform::Success;
+    return ReadElements(*plan.element, static_cast<std::byte*>(operations.mutableElements(object)), source);
 }
 
 ResultCode ReadMap(const ReadPlan& plan, void* object, const ReadSource& source) {
