@@ -25,7 +25,7 @@ row_compress() { under_wine CompressBench; }
 row_package() { packaging time; }
 row_memory() { packaging memory; }
 row_md5() { natively Md5Bench; }
-row_header() { under_wine HeaderBench; }
+row_header() { natively HeaderBench && under_wine HeaderBench; }
 row_watcher() { under_wine WatcherBench; }
 row_start() { under_wine StartBench; }
 row_idle() { # the second as docs/recommended-configuration.json has it
