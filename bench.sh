@@ -26,7 +26,10 @@ row_package() { packaging time; }
 row_memory() { packaging memory; }
 row_md5() { natively Md5Bench; }
 row_header() { natively HeaderBench && under_wine HeaderBench; }
-row_watcher() { under_wine WatcherBench; }
+row_watcher() {
+    local few=$((${#quick[@]} ? 1000 : 10000))
+    make_folders "$few" && make_folders $((few * 10)) && under_wine WatcherBench
+}
 row_start() { under_wine StartBench; }
 row_idle() { # the second as docs/recommended-configuration.json has it
     idle_agent --defaults && idle_agent
@@ -40,6 +43,11 @@ under_wine() { # program [argument]...
 
 natively() { # program [argument]...
     "$native/bin/$1" "--scratch=$scratch" "${quick[@]}" "${@:2}"
+}
+
+make_folders() { # count
+    mkdir -p "$scratch/folders-$1" &&
+        seq -f "$scratch/folders-$1/2024-05-06_07-08-09_crash-%06.0f" 0 $(($1 - 1)) | xargs mkdir
 }
 
 idle_agent() { # [argument]...
