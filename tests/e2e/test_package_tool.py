@@ -137,8 +137,8 @@ def test_unpack_gives_back_the_files(scratch, package, submission):
     run("unpack", package, "--to", out, "--force")
     assert (out / "game.log").read_bytes() != b"mine"
 
-    run("unpack", package, package, "--to", scratch / "two", "--stored")
-    assert gzip.decompress((scratch / "two" / "submission~2" / "game.log.gz").read_bytes()) == (
+    run("unpack", package, package, "--to", "two/deep", "--stored", cwd=scratch)
+    assert gzip.decompress((scratch / "two" / "deep" / "submission~2" / "game.log.gz").read_bytes()) == (
         out / "game.log").read_bytes()
 
 

@@ -7,6 +7,7 @@
 #include "Libs/Processes/Core/src/SubmissionPackager.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Tools/PackageTool/src/Commands.h"
+#include "Tools/PackageTool/src/TargetFolder.h"
 
 namespace {
 
@@ -94,7 +95,7 @@ ExitCode RunPack(const Arguments& arguments) {
     if (!ReadPackagerConfig(arguments, config, blacklist)) {
         return ExitCode::NotReadOrWritten;
     }
-    if (!PlatformHelpers::EnsureFolderExists(arguments.to)) {
+    if (!EnsureTargetFolder(arguments.to)) {
         Console::PrintError(arguments.to, "Failed to create the folder");
         return ExitCode::NotReadOrWritten;
     }

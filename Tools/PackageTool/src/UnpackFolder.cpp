@@ -9,6 +9,7 @@
 #include "Libs/Processes/Core/src/PathIdentity.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_RawFile.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
+#include "Tools/PackageTool/src/TargetFolder.h"
 
 namespace {
 
@@ -78,7 +79,7 @@ std::string UnpackFolder::FreeName(const std::string& name) {
 
 // Makes the folders that the name asks for and removes what stands in its place, if it may.
 std::string UnpackFolder::MakeWay(const std::string& name) {
-    if (!PlatformHelpers::EnsureFolderExists(m_folder)) {
+    if (!EnsureTargetFolder(m_folder)) {
         return "Failed to create the folder";
     }
     for (std::size_t end = name.find_first_of("\\/"); end != std::string::npos;
