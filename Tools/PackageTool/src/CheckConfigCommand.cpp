@@ -38,10 +38,11 @@ ReportedConfig Check(const std::string& file, const std::vector<uint8_t>& bytes)
 
 // In the form that editors jump from.
 std::string Lines(const ReportedConfig& report) {
-    std::string text = report.problems.empty() ? report.file + ": good\n" : "";
+    const std::string file = Console::Printable(report.file);
+    std::string text = report.problems.empty() ? file + ": good\n" : "";
     for (const ReportedConfigProblem& problem : report.problems) {
-        text += report.file + ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column) +
-                ": " + Console::Printable(problem.text) + "\n";
+        text += file + ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column) + ": " +
+                Console::Printable(problem.text) + "\n";
     }
     return text;
 }

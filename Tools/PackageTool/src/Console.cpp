@@ -30,7 +30,32 @@ void PrintLogEntry(const wchar_t* logName, const char* data, uint32_t length, in
     }
     std::string_view text(data, length);
     const std::size_t start = text.find_first_not_of(" \t", text.find('\t') + 1);
-    PrintError(Printable(start == std::string_view::npos ? text : text.substr(start)));
+    PrintError(start == std::string_view::npos ? text : text.substr(start));
+}
+
+// What a terminal obeys, as UTF-8.
+constexpr struct {
+    std::string_view first;
+    std::string_view last;
+} Controls[] = {
+    {std::string_view("\0", 1), "\x1F"},
+    {"\x7F", "\x7F"},
+    {"\xC2\x80", "\xC2\x9F"}, // the second set of control characters
+    {"\xD8\x9C", "\xD8\x9C"}, // marks of writing direction from here on
+    {"\xE2\x80\x8E", "\xE2\x80\x8F"},
+    {"\xE2\x80\xA8", "\xE2\x80\xAE"}, // two line ends among them
+    {"\xE2\x81\xA6", "\xE2\x81\xA9"},
+};
+
+// In bytes, of the control character at the start of text; 0 when that is none.
+std::size_t ControlLength(std::string_view text) {
+    for (const auto& [first, last] : Controls) {
+        const std::string_view start = text.substr(0, first.size());
+        if (start.size() == first.size() && start >= first && start <= last) {
+            return first.size();
+        }
+    }
+    return 0;
 }
 
 bool ReadStandardInput(std::vector<uint8_t>& bytes, std::string& reason) try {
@@ -70,7 +95,7 @@ void Print(std::string_view text) {
 }
 
 void PrintError(std::string_view text) {
-    const std::string line = "PackageTool: " + std::string(text) + "\n";
+    const std::string line = "PackageTool: " + Printable(text) + "\n";
     std::fwrite(line.data(), 1, line.size(), stderr);
 }
 
@@ -104,14 +129,10 @@ bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string
 
 std::string Printable(std::string_view text) {
     std::string printable;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const auto byte = static_cast<unsigned char>(text[i]);
-        const auto next = static_cast<unsigned char>(i + 1 < text.size() ? text[i + 1] : 0);
-        const bool isSecondSet = byte == 0xC2 && next >= 0x80 && next < 0xA0;
-        if (isSecondSet) {
-            ++i;
-        }
-        printable += isSecondSet || byte < 0x20 || byte == 0x7F ? '?' : text[i];
+    while (!text.empty()) {
+        const std::size_t control = ControlLength(text);
+        printable += control > 0 ? '?' : text[0];
+        text.remove_prefix(control > 0 ? control : 1);
     }
     return printable;
 }

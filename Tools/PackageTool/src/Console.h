@@ -22,7 +22,7 @@ void Prepare();
 
 void Print(std::string_view text);
 
-// One line: the program's name, then text.
+// One line: the program's name, then text, made printable.
 void PrintError(std::string_view text);
 void PrintError(const std::string& file, const std::string& text); // file: text
 
@@ -32,7 +32,8 @@ void PrintProgress(std::string_view text); // to standard error, as it is
 // False when reading failed or nothing was there to read; then reason says why.
 bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason);
 
-// For text that others wrote: a terminal obeys control characters, so they become "?".
+// For text that others wrote: a terminal obeys control characters, line ends and marks of writing direction,
+// which can show a name as another. Each becomes "?".
 std::string Printable(std::string_view text);
 
 } // namespace Console

@@ -107,7 +107,7 @@ ExitCode RunPack(const Arguments& arguments) {
         std::string package;
         const std::string reason = Pack(folder, config, blacklist, arguments.force, package);
         if (reason.empty()) {
-            Console::Print(package + "\n");
+            Console::Print(Console::Printable(package) + "\n");
         } else {
             Console::PrintError(folder, reason);
             Raise(code, ExitCode::NotReadOrWritten);

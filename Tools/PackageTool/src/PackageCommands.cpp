@@ -38,7 +38,8 @@ ExitCode RunVerify(const Arguments& arguments) {
     };
     return ForEachPackage(arguments, work, [](const PackageReport& report) {
         return report.problems.empty()
-                   ? report.file + ": good, " + std::to_string(report.entries.size()) + " files\n"
+                   ? Console::Printable(report.file) + ": good, " + std::to_string(report.entries.size()) +
+                         (report.entries.size() == 1 ? " file\n" : " files\n")
                    : ReportProblems(report);
     });
 }

@@ -99,7 +99,7 @@ bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink
 }
 
 std::string ReportTable(const PackageReport& report) {
-    std::string text = report.file + ": " + std::to_string(report.size) + " bytes\n";
+    std::string text = Console::Printable(report.file) + ": " + std::to_string(report.size) + " bytes\n";
     text += HeaderLines(report.header);
     std::size_t width = 4;
     for (const ReportedEntry& entry : report.entries) {
@@ -118,8 +118,9 @@ std::string ReportTable(const PackageReport& report) {
 std::string ReportProblems(const PackageReport& report) {
     std::string text;
     for (const ReportedProblem& problem : report.problems) {
-        text += report.file + ": offset " + std::to_string(problem.offset) + ": " +
-                Console::Printable(problem.text) + "\n";
+        text += Console::Printable(report.file + ": offset " + std::to_string(problem.offset) + ": " +
+                                   problem.text) +
+                "\n";
     }
     return text;
 }

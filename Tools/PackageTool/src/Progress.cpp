@@ -1,7 +1,6 @@
 #include "Tools/PackageTool/src/Progress.h"
 
 #include <algorithm>
-#include <utility>
 
 #include "Tools/PackageTool/src/Console.h"
 
@@ -13,8 +12,8 @@ constexpr char WipeLine[] = "\r\x1B[K";
 
 } // namespace
 
-Progress::Progress(std::string what, uint64_t total)
-    : m_what(std::move(what)), m_total(total), m_isWanted(Console::IsErrorTerminal()),
+Progress::Progress(const std::string& what, uint64_t total)
+    : m_what(Console::Printable(what)), m_total(total), m_isWanted(Console::IsErrorTerminal()),
       m_next(Clock::now() + FirstAfter) {}
 
 Progress::~Progress() {

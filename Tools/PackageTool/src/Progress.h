@@ -9,7 +9,7 @@
 class Progress {
 public:
     // total in bytes; 0 when it is not known, then only what is done is shown.
-    Progress(std::string what, uint64_t total);
+    Progress(const std::string& what, uint64_t total);
     ~Progress();
     Progress(const Progress&) = delete; // one bar on one line
     Progress& operator=(const Progress&) = delete;

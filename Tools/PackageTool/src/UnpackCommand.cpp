@@ -80,7 +80,7 @@ private:
 };
 
 std::string ProblemText(const ReportedProblem& problem) {
-    return "offset " + std::to_string(problem.offset) + ": " + Console::Printable(problem.text);
+    return "offset " + std::to_string(problem.offset) + ": " + problem.text;
 }
 
 std::string UnpackText(const PackageReport& report) {
