@@ -33,26 +33,28 @@ void PrintLogEntry(const wchar_t* logName, const char* data, uint32_t length, in
     PrintError(start == std::string_view::npos ? text : text.substr(start));
 }
 
-// What a terminal obeys, as UTF-8.
+// What a terminal obeys: the bytes of its UTF-8, read as one number.
 constexpr struct {
-    std::string_view first;
-    std::string_view last;
+    std::size_t length; // bytes
+    uint32_t first;
+    uint32_t last;
 } Controls[] = {
-    {std::string_view("\0", 1), "\x1F"},
-    {"\x7F", "\x7F"},
-    {"\xC2\x80", "\xC2\x9F"}, // the second set of control characters
-    {"\xD8\x9C", "\xD8\x9C"}, // marks of writing direction from here on
-    {"\xE2\x80\x8E", "\xE2\x80\x8F"},
-    {"\xE2\x80\xA8", "\xE2\x80\xAE"}, // two line ends among them
-    {"\xE2\x81\xA6", "\xE2\x81\xA9"},
+    {1, 0x00, 0x1F},         {1, 0x7F, 0x7F},
+    {2, 0xC280, 0xC29F},                              // the second set of control characters
+    {2, 0xD89C, 0xD89C},                              // marks of writing direction from here on
+    {3, 0xE2808E, 0xE2808F}, {3, 0xE280A8, 0xE280AE}, // two line ends among them
+    {3, 0xE281A6, 0xE281A9},
 };
 
 // In bytes, of the control character at the start of text; 0 when that is none.
 std::size_t ControlLength(std::string_view text) {
-    for (const auto& [first, last] : Controls) {
-        const std::string_view start = text.substr(0, first.size());
-        if (start.size() == first.size() && start >= first && start <= last) {
-            return first.size();
+    uint32_t value = 0;
+    for (std::size_t length = 1; length <= std::min<std::size_t>(text.size(), 3); ++length) {
+        value = value << 8 | static_cast<unsigned char>(text[length - 1]);
+        for (const auto& control : Controls) {
+            if (control.length == length && value >= control.first && value <= control.last) {
+                return length;
+            }
         }
     }
     return 0;
