@@ -107,12 +107,4 @@ TEST(WindowsApplication, PermissionIsRefusedWhenTheDialogFails) {
     EXPECT_EQ(answer, UploadPermission::Refused);
 }
 
-TEST(WindowsApplication, ReadsItsVersionFromTheProgramFile) {
-    const TestSupport::LogCapture log;
-    PlatformHelpers::ModuleVersion version;
-    uint32_t changelist = 0;
-    const ResultCode result = MakeApplication()->GetVersion(version, changelist);
-    EXPECT_STREQ(result.Text(), "File version info size was incorrect"); // this test program has no version
-}
-
 } // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 #include <zlib.h>
 
+#include <algorithm>
 #include <random>
 #include <string>
 
@@ -55,23 +56,18 @@ TEST(Compress, AnyGzipReaderGetsTheInputBack) {
     for (const std::size_t size : {1u, 131071u, 131072u, 131073u, 262144u, 1000000u}) {
         for (const auto& input : {Noise(size), Prose(size), std::vector<uint8_t>(size, 0)}) {
             SCOPED_TRACE(testing::Message() << size << " bytes, the first " << int{input[0]});
-            std::vector<uint8_t> output;
+            std::vector<uint8_t> output = {1, 2, 3}; // what is there stays
             ASSERT_TRUE(PlatformHelpers::Compress(input, output).Succeeded());
-            ASSERT_EQ(Decompress(output, size), input);
+            ASSERT_EQ(std::vector<uint8_t>(output.begin(), output.begin() + 3),
+                      (std::vector<uint8_t>{1, 2, 3}));
+            ASSERT_EQ(Decompress({output.begin() + 3, output.end()}, size), input);
         }
     }
 }
 
-// No time, level 9, the fixed file system: the same header everywhere.
-TEST(Compress, HeaderIsTheSameEverywhere) {
-    const std::vector<uint8_t> header = {0x1F, 0x8B, 8, 0, 0, 0, 0, 0, 2, 11};
-    std::vector<uint8_t> output;
-    ASSERT_TRUE(PlatformHelpers::Compress(Prose(100), output).Succeeded());
-    EXPECT_EQ(std::vector<uint8_t>(output.begin(), output.begin() + 10), header);
-}
-
-// The settings, not only the format: zlib's one-call form with the same ones gives the same body.
-TEST(Compress, BodyIsWhatLevelNineAndMemoryLevelNineGive) {
+// The settings, not only the format: zlib's one-call form with the same ones gives the same body. Without a
+// time, and with a file system that does not depend on where it runs, the header is the same everywhere.
+TEST(Compress, BytesAreTheSameEverywhere) {
     std::vector<uint8_t> input = Prose(400000);
     std::vector<uint8_t> expected(input.size());
     z_stream stream = {};
@@ -83,19 +79,12 @@ TEST(Compress, BodyIsWhatLevelNineAndMemoryLevelNineGive) {
     ASSERT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
     expected.resize(stream.total_out);
     deflateEnd(&stream);
-    expected[9] = 11;
+    const std::vector<uint8_t> header = {0x1F, 0x8B, 8, 0, 0, 0, 0, 0, 2, 11};
+    std::ranges::copy(header, expected.begin());
 
     std::vector<uint8_t> output;
     ASSERT_TRUE(PlatformHelpers::Compress(input, output).Succeeded());
     EXPECT_EQ(output, expected);
-}
-
-TEST(Compress, AppendsToWhatTheOutputHolds) {
-    const std::vector<uint8_t> input = Prose(5000);
-    std::vector<uint8_t> output = {1, 2, 3};
-    ASSERT_TRUE(PlatformHelpers::Compress(input, output).Succeeded());
-    EXPECT_EQ(output[0] + output[1] + output[2], 6);
-    EXPECT_EQ(Decompress({output.begin() + 3, output.end()}, 5000), input);
 }
 
 } // namespace

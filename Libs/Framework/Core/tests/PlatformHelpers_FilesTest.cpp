@@ -5,6 +5,7 @@
 #include <windows.h>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Framework/Core/tests/Holder.h"
 #include "Libs/Tarnel/Platform/tests/LogCapture.h"
 #include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
@@ -14,28 +15,6 @@ using TestSupport::ScratchFolder;
 namespace {
 
 using Texts = std::vector<std::string>;
-
-// Opens a file so that nobody may delete it meanwhile.
-class Holder {
-public:
-    explicit Holder(const std::string& path)
-        : m_file(CreateFileW(ScratchFolder::FromUtf8(path).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                             OPEN_EXISTING, 0, nullptr)) {}
-    ~Holder() { CloseHandle(m_file); }
-    Holder(const Holder&) = delete;
-    Holder& operator=(const Holder&) = delete;
-
-private:
-    HANDLE m_file;
-};
-
-TEST(RemoveFile, RemovesFilesOfAnyName) {
-    const ScratchFolder scratch;
-    for (const char* name : {"plain.txt", "J\xC3\xB6rg \xE5\xA4\xAA\xE9\x83\x8E.dmp"}) {
-        EXPECT_STREQ(PlatformHelpers::RemoveFile(scratch.MakeFile(name, "x")).Text(), "OK");
-        EXPECT_FALSE(scratch.Exists(name));
-    }
-}
 
 TEST(RemoveFile, MissingFileFailsAtOnce) {
     const ScratchFolder scratch;
@@ -51,17 +30,18 @@ TEST(RemoveFile, MissingFileFailsAtOnce) {
 
 TEST(RemoveFile, HeldFileIsTriedForASecond) {
     const ScratchFolder scratch;
-    const std::string path = scratch.MakeFile("held.txt", "x");
+    const std::string path = scratch.MakeFile("Jörg 太郎.dmp", "x");
     const LogCapture log;
     const auto start = std::chrono::steady_clock::now();
     {
-        const Holder holder(path);
+        const TestSupport::Holder holder(path);
         EXPECT_STREQ(PlatformHelpers::RemoveFile(path).Text(), "Failed to delete file");
     }
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(1000));
     EXPECT_EQ(log.Errors(),
               Texts{" Failed to delete file \"" + path + "\" with access denied after several retries"});
     EXPECT_TRUE(PlatformHelpers::RemoveFile(path).Succeeded());
+    EXPECT_FALSE(scratch.Exists("Jörg 太郎.dmp"));
 }
 
 TEST(MakeFileReadOnly, IsUndoneByMakeFileWritable) {
@@ -74,15 +54,6 @@ TEST(MakeFileReadOnly, IsUndoneByMakeFileWritable) {
     ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(path).Succeeded());
     ASSERT_TRUE(PlatformHelpers::MakeFileWritable(path).Succeeded());
     EXPECT_EQ(attributes(), before);
-}
-
-TEST(MakeFileWritable, MissingFileIsLogged) {
-    const ScratchFolder scratch;
-    const std::string path = scratch.PathOf("none.txt");
-    const LogCapture log;
-    EXPECT_STREQ(PlatformHelpers::MakeFileWritable(path).Text(), "Failed to make file writable");
-    EXPECT_EQ(log.Errors(), Texts{" Failed to set file attributes on file \"" + path +
-                                  "\" to FFFFFFFE. Error Code=0x00000002"});
 }
 
 TEST(QueryFileStatus, TellsKindSizeAndWritability) {
@@ -108,7 +79,7 @@ TEST(QueryFileStatus, FilesBeyond4GiBHaveTheirSize) {
     EXPECT_EQ(status.size, Size);
 }
 
-TEST(QueryFileStatus, FailuresAreLogged) {
+TEST(FileStatus, FailuresAreLogged) {
     const ScratchFolder scratch;
     const std::string path = scratch.PathOf("none.txt");
     const LogCapture log;
@@ -116,10 +87,13 @@ TEST(QueryFileStatus, FailuresAreLogged) {
     EXPECT_FALSE(PlatformHelpers::QueryFileStatus(path, status).Succeeded());
     EXPECT_EQ(status.size, 0u);
     EXPECT_FALSE(PlatformHelpers::QueryFileStatus("a\xFF", status).Succeeded());
+    EXPECT_STREQ(PlatformHelpers::MakeFileWritable(path).Text(), "Failed to make file writable");
     EXPECT_EQ(log.Errors(),
               (Texts{" Failed to query status of file \"" + path + "\", errno=2",
                      " Failed to convert file path from multi-nyte to wide. Input=\"a\xFF\" Error=\"Error "
-                     "while converting MBCS to WCS: Invalid Unicode was found in a string.\""}));
+                     "while converting MBCS to WCS: Invalid Unicode was found in a string.\"",
+                     " Failed to set file attributes on file \"" + path +
+                         "\" to FFFFFFFE. Error Code=0x00000002"}));
 }
 
 TEST(PathExists, IsSilent) {

@@ -6,10 +6,12 @@
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Framework/Core/src/PlatformHelpers_LiteralPath.h"
+#include "Libs/Framework/Core/tests/Holder.h"
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
 #include "Libs/Tarnel/Platform/tests/LogCapture.h"
 #include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
+using TestSupport::Holder;
 using TestSupport::LogCapture;
 using TestSupport::ScratchFolder;
 
@@ -88,14 +90,14 @@ TEST(RemoveFolder, ReadOnlyFilesGoFirst) {
     const std::string held = scratch.MakeFile("s\\a-first-by-name.txt", "x");
     const std::string sentinel = scratch.MakeFile("s\\header.json", "{}");
     ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(sentinel).Succeeded());
-    HANDLE holder =
-        CreateFileW(Literal(held).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    const LogCapture log;
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete file");
-    EXPECT_FALSE(scratch.Exists("s\\header.json"));
-    EXPECT_EQ(log.Errors(),
-              Texts{" Failed to delete file \"" + held + "\" with access denied after several retries"});
-    CloseHandle(holder);
+    {
+        const Holder holder(held);
+        const LogCapture log;
+        EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete file");
+        EXPECT_FALSE(scratch.Exists("s\\header.json"));
+        EXPECT_EQ(log.Errors(),
+                  Texts{" Failed to delete file \"" + held + "\" with access denied after several retries"});
+    }
     EXPECT_TRUE(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Succeeded());
 }
 
@@ -107,14 +109,10 @@ TEST(RemoveFolder, EveryFileIsWritableBeforeTheFirstGoes) {
     for (const std::string& path : {held, sentinel}) {
         ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(path).Succeeded());
     }
-    HANDLE first =
-        CreateFileW(Literal(held).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING, 0, nullptr);
-    HANDLE second = CreateFileW(Literal(sentinel).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr,
-                                OPEN_EXISTING, 0, nullptr);
+    const Holder first(held);
+    const Holder second(sentinel);
     const LogCapture log;
     EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete file");
-    CloseHandle(first);
-    CloseHandle(second);
     PlatformHelpers::FileStatus status;
     ASSERT_TRUE(PlatformHelpers::QueryFileStatus(sentinel, status).Succeeded());
     EXPECT_FALSE(status.isReadOnly);
@@ -123,11 +121,9 @@ TEST(RemoveFolder, EveryFileIsWritableBeforeTheFirstGoes) {
 TEST(RemoveFolder, HeldFolderFailsWithItsText) {
     const ScratchFolder scratch;
     const std::string inner = scratch.MakeFolder("s\\inner");
-    HANDLE holder = CreateFileW(Literal(inner).c_str(), GENERIC_READ, FILE_SHARE_READ, nullptr, OPEN_EXISTING,
-                                FILE_FLAG_BACKUP_SEMANTICS, nullptr);
+    const Holder holder(inner);
     const LogCapture log;
     EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete folder");
-    CloseHandle(holder);
     EXPECT_EQ(log.Errors(),
               Texts{" Failed to delete folder \"" + inner + "\\\" with access denied after several retries"});
 }

