@@ -19,20 +19,40 @@ Reflection_DefineType(PackageReports, Reflection_Field(packages, "Packages"));
 
 namespace {
 
-std::string Padded(const std::string& text, std::size_t width) {
+// A name that is longer moves its own row's columns; were it to widen those of all rows, a small package
+// could give a table of any size.
+constexpr std::size_t WidestName = 60;
+
+std::size_t ShownLength(const std::string& text) {
     // Continuation bytes take no place of their own.
-    const auto shown = static_cast<std::size_t>(
+    return static_cast<std::size_t>(
         std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
-    return text + std::string(width - std::min(width, shown), ' ');
+}
+
+std::string Padded(const std::string& text, std::size_t width) {
+    return text + std::string(width - std::min(width, ShownLength(text)), ' ');
 }
 
 std::string RightAligned(const std::string& text, std::size_t width) {
     return std::string(width - std::min(width, text.size()), ' ') + text;
 }
 
-std::string VersionText(const VersionInfo& version) {
+// Empty for a header that has none, or that could not be read so far; so is the next one.
+std::string VersionText(const VersionInfo& version, uint32_t changelist) {
+    if ((version.major | version.minor | version.rev | version.build | changelist) == 0) {
+        return {};
+    }
     return std::to_string(version.major) + "." + std::to_string(version.minor) + "." +
-           std::to_string(version.rev) + "." + std::to_string(version.build);
+           std::to_string(version.rev) + "." + std::to_string(version.build) + " (" +
+           std::to_string(changelist) + ")";
+}
+
+std::string CallStackText(const BugHeader& header) {
+    if (header.callstack.empty() && header.moduleInfo.empty()) {
+        return {};
+    }
+    return std::to_string(header.callstack.size()) + " frames, " + std::to_string(header.moduleInfo.size()) +
+           " modules";
 }
 
 std::string HeaderLines(const BugHeader& header) {
@@ -44,9 +64,8 @@ std::string HeaderLines(const BugHeader& header) {
         {"Message", header.exception.message},
         {"Instance key", header.instanceKey},
         {"Key", header.key},
-        {"Version", VersionText(header.version) + " (" + std::to_string(header.changelist) + ")"},
-        {"Call stack", std::to_string(header.callstack.size()) + " frames, " +
-                           std::to_string(header.moduleInfo.size()) + " modules"},
+        {"Version", VersionText(header.version, header.changelist)},
+        {"Call stack", CallStackText(header)},
     };
     std::string text;
     for (const auto& [name, value] : rows) {
@@ -59,6 +78,22 @@ std::string HeaderLines(const BugHeader& header) {
 
 std::string EntryName(const ReportedEntry& entry) {
     return entry.name.empty() ? "(no name)" : Console::Printable(entry.name);
+}
+
+std::string EntryTable(const std::vector<ReportedEntry>& entries) {
+    std::size_t width = 4;
+    for (const ReportedEntry& entry : entries) {
+        width = std::max(width, ShownLength(EntryName(entry)));
+    }
+    width = std::min(width, WidestName);
+    std::string text = "\n  " + Padded("Name", width) + RightAligned("Stored", 14) +
+                       RightAligned("Unpacked", 14) + "  MD5 of the stored bytes\n";
+    for (const ReportedEntry& entry : entries) {
+        text += "  " + Padded(EntryName(entry), width) + RightAligned(std::to_string(entry.storedSize), 14) +
+                RightAligned(entry.unpackedSize < 0 ? "unknown" : std::to_string(entry.unpackedSize), 14) +
+                "  " + entry.digest + "\n";
+    }
+    return text;
 }
 
 } // namespace
@@ -101,18 +136,7 @@ bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink
 std::string ReportTable(const PackageReport& report) {
     std::string text = Console::Printable(report.file) + ": " + std::to_string(report.size) + " bytes\n";
     text += HeaderLines(report.header);
-    std::size_t width = 4;
-    for (const ReportedEntry& entry : report.entries) {
-        width = std::max(width, EntryName(entry).size());
-    }
-    text += "\n  " + Padded("Name", width) + RightAligned("Stored", 14) + RightAligned("Unpacked", 14) +
-            "  MD5 of the stored bytes\n";
-    for (const ReportedEntry& entry : report.entries) {
-        text += "  " + Padded(EntryName(entry), width) + RightAligned(std::to_string(entry.storedSize), 14) +
-                RightAligned(entry.unpackedSize < 0 ? "damaged" : std::to_string(entry.unpackedSize), 14) +
-                "  " + entry.digest + "\n";
-    }
-    return text;
+    return report.entries.empty() ? text : text + EntryTable(report.entries);
 }
 
 std::string ReportProblems(const PackageReport& report) {
