@@ -113,6 +113,9 @@ private:
         if (std::count(m_arguments.files.begin(), m_arguments.files.end(), "-") > 1) {
             return Fail("standard input can be read only once");
         }
+        if (!m_arguments.packager.empty() && m_arguments.config.empty()) {
+            return Fail("--packager names a section of a configuration: it needs --config FILE");
+        }
         const bool needsTarget = m_arguments.command == "unpack" || m_arguments.command == "pack";
         if (needsTarget && m_arguments.to.empty()) {
             return Fail(m_arguments.command + " needs --to FOLDER");

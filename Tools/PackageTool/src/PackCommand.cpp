@@ -1,3 +1,4 @@
+#include <filesystem>
 #include <random>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
@@ -46,7 +47,9 @@ bool ReadPackagerConfig(const Arguments& arguments, PackagerConfig& config, Atta
             result = blacklist.Compile(config.attachmentBlacklist, bad);
         }
         if (!result) {
-            Console::PrintError(arguments.config, "section \"" + section + "\": " + result.Text());
+            const std::string pattern =
+                bad.pattern.empty() ? "" : ": \"" + bad.pattern + "\", " + bad.message;
+            Console::PrintError(arguments.config, "section \"" + section + "\": " + result.Text() + pattern);
             return false;
         }
     }
@@ -66,6 +69,16 @@ std::string MakeWay(const std::string& path, bool mayReplace) {
     return PlatformHelpers::MakeFileWritable(path) && PlatformHelpers::RemoveFile(path)
                ? ""
                : "Failed to replace the package at " + path;
+}
+
+// A folder named by dots, which say nothing of its name, becomes its full path.
+std::string WithName(const std::string& folder) {
+    if (FolderPath::LastComponent(folder)) {
+        return folder;
+    }
+    std::error_code failure;
+    const std::filesystem::path full = std::filesystem::absolute(folder, failure);
+    return failure ? folder : full.lexically_normal().string();
 }
 
 std::string Pack(const std::string& folder, const PackagerConfig& config,
@@ -105,7 +118,7 @@ ExitCode RunPack(const Arguments& arguments) {
     ExitCode code = ExitCode::Good;
     for (const std::string& folder : arguments.files) {
         std::string package;
-        const std::string reason = Pack(folder, config, blacklist, arguments.force, package);
+        const std::string reason = Pack(WithName(folder), config, blacklist, arguments.force, package);
         if (reason.empty()) {
             Console::Print(Console::Printable(package) + "\n");
         } else {

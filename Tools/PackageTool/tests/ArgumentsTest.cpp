@@ -40,6 +40,8 @@ TEST(Arguments, SaysWhatMakesNoSense) {
         {{"list", "a", "--json=1"}, "--json takes no value"},
         {{"list", "-", "-"}, "standard input can be read only once"},
         {{"unpack", "a"}, "unpack needs --to FOLDER"},
+        {{"pack", "a", "--to", "b", "--packager", "c"},
+         "--packager names a section of a configuration: it needs --config FILE"},
         {{"config-schema", "a"}, "config-schema takes no files"},
     };
     for (const auto& [words, expected] : cases) {
