@@ -12,6 +12,7 @@
 #include <unistd.h>
 #endif
 
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
@@ -125,7 +126,12 @@ bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string
         return ReadStandardInput(bytes, reason);
     }
     const ResultCode result = Platform::ReadFileBytes(file, bytes);
-    reason = result ? "" : result.Text();
+    if (!result) {
+        PlatformHelpers::FileStatus status;
+        const bool isFolder = PlatformHelpers::PathExists(file) &&
+                              PlatformHelpers::QueryFileStatus(file, status).Succeeded() && status.isFolder;
+        reason = isFolder ? "This is a folder" : result.Text();
+    }
     return result.Succeeded();
 }
 
