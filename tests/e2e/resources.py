@@ -1,7 +1,7 @@
 """Reads the resources of a Windows program: a tree of three levels (type, name, language) in the section .rsrc."""
 import struct
 
-DIALOG, STRING = 5, 6
+STRING = 6
 
 
 class Resources:

@@ -4,7 +4,7 @@ import shutil
 
 import pytest
 
-from agent import EXECUTABLE, GAME
+from agent import EXECUTABLE
 from wine import Program, windows_path
 
 LINE = re.compile(rb"\[\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\]\t [^\r\n]*\r\n")
@@ -54,34 +54,13 @@ def test_each_output_carries_whole_lines(idle):
     assert b"Failed" not in agent.stdout
 
 
-@pytest.mark.parametrize("arguments", [
-    ["-config={good}"],
-    ["-CONFIG={good}"],
-    ["-configfile={good}"],  # the name is a prefix
-    ["-config", "-config={good}"],
-    ["-config={good}", "-config={bad}"],
-    ["--config={bad}", "-nonsense", "-config={good}"],
-])
-def test_the_option_grammar(idle, arguments):
-    names = {"good": windows_path(idle.write_configuration()), "bad": windows_path(idle.folder / "none.json")}
-    code, agent = run(*[argument.format(**names) for argument in arguments],
-                      f"-appFolder={windows_path(idle.folder / 'app')}")
-    assert f" Using config: {names['good']}\r\n" in agent.text
-    assert code == 0
-
-
-def test_an_empty_value_counts_as_absent(idle):
-    """The first match decides, even when it is empty: the default configuration is looked for."""
-    code, agent = run("-config=", f"-config={windows_path(idle.write_configuration())}")
-    assert f" Using config: {windows_path(EXECUTABLE)}.json\r\n" in agent.text
-    assert code == 2
-
-
 def test_the_default_configuration_lies_beside_the_program(idle):
+    """An option without a value counts as absent, and hides a later one."""
     program = idle.folder / "agent.exe"
     shutil.copy(EXECUTABLE, program)
     shutil.move(idle.write_configuration(), idle.folder / "agent.exe.json")
-    code, agent = run(f"-appFolder={windows_path(idle.folder / 'app')}", executable=program)
+    code, agent = run("-config=", f"-config={windows_path(idle.folder / 'none.json')}",
+                      f"-appFolder={windows_path(idle.folder / 'app')}", executable=program)
     assert f" Using config: {windows_path(program)}.json\r\n" in agent.text
     assert code == 0
 
@@ -102,22 +81,3 @@ def test_the_application_folder_lies_in_the_documents(idle):
         code, agent = run(f"-config={windows_path(idle.write_configuration())}")
         folder = re.search(r" Using application folder: (.*)\r\n", agent.text).group(1)
         assert code == 0 and folder.rstrip("\\").endswith("\\Documents\\" + last), agent.text
-
-
-def test_process_options_add_games(idle):
-    with Program(GAME, "--stay-alive", "900000", "--crash", "none") as game:
-        with idle.start("-PROCESS=samplegame.EXE", "-process=other.exe") as agent:
-            agent.wait_for(" running application processes...")
-            with pytest.raises(AssertionError):
-                agent.wait(2)
-            game.kill()
-            assert agent.wait() == 0
-
-
-def test_a_missing_configuration_ends_with_2(idle):
-    missing = windows_path(idle.folder / "none.json")
-    code, agent = run(f"-config={missing}")
-    assert code == 2
-    assert f" Using config: {missing}\r\n" in agent.stdout.decode()
-    assert b" Initialization failure. Error=Failed to find config file on disk!\r\n" in agent.stderr
-    assert b"exiting" not in agent.stdout

@@ -7,24 +7,14 @@ BRACKETS = 500_000
 
 
 @pytest.mark.parametrize("content, texts", [
-    (b"", ["Failed to read zero length json config file"]),
-    (b'{"Application":', [" at position ", "Failed to decode json header data!"]),
     (b"[" * BRACKETS, [" at position ", "Failed to decode json header data!"]),
     (b'{"a":' * BRACKETS, [" at position ", "Failed to decode json header data!"]),
     (b'{"Application": "\xff\xfe"}', [" at position ", "Failed to decode json header data!"]),
     (b'{"Application": "' + b"x" * 30_000_000, [" at position ", "Failed to decode json header data!"]),
-    (b"{}", ["configuration section not found"]),
-    (b"[]", ["configuration section not found"]),
-    (b'{"Application": []}', ["configuration section found is not an object"]),
     (b'{"Application": {"Processes": {}, "ApplicationFolder": ""}}',
      [' Failed to find field "Components" in json data', "Field not found in json"]),
     (b'{"Application": {"Processes": [], "Components": [], "ApplicationFolder": ""}}', ["Element is not an object"]),
-    (b'{"Application": {"Processes": {"watcher": ["W"]}, "Components": [], "ApplicationFolder": ""}}',
-     [" Failed to find maker for process W\r\n", "Failed to find maker for process\r\n"]),
-    (b'{"Application": {"Processes": {}, "Components": ["Cloud"], "ApplicationFolder": ""}}',
-     [" Failed to find maker for component Cloud\r\n", "Failed to find maker for component\r\n"]),
-], ids=["empty", "cut", "brackets", "objects", "encoding", "unterminated", "no section", "array root", "array section",
-        "missing field", "wrong kind", "unknown process", "unknown component"])
+], ids=["brackets", "objects", "encoding", "unterminated", "missing field", "wrong kind"])
 def test_a_fault_of_the_application_stops_it(site, content, texts):
     path = site.write_configuration(content)
     site.write_configuration = lambda: path
@@ -73,11 +63,3 @@ def test_a_fault_of_one_process_drops_that_process(site):
     for name, (_, _, error) in FAULTY_PROCESSES.items():
         assert f" Failed to initialize process {name}, Error: {error}\r\n" in agent.stderr.decode()
     assert ' Invalid regular expression "(" in black list for Packager "B regex". Message="' in agent.text
-
-
-def test_the_uploader_needs_the_cloud_component(site):
-    site.configuration["Application"]["Components"] = []
-    with site.start() as agent:
-        assert agent.wait() == 0
-    assert (" Failed to initialize process Uploader, Error: UploaderS3 requires CloudComponent for initialization\r\n"
-            in agent.text)

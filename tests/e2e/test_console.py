@@ -70,9 +70,8 @@ def test_it_shows_the_log(start, console, display):
         assert_ended_in_order(agent)
 
 
-@pytest.mark.parametrize("argument", ["-console=1", "-consol", "--console"])
-def test_the_whole_argument_must_match(start, display, argument):
-    with start(argument) as agent:
+def test_the_whole_argument_must_match(start, display):
+    with start("-console=1") as agent:
         assert_runs_on(agent)
         assert not display.windows()
         agent.kill()

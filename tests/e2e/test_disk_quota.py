@@ -97,42 +97,6 @@ def test_a_flood_stays_under_both_quotas_and_the_survivors_are_sent(site, store,
     assert sent == {folder.name for folder in survivors}
 
 
-def test_the_oldest_packages_go_and_the_others_are_sent(site, store, bucket):
-    """Packed in order while nothing can be sent; then the quota comes."""
-    endpoint = site.configuration["Uploader"]["EndpointOverride"]
-    site.configuration["Uploader"]["EndpointOverride"] = "http://127.0.0.1:1"
-    names = [f"package-{number}" for number in range(5)]
-    with site.start_with_game() as beside:
-        for number, name in enumerate(names):
-            write_folder(site.dumps / name, {"game.dmp": os.urandom(FILE_SIZE)},
-                         header(Key=name, Catalog=catalog(dump="game.dmp")))
-            wait_until(lambda count=number: len(site.waiting_packages()) > count, 20, "a package")
-        assert beside.quit() == 0
-    ages = {name: (len(names) - number) * 100 for number, name in enumerate(names)}
-    for name, age in ages.items():
-        os.utime(site.packaged / name, (time.time() - age, time.time() - age))
-    site.configuration["Application"]["Processes"] = {"DiskQuota": ["Quota"], "ProcessMonitor": ["ProcessMonitor"]}
-    site.configuration["Quota"] = {"DumpsFolder": windows_path(site.dumps),
-                                   "PackagedFolder": windows_path(site.packaged), "TimeBetweenChecks": 20,
-                                   "PackagedQuota": 3 * (FILE_SIZE + 3000)}
-    with site.start_with_game() as beside:
-        wait_until(lambda: len(site.waiting_packages()) == 3, 20, "two packages gone")
-        assert beside.quit() == 0
-    assert beside.agent.stderr == b""
-    folder = windows_path(site.packaged)
-    assert [line.split("\t")[1] for line in beside.agent.text.splitlines() if "our quota" in line] == [
-        f" Removed aging folder {folder}\\{name} that puts us over our quota" for name in ("package-1", "package-0")]
-
-    site.configuration["Application"]["Processes"] = {"Watcher": ["PackageWatcher"], "UploaderS3": ["Uploader"],
-                                                      "ProcessMonitor": ["ProcessMonitor"]}
-    site.configuration["Uploader"]["EndpointOverride"] = endpoint
-    with site.start_with_game() as beside:
-        site.wait_all_sent()
-        assert beside.quit() == 0
-    sent = {read_package(store.get(bucket, key)).header["Key"] for key in store.keys(bucket)}
-    assert sent == set(names[2:])
-
-
 @pytest.mark.limit(120)
 def test_folders_of_every_kind_go(site):
     quota_site(site, DumpsQuota=0, InvalidGraceTime=1)

@@ -31,13 +31,9 @@ def test_exports_exactly_these(headers):
     assert set(re.findall(r"^\s*\[\s*\d+\]\s+(\S+)$", table, re.MULTILINE)) == EXPORTS
 
 
-@pytest.mark.parametrize("flag", ["HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT"])
-def test_is_hardened(headers, flag):
-    assert flag in headers
-
-
-def test_is_a_windows_program(headers):
-    assert "(Windows GUI)" in headers
+def test_is_a_hardened_windows_program(headers):
+    for mark in ("HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT", "(Windows GUI)"):
+        assert mark in headers
 
 
 @pytest.mark.parametrize("program", [EXECUTABLE, BIN / "PackageTool.exe"], ids=lambda path: path.stem)

@@ -45,13 +45,17 @@ def assert_undisturbed(agent, site):
     assert agent.running and STOPS not in agent.text
 
 
-@pytest.mark.parametrize("second", ["first", "second"])
-def test_a_later_copy_stops_itself(site, copies, second):
-    first = runs(copies("first"))
-    later = copies(second)
+@pytest.mark.parametrize("first, second", [
+    (["first"], ["first"]), (["first"], ["second"]),
+    (["longer", "MyMorvaneCrashReporter.exe"], ["shorter", "MORVANECrashReporter.exe"]),  # the ending counts
+    (["first"], ["second", "MorvaneCrashReporter.exe", True]),  # by its bare name: argv[0] has no folder
+], ids=["same", "copy", "ending", "bare-name"])
+def test_a_later_copy_stops_itself(site, copies, first, second):
+    older = runs(copies(*first))
+    later = copies(*second)
     assert later.wait(20) == 0
     assert later.text.count(STOPS) == 1
-    assert_undisturbed(first, site)
+    assert_undisturbed(older, site)
 
 
 def test_copies_started_at_once_leave_one(site, copies):
@@ -67,18 +71,3 @@ def test_another_name_is_another_program(site, copies):
     other = runs(copies("other", "Reporter of another game.exe"))
     assert_undisturbed(first, site)
     assert other.running and STOPS not in other.text
-
-
-def test_a_name_that_ends_alike_counts(site, copies):
-    longer = runs(copies("longer", "MyMorvaneCrashReporter.exe"))
-    assert copies("shorter", "MORVANECrashReporter.exe").wait(20) == 0
-    assert_undisturbed(longer, site)
-
-
-def test_started_by_its_bare_name(site, copies):
-    """Then argv[0] has no folder."""
-    first = runs(copies("first"))
-    later = copies("second", by_name=True)
-    assert later.wait(20) == 0
-    assert STOPS in later.text
-    assert_undisturbed(first, site)

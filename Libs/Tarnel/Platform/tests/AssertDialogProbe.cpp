@@ -6,7 +6,6 @@
 //     --data             bad data
 //     --message TEXT     what the check says
 //     --rounds N         reach the failing site N times (default 1)
-//     --handler N        install a handler that prints what it gets and answers N
 //     --other-thread     while the dialog is up, fail a check on another thread too
 //     --same-thread      while the dialog is up, fail a check in its own message loop too
 //     --under-debugger   run as the debuggee of a second copy
@@ -34,13 +33,11 @@ struct Options {
     bool isData = false;
     const char* message = "the message";
     int rounds = 1;
-    int answer = 0; // 0: no handler
     bool onOtherThread = false;
     bool onSameThread = false;
     bool underDebugger = false;
 };
 
-int g_answer = 0;
 std::thread g_otherThread;
 UINT_PTR g_timer = 0;
 
@@ -61,8 +58,6 @@ bool Parse(int count, char** arguments, Options& options) {
             options.message = value();
         } else if (name == "--rounds") {
             options.rounds = static_cast<int>(std::strtol(value(), nullptr, 10));
-        } else if (name == "--handler") {
-            options.answer = static_cast<int>(std::strtol(value(), nullptr, 10));
         } else if (name == "--other-thread") {
             options.onOtherThread = true;
         } else if (name == "--same-thread") {
@@ -95,12 +90,6 @@ int RunNameless(int count, char** arguments) {
         commandLine += L" \"" + argument + L"\"";
     }
     return isText ? RunUnderDebugger(program.c_str(), commandLine) : -1;
-}
-
-int Answer(const char* sourceUnit, int line, const char* expression, const char* message) {
-    std::printf("probe: handler %s:%d %s: %s\n", sourceUnit, line, expression, message);
-    std::fflush(stdout);
-    return g_answer;
 }
 
 // Timers run in the message loop of the dialog, so they are a sure sign that it is up.
@@ -144,12 +133,7 @@ int main(int count, char** arguments) {
     if (options.underDebugger) {
         return RunUnderDebugger(nullptr, DebuggeeCommandLine());
     }
-    Platform::AssertState& state = *EXP_GetAssertState();
-    state.showDialogs = 1;
-    if (options.answer != 0) {
-        g_answer = options.answer;
-        state.handlers[options.isData ? 1 : 0] = Answer;
-    }
+    EXP_GetAssertState()->showDialogs = 1;
     if (options.onOtherThread || options.onSameThread) {
         g_timer = SetTimer(nullptr, 0, 50, options.onOtherThread ? OnOtherThread : OnSameThread);
     }
