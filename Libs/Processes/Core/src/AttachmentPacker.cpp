@@ -29,11 +29,13 @@ ResultCode AttachmentPacker::Pack(Attachment& attachment) const {
 
 ResultCode AttachmentPacker::PackFile(Attachment& attachment) const {
     const std::string& file = attachment.file;
-    if (!IsSafeAttachmentName(file)) {
-        return NotOnDisk;
-    }
+    const bool isSafe = IsSafeAttachmentName(file);
     if (LooksCompressed(file)) {
-        return PathIdentity::LiesInside(m_submissionFolder, file) ? Copy(file, attachment.md5) : NotOpened;
+        return isSafe && PathIdentity::LiesInside(m_submissionFolder, file) ? Copy(file, attachment.md5)
+                                                                            : NotOpened;
+    }
+    if (!isSafe) {
+        return NotOnDisk;
     }
     if (PathIdentity::LiesInside(m_submissionFolder, file)) {
         return Compress(file, attachment.md5);

@@ -111,6 +111,8 @@ TEST_F(AttachmentPackerTest, NamesThatLeadElsewhereAreAsGoodAsMissing) {
                                     std::string("NUL"), std::string("a.txt\0", 6), std::string(5000, 'a')}) {
         EXPECT_EQ(Pack(file), NotOnDisk) << file.substr(0, 100);
     }
+    m_scratch.MakeFile("secret.tgz", "x");
+    EXPECT_EQ(Pack("..\\secret.tgz"), "Failed to open input file");
 }
 
 TEST_F(AttachmentPackerTest, FilesBehindLinksAreAsGoodAsMissing) {
