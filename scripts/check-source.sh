@@ -39,6 +39,21 @@ wording() {
     git ls-files -z | xargs -0 grep -nIiE '\bspecificatio[n]\b|\bthe spe[c]\b|spec[.]md|\bParts? [0-9][.][0-9]' || true
 }
 
+# A page that promises something by a test's name must not outlive the test. `Suite.Case` or `test_x.py::test_y`.
+missing_tests() {
+    local page=docs/guarantees.md
+    grep -oE '`(\w+\.[A-Z]\w+|test_\w+\.py::\w+)`' "$page" | tr -d '`' | grep -vx 'Suite\.Case' | sort -u |
+        comm -23 - <(tests_there) | sed "s|^|$page: |"
+}
+
+tests_there() {
+    {
+        git ls-files -z -- '*Test.cpp' | xargs -0 cat | tr -d '\n' | grep -oE '\bTEST(_[FP])?\(\w+, *\w+\)' |
+            sed -E 's/.*\((\w+), *(\w+)\)/\1.\2/'
+        git grep -oE '^def test_\w+' -- 'tests/e2e/test_*.py' | sed -E 's|tests/e2e/(.*):def |\1::|'
+    } | sort -u
+}
+
 layout() {
     clang-format --dry-run "${sources[@]}" 2>&1 | grep -E 'warning|error' || true
 }
@@ -46,6 +61,7 @@ layout() {
 report "an include that runs upwards, or not from the root" "$(check_layers)"
 report "windows.h in a module's header outside Libs/Tarnel/Platform" "$(windows_headers)"
 report "words that the project never uses" "$(wording)"
+report "a test that no longer exists" "$(missing_tests)"
 report "not as clang-format lays it out (clang-format -i FILE mends it)" "$(layout)"
 if ((failed)); then exit 1; fi
 echo "check-source: ${#sources[@]} sources are in order"

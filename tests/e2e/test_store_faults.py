@@ -17,7 +17,7 @@ FAULTS = [
     {"kind": "status", "status": 503, "code": "SlowDown", "early": True},
     {"kind": "status", "status": 500, "code": "InternalError"},
     {"kind": "status", "status": 403, "code": "AccessDenied"},
-    {"kind": "status", "status": 307, "code": "TemporaryRedirect", "headers": [["Location", "http://127.0.0.1:9/x"]]},
+    {"kind": "status", "status": 307, "code": "TemporaryRedirect", "headers": [["Location", "/elsewhere/x"]]},
     {"kind": "reset", "at": "first"},
     {"kind": "reset", "at": "middle"},
     {"kind": "reset", "at": "last"},
