@@ -1,15 +1,14 @@
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 
 #include <cmath>
-#include <limits>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/JsonSerialization/tests/JsonTestRecords.h"
 #include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 
 namespace {
 
@@ -66,7 +65,6 @@ TEST_F(Serializer, MapsValuesOfEveryType) {
         const char* value;
         const char* held; // or the failure
     } rows[] = {
-        {"bool", "true", "true"},
         {"bool", "false", "false"},
         {"bool", "null", "false"},
         {"bool", "1", "Field not bool"},
@@ -75,12 +73,9 @@ TEST_F(Serializer, MapsValuesOfEveryType) {
         {"int8", "null", "0"},
         {"int32", "-2147483648", "-2147483648"},
         {"int32", "2147483648", "Field not integer"},
-        {"int32", "\"3\"", "Field not integer"},
         {"int32", "1.0", "Field not integer"},
-        {"int32", "true", "Field not integer"},
         {"int64", "-9223372036854775808", "-9223372036854775808"},
         {"int64", "9223372036854775808", "Field not integer"},
-        {"int64", "null", "0"},
         {"uint8", "258", "2"},
         {"uint16", "65537", "1"},
         {"uint32", "4294967295", "4294967295"},
@@ -88,10 +83,10 @@ TEST_F(Serializer, MapsValuesOfEveryType) {
         {"uint32", "-1", "Field not unsigned integer"},
         {"uint64", "18446744073709551615", "18446744073709551615"},
         {"uint64", "18446744073709551616", "Field not unsigned integer"},
-        {"uint64", "null", "0"},
         {"float", "0.5", "0.5"},
         {"float", "3", "3.0"},
         {"float", "null", "0.0"},
+        {"float", "1e300", "Failed to write json text"}, // read as infinite
         {"double", "-2", "-2.0"},
         {"double", "1e-2147483639", "0.0"},
         {"double", "\"2\"", "Field not number"},
@@ -99,8 +94,6 @@ TEST_F(Serializer, MapsValuesOfEveryType) {
         {"text", "null", "\"\""},
         {"text", "7", "Field not string"},
         {"basic", "\"new\"", "\"new\""},
-        {"basic", "null", "\"\""},
-        {"basic", "[]", "Field not string"},
         {"wide", "\"J\xC3\xB6rg \xF0\x9F\x98\x80\"", "\"J\xC3\xB6rg \xF0\x9F\x98\x80\""},
         {"wide", "null", "\"\""},
         {"wide", "{}", "Field not string"},
@@ -137,33 +130,14 @@ TEST_F(Serializer, MandatoryFieldMustBeThere) {
     EXPECT_EQ(2, shape.y) << "what comes before stays read";
 }
 
-TEST_F(Serializer, OptionalFieldKeepsItsValue) {
-    JsonShape shape;
-    EXPECT_EQ("OK", ReadInto(shape, R"({"X":1,"Y":2,"Corners":[]})"));
-    EXPECT_EQ("unnamed", shape.name);
-    EXPECT_EQ(7, shape.centre.x);
-    EXPECT_TRUE(m_log.Entries().empty());
-}
-
 // However the members are ordered, repeated or mixed with unknown ones; of a repeated member the first
 // counts.
 TEST_F(Serializer, FindsMembersInAnyOrder) {
-    const struct {
-        const char* json;
-        int x;
-        int y;
-    } rows[] = {
-        {R"({"X":1,"Y":2})", 1, 2},
-        {R"({"Y":2,"X":1})", 1, 2},
-        {R"({"":0,"X":1,"Z":{},"Y":2,"W":[]})", 1, 2},
-        {R"({"X":1,"X":3,"Y":2,"Y":4})", 1, 2},
-        {R"({"Y":2,"X":1,"Y":4})", 1, 2},
-    };
-    for (const auto& row : rows) {
+    for (const char* json : {R"({"X":1,"Y":2})", R"({"Y":2,"X":1})", R"({"":0,"X":1,"Z":{},"Y":2,"W":[]})",
+                             R"({"X":1,"X":3,"Y":2,"Y":4})", R"({"Y":2,"X":1,"Y":4})"}) {
         JsonPoint point;
-        EXPECT_EQ("OK", ReadInto(point, row.json)) << row.json;
-        EXPECT_EQ(row.x, point.x) << row.json;
-        EXPECT_EQ(row.y, point.y) << row.json;
+        EXPECT_EQ("OK", ReadInto(point, json)) << json;
+        EXPECT_EQ(R"({"X":1,"Y":2})", Written(point)) << json;
     }
 }
 
@@ -231,31 +205,14 @@ TEST_F(Serializer, WritingNeedsAnAllocator) {
     EXPECT_STREQ("OK", GetSerializer().Write(&Reflection::TypeOf<int32_t>, &number, value, context).Text());
 }
 
-TEST_F(Serializer, NotANumberCantBeWritten) {
-    JsonValues values;
-    values.real64 = std::numeric_limits<double>::quiet_NaN();
-    JsonDocument document;
-    std::string text;
-    EXPECT_STREQ("OK", WriteRecord(values, document).Text());
-    EXPECT_STREQ("Failed to write json text", JsonSerialization::WriteText(document, text).Text());
-}
-
 TEST_F(Serializer, ThreadsShareThePlans) {
-    std::vector<std::string> written(6);
-    std::vector<std::thread> threads;
-    for (std::string& text : written) {
-        threads.emplace_back([&text] {
-            for (int i = 0; i < 200; ++i) {
-                JsonShape shape;
-                EXPECT_EQ("OK", ReadInto(shape, R"({"X":1,"Y":2,"Corners":[{"Y":3,"X":4}]})"));
-                text = Written(shape);
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-    for (const std::string& text : written) {
-        EXPECT_EQ(R"({"X":1,"Y":2,"Name":"unnamed","Corners":[{"X":4,"Y":3}],"Centre":{"X":7,"Y":7}})", text);
-    }
+    TestSupport::OnThreads(6, [](int) {
+        for (int i = 0; i < 200; ++i) {
+            JsonShape shape;
+            EXPECT_EQ("OK", ReadInto(shape, R"({"X":1,"Y":2,"Corners":[{"Y":3,"X":4}]})"));
+            EXPECT_EQ(R"({"X":1,"Y":2,"Name":"unnamed","Corners":[{"X":4,"Y":3}],"Centre":{"X":7,"Y":7}})",
+                      Written(shape));
+        }
+    });
+    EXPECT_TRUE(m_log.Entries().empty()) << "what is optional may be missing in silence";
 }

@@ -11,6 +11,7 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertReport.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 
 using Platform::AssertKind;
 
@@ -188,17 +189,11 @@ TEST(Assert, ThreadsAreServedOneAtATime) {
         ++s_calls;
         return static_cast<int>(Platform::AssertAnswer_IgnoreOnce);
     };
-    std::vector<std::thread> threads;
-    for (int t = 0; t < Threads; ++t) {
-        threads.emplace_back([] {
-            for (int i = 0; i < Rounds; ++i) {
-                PLATFORM_ASSERT(i < 0);
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    TestSupport::OnThreads(Threads, [](int) {
+        for (int i = 0; i < Rounds; ++i) {
+            PLATFORM_ASSERT(i < 0);
+        }
+    });
     EXPECT_EQ(Threads * Rounds, s_calls);
     EXPECT_EQ(0, s_overlaps);
 }

@@ -84,12 +84,17 @@ TEST(DialogTemplate, ControlsStartAtMultiplesOfFour) {
 }
 
 TEST(DialogTemplate, TextsOf4096CharactersAndMoreCountAsEmpty) {
+    std::string wide;
+    for (int i = 0; i < 4095; ++i) {
+        wide += "\xE3\x82\xAF"; // one wide character
+    }
     const struct {
         std::string text;
         std::size_t length; // wide, with the terminator
         bool isKept;
     } rows[] = {
         {std::string(4095, 'x'), 4096, true},
+        {wide, 4096, true},
         {std::string(4096, 'x'), 1, false},
         {std::string(5000, 'x'), 1, false},
     };
@@ -104,18 +109,6 @@ TEST(DialogTemplate, TextsOf4096CharactersAndMoreCountAsEmpty) {
     }
 }
 
-TEST(DialogTemplate, LimitCountsWideCharacters) {
-    std::string text;
-    for (int i = 0; i < 4095; ++i) {
-        text += "\xE3\x82\xAF"; // one wide character
-    }
-    const AssertCapture capture;
-    DialogTemplate dialog;
-    dialog.Begin(text.c_str(), 0, {0, 0, 1, 1}, nullptr, 0);
-    EXPECT_EQ(18u + 4 + 4096 * 2, dialog.Bytes().size());
-    EXPECT_TRUE(capture.Failures().empty());
-}
-
 TEST(DialogTemplate, AControlThatDoesNotFitIsLeftOutWhole) {
     const AssertCapture capture;
     DialogTemplate dialog;
@@ -123,8 +116,8 @@ TEST(DialogTemplate, AControlThatDoesNotFitIsLeftOutWhole) {
     dialog.AddButton(std::string(4000, 'a').c_str(), 0, 0, {}, 1);
     dialog.AddButton(std::string(4000, 'b').c_str(), 0, 0, {}, 2);
     EXPECT_TRUE(capture.Failures().empty());
-    const std::vector<int> before = BytesOf(dialog); // 16078
-    dialog.AddButton(std::string(200, 'c').c_str(), 0, 0, {}, 3);
+    const std::vector<int> before = BytesOf(dialog);              // 16078, the next one starts at 16080
+    dialog.AddButton(std::string(139, 'c').c_str(), 0, 0, {}, 3); // would end at 16384
     EXPECT_EQ(std::vector<std::string>{TooMuch}, capture.Texts());
     EXPECT_EQ(before, BytesOf(dialog));
     EXPECT_EQ(2, ItemCount(dialog));
@@ -133,27 +126,9 @@ TEST(DialogTemplate, AControlThatDoesNotFitIsLeftOutWhole) {
         DialogTemplate::Capacity - before.size(),
         static_cast<std::size_t>(std::count(bytes + before.size(), bytes + DialogTemplate::Capacity, 0)));
 
-    dialog.AddButton("small", 0, 0, {}, 4);
-    EXPECT_EQ(3, ItemCount(dialog)) << "a smaller one still fits";
+    dialog.AddButton(std::string(138, 'c').c_str(), 0, 0, {}, 4);
+    EXPECT_EQ(3, ItemCount(dialog)) << "a smaller one fits, up to the last two bytes";
     EXPECT_EQ(1u, capture.Failures().size());
-}
-
-TEST(DialogTemplate, TheLastByteOfTheBufferStaysFree) {
-    // 24 bytes, a control of 26 + 8000, a second, padded to 16080; then a third of 26 + 2 n.
-    const struct {
-        std::size_t characters;
-        bool fits;
-    } rows[] = {{138, true}, {139, false}}; // 16382 and 16384 bytes
-    for (const auto& row : rows) {
-        const AssertCapture capture;
-        DialogTemplate dialog;
-        BeginSmall(dialog);
-        dialog.AddButton(std::string(4000, 'a').c_str(), 0, 0, {}, 1);
-        dialog.AddButton(std::string(4000, 'b').c_str(), 0, 0, {}, 2);
-        dialog.AddButton(std::string(row.characters, 'c').c_str(), 0, 0, {}, 3);
-        EXPECT_EQ(row.fits, capture.Failures().empty());
-        EXPECT_EQ(row.fits ? 3 : 2, ItemCount(dialog));
-    }
 }
 
 TEST(DialogTemplate, AFontThatDoesNotFitIsNotPromised) {
@@ -164,35 +139,4 @@ TEST(DialogTemplate, AFontThatDoesNotFitIsNotPromised) {
     EXPECT_EQ(std::vector<std::string>{TooMuch}, capture.Texts());
     EXPECT_FALSE(HasFont(dialog));
     EXPECT_EQ(18u + 4 + 8192, dialog.Bytes().size());
-}
-
-TEST(DialogTemplate, BeginStartsAnew) {
-    DialogTemplate once;
-    BeginSmall(once);
-    DialogTemplate twice;
-    twice.Begin("before", 0x1234, {1, 2, 3, 4}, "Face", 9);
-    twice.AddButton("before", 1, 1, {}, 1);
-    BeginSmall(twice);
-    EXPECT_EQ(BytesOf(once), BytesOf(twice));
-}
-
-// The built-in dialog builds its template inside the assertion state's lock: a check that fails there must
-// neither wait for itself nor ask for another dialog.
-TEST(DialogTemplate, FailingWhileADialogIsBuiltAsksNobody) {
-    const AssertCapture capture;
-    Platform::AssertState& state = *EXP_GetAssertState();
-    static int s_dialogs = 0;
-    s_dialogs = 0;
-    state.handlers[0] = nullptr;
-    const Platform::AssertDialog builtIn = state.dialog;
-    state.dialog = [](const char*, int) {
-        ++s_dialogs;
-        DialogTemplate dialog;
-        dialog.Begin(std::string(5000, 'x').c_str(), 0, {}, nullptr, 0);
-        return static_cast<int>(Platform::AssertAnswer_IgnoreOnce);
-    };
-    PLATFORM_ASSERT_MESSAGE(false, "outer");
-    state.dialog = builtIn;
-    EXPECT_EQ(1, s_dialogs);
-    EXPECT_EQ(0u, state.asking);
 }

@@ -3,31 +3,18 @@
 #include <mutex>
 #include <shared_mutex>
 #include <thread>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 
-namespace {
-
-template <class Work>
-void OnThreads(int count, Work work) {
-    std::vector<std::thread> threads;
-    for (int t = 0; t < count; ++t) {
-        threads.emplace_back(work);
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
-}
-
-} // namespace
+using TestSupport::OnThreads;
 
 TEST(SpinLock, ExcludesOtherThreads) {
     Platform::SpinLock lock;
     int counter = 0; // not atomic: lost updates would show
-    OnThreads(4, [&] {
+    OnThreads(4, [&](int) {
         for (int i = 0; i < 20000; ++i) {
             const std::lock_guard guard(lock);
             ++counter;
@@ -41,7 +28,7 @@ TEST(ReaderWriterLock, ReadersNeverSeeHalfAWrite) {
     int first = 0;
     int second = 0;
     std::atomic<int> torn = 0;
-    OnThreads(4, [&] {
+    OnThreads(4, [&](int) {
         for (int i = 0; i < 5000; ++i) {
             if (i % 4 == 0) {
                 const std::unique_lock writer(lock);
@@ -60,7 +47,7 @@ TEST(ReaderWriterLock, ReadersNeverSeeHalfAWrite) {
 TEST(ReaderWriterLock, ReadersShareIt) {
     Platform::ReaderWriterLock lock;
     std::atomic<int> inside = 0;
-    OnThreads(2, [&] {
+    OnThreads(2, [&](int) {
         const std::shared_lock reader(lock);
         for (++inside; inside < 2;) { // both must be in at once to get out
             std::this_thread::yield();

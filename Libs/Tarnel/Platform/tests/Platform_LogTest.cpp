@@ -6,12 +6,12 @@
 #include <fstream>
 #include <iterator>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_LocalTime.h"
+#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 #include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 using Platform::LogFileSink;
@@ -185,20 +185,13 @@ TEST_F(LogTest, ThreadsOpenANewLogOnceAndNeverMixEntries) {
     for (int round = 0; round < 10; ++round) {
         const std::wstring name = L"Threads" + std::to_wstring(round) + L".log";
         std::atomic<int> ready = 0;
-        std::vector<std::thread> threads;
-        threads.reserve(Threads);
-        for (int t = 0; t < Threads; ++t) {
-            threads.emplace_back([&ready, &name, t] {
-                for (++ready; ready < Threads;) { // all at the new name at once
-                }
-                for (int i = 0; i < Entries; ++i) {
-                    Write(name.c_str(), EntryOfThread(t) + "\n");
-                }
-            });
-        }
-        for (std::thread& thread : threads) {
-            thread.join();
-        }
+        TestSupport::OnThreads(Threads, [&ready, &name](int t) {
+            for (++ready; ready < Threads;) { // all at the new name at once
+            }
+            for (int i = 0; i < Entries; ++i) {
+                Write(name.c_str(), EntryOfThread(t) + "\n");
+            }
+        });
         EXPECT_EQ(std::vector<int>(Threads, Entries), CountEntries(folder.Folder() / name, Threads)) << round;
     }
 }

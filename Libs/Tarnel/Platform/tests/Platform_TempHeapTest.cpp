@@ -1,12 +1,13 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_TempHeap.h"
 
+#include <atomic>
 #include <cstring>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 
 using Platform::TempHeap;
 
@@ -90,32 +91,25 @@ TEST(TempHeap, MisuseIsReportedAndTheHeapGoesOn) {
 // A small arena, so that requests fail, blocks overlap in time and resets happen all the while. Each thread
 // marks its block and finds the mark intact.
 TEST(TempHeap, ThreadsNeverShareABlock) {
-    constexpr int Threads = 4;
     TempHeap heap;
     ASSERT_TRUE(heap.SetUp(1024));
     std::atomic<int> damaged = 0;
     std::atomic<int> served = 0;
-    std::vector<std::thread> threads;
-    for (int t = 0; t < Threads; ++t) {
-        threads.emplace_back([&heap, &damaged, &served, t] {
-            for (int i = 0; i < 20000; ++i) {
-                const auto size = static_cast<std::size_t>(1 + (i * 37 + t * 11) % 300);
-                auto* const block = static_cast<unsigned char*>(heap.Allocate(size));
-                if (!block) {
-                    continue;
-                }
-                ++served;
-                std::memset(block, t, size);
-                for (std::size_t b = 0; b < size; ++b) {
-                    damaged += block[b] != t;
-                }
-                heap.Free(block);
+    TestSupport::OnThreads(4, [&heap, &damaged, &served](int t) {
+        for (int i = 0; i < 20000; ++i) {
+            const auto size = static_cast<std::size_t>(1 + (i * 37 + t * 11) % 300);
+            auto* const block = static_cast<unsigned char*>(heap.Allocate(size));
+            if (!block) {
+                continue;
             }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+            ++served;
+            std::memset(block, t, size);
+            for (std::size_t b = 0; b < size; ++b) {
+                damaged += block[b] != t;
+            }
+            heap.Free(block);
+        }
+    });
     EXPECT_EQ(0, damaged);
     EXPECT_GT(served, 0);
     EXPECT_EQ(0, heap.LiveBlocks());

@@ -1,12 +1,12 @@
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 #include "Libs/Tarnel/Reflection/tests/Reflection_TestTypes.h"
 
 using Reflection::TypeDescriptor;
@@ -116,19 +116,14 @@ TEST(TypeRegistration, ThreadsGetOneFinishedDescriptor) {
     constexpr int ThreadCount = 8;
     std::vector<const TypeDescriptor*> types(ThreadCount);
     std::vector<std::size_t> innerFields(ThreadCount);
-    std::vector<std::thread> threads;
-    for (std::size_t i = 0; i < ThreadCount; ++i) {
-        threads.emplace_back([&, i] {
-            // Half of them come in by the inner type.
-            using Inner = std::vector<std::map<std::string, ReflectedLate>>;
-            const TypeDescriptor& inner = *TypeOf<Inner>().element->element;
-            types[i] = i % 2 ? &TypeOf<ReflectedLate>() : &inner;
-            innerFields[i] = types[i]->fields.size();
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    TestSupport::OnThreads(ThreadCount, [&](int number) {
+        // Half of them come in by the inner type.
+        using Inner = std::vector<std::map<std::string, ReflectedLate>>;
+        const TypeDescriptor& inner = *TypeOf<Inner>().element->element;
+        const auto i = static_cast<std::size_t>(number);
+        types[i] = i % 2 ? &TypeOf<ReflectedLate>() : &inner;
+        innerFields[i] = types[i]->fields.size();
+    });
     EXPECT_EQ(std::vector<const TypeDescriptor*>(ThreadCount, &TypeOf<ReflectedLate>()), types);
     EXPECT_EQ(std::vector<std::size_t>(ThreadCount, 2), innerFields);
 }

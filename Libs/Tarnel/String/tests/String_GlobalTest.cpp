@@ -2,12 +2,12 @@
 
 #include <cstdint>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 #include "Libs/Tarnel/String/src/String_Functions.h"
 
 using String::Global;
@@ -68,17 +68,11 @@ TEST(GlobalPalette, GivesAllThreadsTheSameNodes) {
     constexpr int ThreadCount = 4;
     constexpr int TextCount = 2000;
     std::vector<std::vector<const char*>> texts(ThreadCount);
-    std::vector<std::thread> threads;
-    for (auto& own : texts) {
-        threads.emplace_back([&own] {
-            for (int i = 0; i < TextCount; ++i) {
-                own.push_back(String::FormatGlobal("thread text %i", i).Text());
-            }
-        });
-    }
-    for (std::thread& thread : threads) {
-        thread.join();
-    }
+    TestSupport::OnThreads(ThreadCount, [&texts](int t) {
+        for (int i = 0; i < TextCount; ++i) {
+            texts[static_cast<std::size_t>(t)].push_back(String::FormatGlobal("thread text %i", i).Text());
+        }
+    });
     for (const auto& own : texts) {
         EXPECT_EQ(texts[0], own);
     }

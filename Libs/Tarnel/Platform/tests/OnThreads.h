@@ -1,0 +1,20 @@
+#pragma once
+
+#include <thread>
+#include <vector>
+
+namespace TestSupport {
+
+// Runs work(0), work(1) and so on, each on a thread of its own, and comes back when all of them have ended.
+template <class Work>
+void OnThreads(int count, const Work& work) {
+    std::vector<std::thread> threads;
+    for (int number = 0; number < count; ++number) {
+        threads.emplace_back([&work, number] { work(number); });
+    }
+    for (std::thread& thread : threads) {
+        thread.join();
+    }
+}
+
+} // namespace TestSupport
