@@ -27,25 +27,27 @@ protected:
 
     void Run(const std::string& keys) {
         ASSERT_EQ(Configure(Quota, R"("Quota": {"TimeBetweenChecks": 5)" + keys + "}"), "");
+        EXPECT_TRUE(Exists("dumps") && Exists("packagedDumps"));
         Start("Quota");
     }
 
     // Folders of one area, the oldest first, each one so large.
     void MakeAges(const std::string& area, const std::vector<std::string>& oldestFirst,
                   std::size_t size = 10) {
-        FILETIME now = {};
-        GetSystemTimeAsFileTime(&now);
         uint64_t seconds = 10 * oldestFirst.size();
         for (const std::string& name : oldestFirst) {
             const std::string path = std::string("app/").append(area).append(1, '/').append(name);
             m_scratch.MakeFile(path + "/header.json", std::string(size, 'x'));
-            SetCreation(path,
-                        (uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime) - seconds * 10'000'000);
+            SetCreation(path, seconds);
             seconds -= 10;
         }
     }
 
-    void SetCreation(const std::string& path, uint64_t time) const {
+    void SetCreation(const std::string& path, uint64_t secondsAgo) const {
+        FILETIME now = {};
+        GetSystemTimeAsFileTime(&now);
+        const uint64_t time =
+            (uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime) - secondsAgo * 10'000'000;
         HANDLE folder = CreateFileW(TestSupport::ScratchFolder::FromUtf8(m_scratch.PathOf(path)).c_str(),
                                     FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
@@ -63,12 +65,6 @@ protected:
     }
     bool Exists(const std::string& name) const { return m_scratch.Exists("app/" + name); }
 };
-
-TEST_F(DiskQuotaTest, MakesItsTwoFolders) {
-    Run("");
-    EXPECT_TRUE(Exists("dumps"));
-    EXPECT_TRUE(Exists("packagedDumps"));
-}
 
 TEST_F(DiskQuotaTest, SaysWhichFolderItCannotMake) {
     m_scratch.MakeFile("blocked", "");
@@ -120,11 +116,8 @@ TEST_F(DiskQuotaTest, WhatNeverBecameASubmissionGoesAfterItsGraceTime) {
     ASSERT_TRUE(PlatformHelpers::RemoveFile(path("wrong case/header.json")));
     m_scratch.MakeFile("app/dumps/wrong case/Header.json", "{}");
     ASSERT_TRUE(PlatformHelpers::RemoveFile(m_scratch.PathOf("app/packagedDumps/package/header.json")));
-    FILETIME now = {};
-    GetSystemTimeAsFileTime(&now);
-    const uint64_t longAgo = (uint64_t{now.dwHighDateTime} << 32 | now.dwLowDateTime) - 100 * 10'000'000ULL;
     for (const char* name : {"dumps/invalid", "dumps/valid", "dumps/wrong case", "packagedDumps/package"}) {
-        SetCreation(std::string("app/") + name, longAgo);
+        SetCreation(std::string("app/") + name, 100);
     }
     Run(R"(, "InvalidGraceTime": 60)");
     EXPECT_TRUE(AwaitInfo(" Removed aging invalid dump folder " + m_scratch.PathOf("app\\dumps\\invalid")));

@@ -110,11 +110,3 @@ TEST_F(FolderScanTest, KnownNamesAreComparedExactly) {
     m_known.Add("Crash2");
     EXPECT_EQ(Pass(), Names{"Crash"});
 }
-
-TEST_F(FolderScanTest, AKnownFolderStaysKnownWhenItComesBack) {
-    const std::string folder = MakeComplete("a");
-    EXPECT_EQ(Pass(), Names{"a"});
-    ASSERT_TRUE(PlatformHelpers::RemoveFolder(folder));
-    MakeComplete("a");
-    EXPECT_EQ(Pass(), Names{});
-}

@@ -29,17 +29,19 @@ TEST(InstanceKey, IsTheTextBeforeTheLastEnding) {
     }
 }
 
-TEST(InstanceKey, ComesFromTheDumpAlone) {
-    const Catalog named{.dump = {"a_Minidump.dmp", ""}, .log = {}, .attachments = {{"b.dmp", ""}}};
-    EXPECT_EQ(DeriveInstanceKey(named), "a");
-    const Catalog unnamed{.dump = {"a.mdmp", ""}, .log = {}, .attachments = {{"b.dmp", ""}}};
-    EXPECT_EQ(DeriveInstanceKey(unnamed), "");
-}
-
-TEST(InstanceKey, WithoutADumpComesFromTheFirstAttachmentThatGivesOne) {
-    const Catalog catalog{.dump = {},
-                          .log = {"log.dmp", ""},
-                          .attachments = {{"a.txt", ""}, {"", ""}, {"b.dmp", ""}, {"c_Minidump.dmp", ""}}};
-    EXPECT_EQ(DeriveInstanceKey(catalog), "b");
-    EXPECT_EQ(DeriveInstanceKey(Catalog()), "");
+TEST(InstanceKey, ComesFromTheDumpOrElseTheFirstAttachmentThatGivesOne) {
+    const struct {
+        const char* dump;
+        std::vector<Attachment> attachments;
+        const char* key;
+    } rows[] = {
+        {"a_Minidump.dmp", {{"b.dmp", ""}}, "a"},
+        {"a.mdmp", {{"b.dmp", ""}}, ""},
+        {"", {{"a.txt", ""}, {"", ""}, {"b.dmp", ""}, {"c_Minidump.dmp", ""}}, "b"},
+        {"", {}, ""},
+    };
+    for (const auto& row : rows) {
+        const Catalog catalog{.dump = {row.dump, ""}, .log = {"log.dmp", ""}, .attachments = row.attachments};
+        EXPECT_EQ(DeriveInstanceKey(catalog), row.key) << row.dump;
+    }
 }

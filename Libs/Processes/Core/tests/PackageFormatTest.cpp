@@ -23,10 +23,6 @@ std::string Compose(std::string_view header, const std::vector<std::string>& ent
 
 } // namespace
 
-TEST(PackageFormat, AHeaderAloneIsTheBody) {
-    EXPECT_EQ(Compose("abc", {}, 3), "00000003900150983cd24fb0d6963f7d28e17f7200000003abc");
-}
-
 // Digests by md5sum.
 TEST(PackageFormat, EntriesFollowTheHeaderBackToBack) {
     const std::string expected = "0000005D"
@@ -55,14 +51,6 @@ TEST(PackageFormat, TheBufferDoesNotGrowWhenItsSizeWasKnown) {
     ASSERT_TRUE(composer.AppendEntry(Bytes("a")));
     const std::vector<uint8_t> package = composer.Take();
     EXPECT_EQ(package.capacity(), package.size());
-}
-
-TEST(PackageFormat, TakingLeavesTheComposerEmpty) {
-    PackageFormat::Composer composer;
-    EXPECT_TRUE(composer.Take().empty());
-    ASSERT_TRUE(composer.Start(Bytes("{}"), 2));
-    EXPECT_EQ(composer.Take().size(), 50U);
-    EXPECT_TRUE(composer.Take().empty());
 }
 
 TEST(PackageFormat, ASizeNoMemoryHoldsIsAFailure) {

@@ -29,9 +29,7 @@ protected:
             m_scratch.MakeFile("work/太郎 1/" + file, "<" + file + ">");
         }
     }
-    std::string Generate(bool keepWorkFolder = false) {
-        return PackageWriter(m_config, keepWorkFolder).Generate("太郎 1").Text();
-    }
+    std::string Generate() { return PackageWriter(m_config, false).Generate("太郎 1").Text(); }
     std::string Package() const { return m_scratch.ReadFile("packaged/太郎 1/p.pkg"); }
     bool IsFinished() const {
         PlatformHelpers::FileStatus status;
@@ -61,15 +59,6 @@ TEST_F(PackageWriterTest, TheLogComesFirst) {
     EXPECT_FALSE(m_scratch.Exists("work/太郎 1"));
     EXPECT_TRUE(m_scratch.Exists("work"));
     EXPECT_EQ(m_log.Infos(), Lines{" Starting packaging of file 太郎 1..."});
-}
-
-TEST_F(PackageWriterTest, ASharedFolderIsKept) {
-    m_config.packagedFolder = m_config.packageWorkFolder;
-    Prepare(ThreeFiles, ThreeStored);
-    EXPECT_EQ(Generate(true), "OK");
-    for (const std::string file : {"header.json", "d.dmp.gz", "p.pkg"}) {
-        EXPECT_TRUE(m_scratch.Exists("work/太郎 1/" + file)) << file;
-    }
 }
 
 TEST_F(PackageWriterTest, EveryPreparedFileMustBeThere) {

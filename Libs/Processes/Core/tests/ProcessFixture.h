@@ -18,15 +18,16 @@
 class ProcessFixture : public testing::Test {
 protected:
     // Makes processes as the makers and sections say; gives the first error that was logged, or nothing.
-    std::string Configure(const std::string& processes, const std::string& sections) {
+    std::string Configure(const std::string& processes, const std::string& sections,
+                          const char* argument = "") {
         const std::string config =
             "-config=" +
             m_scratch.MakeFile("agent.json", R"({"Application":{"Processes":{)" + processes +
                                                  R"(},"Components":[],"ApplicationFolder":""},)" + sections +
                                                  "}");
         const std::string folder = "-appFolder=" + m_scratch.PathOf("app");
-        const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
-        EXPECT_TRUE(m_application->Initialize(3, argv));
+        const char* argv[] = {"agent.exe", config.c_str(), folder.c_str(), argument};
+        EXPECT_TRUE(m_application->Initialize(4, argv));
         const auto errors = m_log.Errors();
         return errors.empty() ? "" : errors.front();
     }

@@ -5,13 +5,9 @@
 #include <chrono>
 #include <thread>
 
-#include <gtest/gtest.h>
-
-#include "Libs/Framework/Core/src/ApplicationBase.h"
+#include "Libs/Processes/Core/tests/ProcessFixture.h"
 #include "Libs/Processes/Core/tests/WatchedGame.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
 namespace {
 
@@ -51,22 +47,16 @@ private:
     PROCESS_INFORMATION m_process = {};
 };
 
-class ProcessMonitorTest : public testing::Test {
+class ProcessMonitorTest : public ProcessFixture {
 protected:
+    static void SetUpTestSuite() {
+        FactoryInstance<IApplicationProcess>().RegisterMaker<ProcessMonitor>("ProcessMonitor");
+    }
+
     // An application that runs a monitor alone, with this section for it.
-    ResultCode Start(const std::string& section, const char* argument = "") {
-        const std::string config = "-config=" +
-                                   m_scratch.MakeFile("agent.json",
-                                                      R"({"Application": {"Processes": {}, "Components": [],
-                "ApplicationFolder": ""})" + section + "}");
-        const std::string folder = "-appFolder=" + m_scratch.Path();
-        const char* argv[] = {"agent.exe", config.c_str(), folder.c_str(), argument};
-        m_application->RegisterProcess<ProcessMonitor>("Monitor");
-        if (const ResultCode result = m_application->Initialize(4, argv); !result) {
-            return result;
-        }
+    void Run(const std::string& section, const char* argument = "") {
+        Configure(R"("ProcessMonitor":["Monitor"])", section, argument);
         m_main = std::thread([this] { EXPECT_TRUE(m_application->Run()); });
-        return Platform::Success;
     }
 
     // What the monitor has said, once it has ended.
@@ -85,23 +75,12 @@ protected:
         return said;
     }
 
-    void AwaitLines(std::size_t count) const {
-        const auto deadline = std::chrono::steady_clock::now() + std::chrono::seconds(30);
-        while (Said().size() < count && std::chrono::steady_clock::now() < deadline) {
-            std::this_thread::sleep_for(std::chrono::milliseconds(5));
-        }
-    }
-
-    TestSupport::ScratchFolder m_scratch{"scratch Jörg"};
-    TestSupport::LogCapture m_log;
-    std::shared_ptr<ApplicationBase> m_application = std::make_shared<ApplicationBase>();
     std::thread m_main;
 };
 
 TEST_F(ProcessMonitorTest, WithNothingToWatchAsksForTheEndAfterTheDelay) {
     const auto start = std::chrono::steady_clock::now();
-    ASSERT_TRUE(
-        Start(R"(, "Monitor": {"TimeBetweenChecks": 20, "ShutdownDelay": 100, "WatchedApplications": []})"));
+    Run(R"("Monitor": {"TimeBetweenChecks": 20, "ShutdownDelay": 100, "WatchedApplications": []})");
     EXPECT_EQ(SaidUntilTheEnd(), (Lines{Closed, Requesting}));
     EXPECT_GE(std::chrono::steady_clock::now() - start, std::chrono::milliseconds(115));
 }
@@ -109,22 +88,21 @@ TEST_F(ProcessMonitorTest, WithNothingToWatchAsksForTheEndAfterTheDelay) {
 TEST_F(ProcessMonitorTest, GoesOnWhileAWatchedProgramRuns) {
     const Game game(m_scratch.PathOf("Watched Gäme.exe"));
     // The configured name never runs; the one from the command line does.
-    ASSERT_TRUE(Start(R"(, "Monitor": {"TimeBetweenChecks": 5, "ShutdownDelay": 5,
+    Run(R"("Monitor": {"TimeBetweenChecks": 5, "ShutdownDelay": 5,
                          "WatchedApplications": ["NoSuchProgram.exe"]})",
-                      "-PROCESS=watched gäme.EXE"));
+        "-PROCESS=watched gäme.EXE");
     std::this_thread::sleep_for(std::chrono::milliseconds(150));
     m_application->RequestShutdown();
     EXPECT_EQ(SaidUntilTheEnd(), Lines{});
 }
 
 TEST_F(ProcessMonitorTest, AProgramThatComesBackEndsTheDelay) {
-    ASSERT_TRUE(Start(R"(, "Monitor": {"TimeBetweenChecks": 20, "ShutdownDelay": 1500,
-                         "WatchedApplications": ["RestartedGame.exe"]})"));
-    AwaitLines(1);
+    Run(R"("Monitor": {"TimeBetweenChecks": 20, "ShutdownDelay": 1500,
+                         "WatchedApplications": ["RestartedGame.exe"]})");
+    EXPECT_TRUE(Await([&] { return Said() == Lines{Closed}; }));
     {
         const Game game(m_scratch.PathOf("RestartedGame.exe"));
-        AwaitLines(2);
-        EXPECT_EQ(Said(), (Lines{Closed, Reappeared}));
+        EXPECT_TRUE(Await([&] { return Said() == Lines{Closed, Reappeared}; }));
     }
     EXPECT_EQ(SaidUntilTheEnd(), (Lines{Closed, Reappeared, Closed, Requesting}));
 }
@@ -134,13 +112,13 @@ TEST_F(ProcessMonitorTest, NeedsItsSection) {
         const char* section;
         const char* error;
     } rows[] = {
-        {"", "configuration section not found"},
-        {R"(, "Monitor": [])", "configuration section found is not an object"},
-        {R"(, "Monitor": {"TimeBetweenChecks": 20, "ShutdownDelay": 100})", "Field not found in json"},
+        {R"("Other": {})", "configuration section not found"},
+        {R"("Monitor": [])", "configuration section found is not an object"},
+        {R"("Monitor": {"TimeBetweenChecks": 20, "ShutdownDelay": 100})", "Field not found in json"},
     };
     for (const auto& row : rows) {
         m_application = std::make_shared<ApplicationBase>();
-        ASSERT_TRUE(Start(row.section));
+        Run(row.section);
         m_main.join();
         EXPECT_EQ(m_application->GetProcess("Monitor"), nullptr);
         EXPECT_EQ(m_log.Errors().back(),
@@ -156,13 +134,6 @@ TEST(ProcessMonitorConfig, OnlyTheListIsRequired) {
     EXPECT_EQ(config.timeBetweenChecks, 2500u);
     EXPECT_EQ(config.shutdownDelay, 30000u);
     EXPECT_EQ(config.watchedApplications, Lines{"Game.exe"});
-}
-
-TEST(ProcessMonitor, AnswersForItsType) {
-    ProcessMonitor monitor(nullptr, "Monitor");
-    EXPECT_EQ(Reflection::Query<ProcessMonitor>(monitor), &monitor);
-    EXPECT_EQ(monitor.QueryObj(Reflection::TypeOf<ProcessMonitorConfig>()), nullptr);
-    EXPECT_EQ(&monitor.GetTypeDescription(), &Reflection::TypeOf<ProcessMonitor>());
 }
 
 } // namespace

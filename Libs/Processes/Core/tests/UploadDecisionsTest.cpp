@@ -47,16 +47,6 @@ TEST(UploadDecisions, StartsWhileThereIsRoomAndNobodyStops) {
     EXPECT_FALSE(UploadDecisions::MayStartUpload(true, 1, 0, 4));
 }
 
-TEST(UploadDecisions, TheLastFolderComesFirst) {
-    std::vector<std::string> pending = {"a", "b"};
-    std::string folder;
-    EXPECT_TRUE(UploadDecisions::TakeNextFolder(pending, folder));
-    EXPECT_EQ("b", folder);
-    EXPECT_TRUE(UploadDecisions::TakeNextFolder(pending, folder));
-    EXPECT_EQ("a", folder);
-    EXPECT_FALSE(UploadDecisions::TakeNextFolder(pending, folder));
-}
-
 TEST(UploadDecisions, ACycleEndsWhenIdleStoppedOrOver) {
     EXPECT_TRUE(UploadDecisions::CycleGoesOn(false, 1, 0, 29, 30));
     EXPECT_TRUE(UploadDecisions::CycleGoesOn(false, 0, 1, 29, 30));

@@ -10,6 +10,7 @@
 
 #include <gtest/gtest.h>
 
+#include "Libs/Processes/Core/src/Watcher.h"
 #include "Libs/Tarnel/Platform/tests/LogCapture.h"
 #include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
 
@@ -97,27 +98,11 @@ private:
 };
 
 // Hands over exactly what the test offers, so that a batch arrives as one.
-class Offerings : public ApplicationProcessBase, public IWatcher {
+class Offerings : public Watcher {
 public:
-    Offerings(ApplicationBase* application, Board& board)
-        : ApplicationProcessBase(application, "Watcher"), m_board(board) {}
+    Offerings(ApplicationBase* application, Board& board) : Watcher(application, "Watcher"), m_board(board) {}
 
-    void* QueryObj(const Reflection::TypeDescriptor& type) override {
-        return &type == &Reflection::TypeOf<IWatcher>() ? static_cast<IWatcher*>(this) : nullptr;
-    }
-    ResultCode Initialize(const JsonDocument&, int, const char**) override { return Platform::Success; }
     bool ThreadMain() override { return true; }
-    void GetFolder(std::string&) const override {}
-    void GetSentinelFileName(std::string&) const override {}
-    const Reflection::TypeDescriptor& GetObjectType() const override {
-        return Reflection::TypeOf<IWatcher>();
-    }
-    ResultCode Flush() override { return Platform::Success; }
-    void* QuerySubscriber(const Reflection::TypeDescriptor& type) override { return QueryObj(type); }
-    const char* GetSubscriberName() const override { return ""; }
-    const Reflection::TypeDescriptor& GetSubscriberType() const override { return GetObjectType(); }
-    ResultCode FlushSubscriber() override { return Flush(); }
-
     ResultCode TakeTasks(std::vector<TaskData>& tasks) override {
         m_board.Tell([&](Board& board) {
             ++board.passes;
