@@ -111,10 +111,15 @@ def slowly_reading(connection, over):
         pass
 
 
+def refusing_early(connection, _):
+    connection.recv(1)
+    connection.sendall(b"HTTP/1.1 503 Slow Down\r\nContent-Length: 0\r\n\r\n")
+
+
 @pytest.mark.parametrize("scheme, peer, size", [
     ("http", silent, 10), ("http", dripping, 10), ("http", never_reading, 32 << 20), ("http", slowly_reading, 32 << 20),
-    ("https", never_reading, 10),
-], ids=["silent", "drip", "never-read", "slow-read", "no-tls"])
+    ("http", refusing_early, 32 << 20), ("https", never_reading, 10),
+], ids=["silent", "drip", "never-read", "slow-read", "early", "no-tls"])
 def test_no_peer_holds_a_client(probe, scheme, peer, size):
     with serving(peer) as port:
         assert probe.fails(b"x" * size, endpoint=f"{scheme}://127.0.0.1:{port}") < probe.latest + size / (32 << 20)

@@ -10,13 +10,18 @@ and what the kind needs:
   close    read the body, close without an answer
   bad-etag store the object, answer with another ETag
   drip     store the object, answer one byte every "ms"
+  cut      store the object, end the connection amid the answer's head or "at" the middle of its body
+  clock    judge the request by a clock that is "seconds" ahead
 """
 import os
+import re
 import socket
 import struct
 import time
+from unittest import mock
 
 import eventlet
+from swift.common.middleware.s3api.utils import S3Timestamp
 
 from store.swift_server import ACCOUNT, USER
 
@@ -157,6 +162,19 @@ class Front:
         return self._store(environ, replaced)
 
     def _drip(self, fault, environ, start):
+        self._by_hand(environ, start, lambda answer: (answer[i:i + 1] for i in range(len(answer))), fault["ms"] / 1000)
+
+    def _cut(self, fault, environ, start):
+        def short(answer):
+            if fault["at"] == "head":
+                yield answer[:answer.lower().index(b"etag: ") + 12]
+            else:
+                yield re.sub(rb"(?i)(content-length: )0\r", rb"\g<1>1000\r", answer) + b"not a thousand bytes"
+
+        self._by_hand(environ, start, short)
+
+    def _by_hand(self, environ, start, pieces_of, pause=0):
+        """Stores the object and sends the answer past the server, in the pieces that pieces_of makes of it."""
         connection = connection_of(environ)  # Swift puts another input in place
         head = []
 
@@ -165,7 +183,11 @@ class Front:
             head.append(f"HTTP/1.1 {status}\r\n" + "".join(f"{name}: {value}\r\n" for name, value in headers) + "\r\n")
 
         body = b"".join(self._store(environ, keep))
-        for byte in head[0].encode() + body:
-            connection.sendall(bytes([byte]))
-            eventlet.sleep(fault["ms"] / 1000)
+        for piece in pieces_of(head[0].encode() + body):
+            connection.sendall(piece)
+            eventlet.sleep(pause)
         raise Disconnect
+
+    def _clock(self, fault, environ, start):
+        with mock.patch.object(S3Timestamp, "now", lambda: S3Timestamp(time.time() + fault["seconds"])):
+            return self._store(environ, start)
