@@ -178,8 +178,8 @@ def test_pack_keeps_what_is_there(scratch, package, submission):
     assert [path.name for path in (scratch / "packed").iterdir()] == [submission.name]  # no work folder stays
 
 
-def test_check_config_judges_the_readme_and_a_typo(scratch):
-    example = re.search(r"```json\n(.*?)```", (ROOT / "README.md").read_text(), re.S).group(1)
+def test_check_config_judges_the_documented_example_and_a_typo(scratch):
+    example = re.search(r"```json\n(.*?)```", (ROOT / "docs" / "configuration.md").read_text(), re.S).group(1)
     good = write(scratch / "good.json", example.encode())
     assert run("check-config", good)[0] == f"{good}: good\n"
     run("check-config", Site(scratch / "site").write_configuration())  # what these tests start the agent with
