@@ -59,7 +59,7 @@ def test_a_failing_store_keeps_the_package(site, store, bucket, fault):
     write_small(site.dumps, "kept")
     store.set_faults(fault)
     agent = run_until_failed(site, 1)
-    # Wine takes what came of the cut head for all of it, half an ETag included; Windows sees no answer.
+    # Wine takes what came of a head for all of it, half an ETag included. Either error keeps the package.
     assert_failed(agent, 1, WRONG_ETAG if fault["kind"] in ("bad-etag", "cut") else FAILED)
     (upload,) = store.uploads()  # no second attempt within a run
     assert upload["status"] == fault.get("status", upload["status"])
