@@ -39,18 +39,20 @@ wording() {
     git ls-files -z | xargs -0 grep -nIiE '\bspecificatio[n]\b|\bthe spe[c]\b|spec[.]md|\bParts? [0-9][.][0-9]' || true
 }
 
-# A page that promises something by a test's name must not outlive the test. `Suite.Case` or `test_x.py::test_y`.
+# A page that promises something by a test's name must not outlive the test: `Suite.Case` there, and everywhere `test_x`,
+# `test_x.py` and `test_x.py::test_y`.
 missing_tests() {
-    local page=docs/guarantees.md
-    grep -oE '`(\w+\.[A-Z]\w+|test_\w+\.py::\w+)`' "$page" | tr -d '`' | grep -vx 'Suite\.Case' | sort -u |
-        comm -23 - <(tests_there) | sed "s|^|$page: |"
+    {
+        grep -oE '`\w+\.[A-Z]\w+`' docs/guarantees.md | grep -vxF '`Suite.Case`'
+        git grep -ohE '`(tests/e2e/)?test_\w+(\.py)?(::\w+)?`' -- '*.md'
+    } | tr -d '`' | sort -u | comm -23 - <(tests_there) | while read -r name; do git grep -noF "\`$name\`" -- '*.md'; done
 }
 
 tests_there() {
     {
         git ls-files -z -- '*Test.cpp' | xargs -0 cat | tr -d '\n' | grep -oE '\bTEST(_[FP])?\(\w+, *\w+\)' |
             sed -E 's/.*\((\w+), *(\w+)\)/\1.\2/'
-        git grep -oE '^def test_\w+' -- 'tests/e2e/test_*.py' | sed -E 's|tests/e2e/(.*):def |\1::|'
+        git grep -oE '^def test_\w+' -- 'tests/e2e/test_*.py' | sed -E 's|(tests/e2e/)(.*):def (.*)|\2::\3\n\3\n\2\n\1\2|'
     } | sort -u
 }
 
