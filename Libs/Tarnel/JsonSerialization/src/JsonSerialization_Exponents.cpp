@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
+
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Blocks.h"
 
 namespace JsonSerialization {
 
@@ -36,28 +36,16 @@ bool HasUnsafeExponentIn(std::string_view text, std::size_t begin, std::size_t e
     return false;
 }
 
-// Looks at eight bytes at once; only false is certain.
-bool MayHoldMinus(std::string_view text, std::size_t at) {
-    constexpr uint64_t Ones = 0x0101010101010101;
-    uint64_t eight = 0;
-    if (text.size() - at < sizeof(eight)) {
-        return true;
-    }
-    std::memcpy(&eight, text.data() + at, sizeof(eight));
-    eight ^= Ones * '-';
-    return ((eight - Ones) & ~eight & (Ones << 7)) != 0;
-}
-
 } // namespace
 
 bool HasUnsafeExponent(std::string_view text) {
-    for (std::size_t at = 0; at < text.size(); at += sizeof(uint64_t)) {
-        const std::size_t end = std::min(at + sizeof(uint64_t), text.size());
-        if (MayHoldMinus(text, at) && HasUnsafeExponentIn(text, at, end)) {
+    std::size_t at = 0;
+    for (; at + BlockSize <= text.size(); at += BlockSize) {
+        if (BlockHolds(text.data() + at, '-') && HasUnsafeExponentIn(text, at, at + BlockSize)) {
             return true;
         }
     }
-    return false;
+    return HasUnsafeExponentIn(text, at, text.size());
 }
 
 void TameExponents(std::string& text) {

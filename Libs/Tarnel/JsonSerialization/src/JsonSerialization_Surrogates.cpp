@@ -3,7 +3,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cstdint>
-#include <cstring>
+
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Blocks.h"
 
 namespace JsonSerialization {
 
@@ -22,29 +23,23 @@ uint16_t UnicodeEscape(std::string_view text, std::size_t backslash) {
     return read.ptr == digits.data() + digits.size() ? unit : uint16_t{0};
 }
 
-// As std::string_view's find, eight bytes at once: some C runtimes look at them one by one.
-std::size_t FindBackslash(std::string_view text, std::size_t at) {
-    constexpr uint64_t Ones = 0x0101010101010101;
-    uint64_t eight = 0;
-    for (; at + sizeof(eight) <= text.size(); at += sizeof(eight)) {
-        std::memcpy(&eight, text.data() + at, sizeof(eight));
-        eight ^= Ones * '\\';
-        if (((eight - Ones) & ~eight & (Ones << 7)) != 0) {
-            break;
+// Texts with Unicode escapes are rare, other escapes are not: paths are full of them.
+bool HoldsUnicodeEscape(std::string_view text) {
+    std::size_t at = 0;
+    for (; at + BlockSize < text.size(); at += BlockSize) {
+        if (BlockHoldsPair(text.data() + at, '\\', 'u')) {
+            return true;
         }
     }
-    while (at < text.size() && text[at] != '\\') {
-        ++at;
-    }
-    return at < text.size() ? at : std::string_view::npos;
+    return text.find("\\u", at) != std::string_view::npos;
 }
 
 // The place of the first one's backslash from that place on, which is outside of any escape.
 std::size_t FindLoneLowSurrogate(std::string_view text, std::size_t from) {
     bool isAfterHigh = false;
     std::size_t expected = from; // where the low half of the last high one would stand
-    for (std::size_t at = FindBackslash(text, from); at != std::string_view::npos;
-         at = FindBackslash(text, expected)) {
+    for (std::size_t at = text.find('\\', from); at != std::string_view::npos;
+         at = text.find('\\', expected)) {
         const uint16_t unit = UnicodeEscape(text, at);
         const bool isPair = isAfterHigh && at == expected;
         if (unit >= 0xDC00 && unit <= 0xDFFF && !isPair) {
@@ -59,7 +54,7 @@ std::size_t FindLoneLowSurrogate(std::string_view text, std::size_t from) {
 } // namespace
 
 bool HasLoneLowSurrogate(std::string_view text) {
-    return FindLoneLowSurrogate(text, 0) != std::string_view::npos;
+    return HoldsUnicodeEscape(text) && FindLoneLowSurrogate(text, 0) != std::string_view::npos;
 }
 
 void BreakLoneLowSurrogates(std::string& text) {

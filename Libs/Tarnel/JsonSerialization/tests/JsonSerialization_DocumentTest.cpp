@@ -59,6 +59,18 @@ TEST(ParseText, TakesOneJsonTextInUtf8) {
     }
 }
 
+// What must not reach the parser as it is, at every distance from the start: the text is looked through by
+// blocks.
+TEST(ParseText, MissesNothingAtAnyPlace) {
+    for (std::size_t blanks = 0; blanks < 600; ++blanks) {
+        const std::string before(blanks, ' ');
+        EXPECT_EQ("0.0", Rewritten(before + "1e-99999999999999999999")) << blanks;
+        EXPECT_EQ("The surrogate pair in string is invalid.@" + std::to_string(blanks + 1),
+                  Rewritten(before + R"("\udc00")"))
+            << blanks;
+    }
+}
+
 TEST(ParseText, SurvivesNumbersOfEverySize) {
     const std::string zeros(400, '0');
     const struct {
