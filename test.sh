@@ -36,20 +36,23 @@ unit_tests() { # preset
     if [ "$1" = native ]; then
         ctest --preset native -j "$(nproc)"
     else
-        with_wine ctest --preset "$1" -j "$(nproc)"
+        # Now and then a program dies at its start under Wine, before its first test and without a word. A
+        # second try tells that from a fault of ours; the output shows both.
+        with_wine ctest --preset "$1" -j "$(nproc)" --repeat until-pass:2
     fi
 }
 
 # Of the modules that share state between threads, under the thread sanitizer. Its runtime of this compiler can't live with
-# all the address randomisation of newer kernels, so it is switched off for the tests alone.
+# all the address randomisation of newer kernels, so it is switched off for the tests alone. Where a machine forbids that
+# (some containers do), the tests run without, and fail where the kernel's randomisation is too much for them.
 thread_tests() {
-    local tests=(PlatformTest PlatformLogLimitTest StringTest ReflectionTest JsonSerializationTest)
+    local tests=(PlatformTest PlatformLogLimitTest StringTest ReflectionTest JsonSerializationTest) unrandomised=(setarch -R)
     if ! setarch -R true; then
         echo "threads: this machine forbids setarch -R (in a container: allow the personality call)" >&2
-        return 1
+        unrandomised=()
     fi
     build threads --target "${tests[@]}" || return
-    setarch -R ctest --preset threads -R "^($(IFS='|' && echo "${tests[*]}"))\$"
+    "${unrandomised[@]}" ctest --preset threads -R "^($(IFS='|' && echo "${tests[*]}"))\$"
 }
 
 # The first program under Wine starts its services, which inherit that program's outputs and keep them open until the
