@@ -9,11 +9,11 @@ namespace {
 using ProblemsByOffset = std::multimap<std::size_t, std::string>;
 
 // One walk through the text for all of them: a long text can have a problem in every word.
-std::vector<ConfigProblem> WithPositions(std::string_view text, ProblemsByOffset found) {
+std::vector<ConfigProblem> WithPositions(std::string_view text, const ProblemsByOffset& found) {
     PositionCounter counter(text);
     std::vector<ConfigProblem> problems;
-    for (auto& [offset, problem] : found) {
-        problems.push_back({counter.At(offset), std::move(problem)});
+    for (const auto& [offset, problem] : found) {
+        problems.push_back({counter.At(offset), problem});
     }
     return problems;
 }

@@ -25,6 +25,7 @@ struct CodeViewRecord {
 
 template <class T>
 const T* At(uint64_t base, uint64_t offset) {
+    // An address in an image. NOLINTNEXTLINE(performance-no-int-to-ptr)
     return reinterpret_cast<const T*>(static_cast<uintptr_t>(base + offset));
 }
 

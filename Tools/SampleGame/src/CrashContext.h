@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-struct _EXCEPTION_POINTERS;
+struct _EXCEPTION_POINTERS; // NOLINT(bugprone-reserved-identifier): the system's own
 
 namespace SampleGame {
 

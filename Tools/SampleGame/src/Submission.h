@@ -4,7 +4,7 @@
 
 #include "Tools/SampleGame/src/Options.h"
 
-struct _EXCEPTION_POINTERS;
+struct _EXCEPTION_POINTERS; // NOLINT(bugprone-reserved-identifier): the system's own
 
 namespace SampleGame {
 

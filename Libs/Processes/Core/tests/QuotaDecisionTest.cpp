@@ -57,21 +57,21 @@ TEST(QuotaDecision, AgeIsWholeSecondsAndWrapsInTheFuture) {
 
 TEST(QuotaDecision, OnlyInvalidFoldersAgeOutAndOnlyBeyondTheGraceTime) {
     const struct {
-        bool valid;
         uint64_t age;
         uint32_t grace;
+        bool valid;
         bool agedOut;
     } rows[] = {
-        {false, 3599, 3600, false},
-        {false, 3600, 3600, false},
-        {false, 3601, 3600, true},
-        {true, 3601, 3600, false},
-        {false, 0, 0, false},
-        {false, 1, 0, true},
-        {false, UINT32_MAX, UINT32_MAX, false},
-        {false, uint64_t{UINT32_MAX} + 1, UINT32_MAX, true},
-        {false, Max / Second, UINT32_MAX, true}, // created in the future
-        {true, Max / Second, 0, false},
+        {3599, 3600, false, false},
+        {3600, 3600, false, false},
+        {3601, 3600, false, true},
+        {3601, 3600, true, false},
+        {0, 0, false, false},
+        {1, 0, false, true},
+        {UINT32_MAX, UINT32_MAX, false, false},
+        {uint64_t{UINT32_MAX} + 1, UINT32_MAX, false, true},
+        {Max / Second, UINT32_MAX, false, true}, // created in the future
+        {Max / Second, 0, true, false},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(

@@ -7,7 +7,7 @@
 
 using JsonSerialization::ReadSource;
 using JsonSerialization::WriteTarget;
-using Reflection::OptionalAttribute;
+using Reflection::OptionalAttribute; // NOLINT(misc-unused-using-decls): the definitions below use it
 
 namespace {
 
@@ -17,6 +17,7 @@ ResultCode ReadVersion(void* object, const ReadSource& source) {
         return result;
     }
     auto& version = *static_cast<JsonVersion*>(object);
+    // NOLINTNEXTLINE(cert-err34-c): numbers of the test's own
     if (std::sscanf(text.c_str(), "%d.%d", &version.major, &version.minor) != 2) {
         return "Not a version";
     }

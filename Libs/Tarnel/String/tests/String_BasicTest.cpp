@@ -33,13 +33,14 @@ using Text = String::BasicT<String::Encoding::UTF8, TestAllocator>;
 using WideText = String::BasicT<String::Encoding::WIDE_CHAR>;
 
 class Basic : public testing::Test {
-protected:
+public:
     Basic() { TestAllocator::allocations = 0; }
     ~Basic() override {
         TestAllocator::refuses = false;
         EXPECT_EQ(0, TestAllocator::live);
     }
 
+protected:
     static bool IsSharedEmpty(const Text& text) { return text.CStr() == EXP_GetEmptyBasicString(); }
 };
 

@@ -28,7 +28,7 @@ TEST(GlobalID, IsTheHashOfTheText) {
 
 TEST(GlobalPalette, KeepsOneNodeForAText) {
     const std::string first = "same text";
-    const std::string second = first;
+    const std::string second = "same text";
     EXPECT_EQ(Global(first).Text(), Global(second).Text());
     EXPECT_NE(first.data(), Global(first).Text());
     EXPECT_EQ(&String::GetGlobalPalette(), EXP_GetStringPalette());

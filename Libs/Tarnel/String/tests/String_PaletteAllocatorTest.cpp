@@ -12,7 +12,7 @@
 TEST(PaletteAllocator, HandsOutSeparateAlignedBlocks) {
     String::PaletteAllocator allocator;
     std::vector<std::pair<unsigned char*, std::size_t>> blocks;
-    const std::size_t sizes[] = {8, 24, 16 * 1024 - 40, 8, 64 * 1024, 8, 16, 16 * 1024};
+    const std::size_t sizes[] = {8, 24, 16'344, 8, 65'536, 8, 16, 16'384};
     for (const std::size_t size : sizes) {
         const std::size_t alignment = size % 16 == 0 ? 16 : 8;
         auto* const block = static_cast<unsigned char*>(allocator.Allocate(size, alignment));

@@ -56,10 +56,12 @@ void WriteEntry(const wchar_t* logName, std::size_t messageLength, const char* f
 } // namespace
 
 void LogFormat(const wchar_t* logName, const char* format, ...) {
+    // NOLINTBEGIN(cppcoreguidelines-init-variables): va_start and va_copy do it
     va_list arguments;
     va_start(arguments, format);
     va_list measured;
     va_copy(measured, arguments);
+    // NOLINTEND(cppcoreguidelines-init-variables)
     const int length = std::vsnprintf(nullptr, 0, format, measured);
     va_end(measured);
     if (length >= 0) {

@@ -16,7 +16,7 @@ static_assert(ShareRead == FILE_SHARE_READ && ShareWrite == FILE_SHARE_WRITE &&
               ShareDelete == FILE_SHARE_DELETE);
 
 HANDLE HandleOf(const File& file) {
-    return reinterpret_cast<HANDLE>(file.handle);
+    return reinterpret_cast<HANDLE>(file.handle); // NOLINT(performance-no-int-to-ptr): no header knows HANDLE
 }
 
 DWORD DesiredAccess(uint32_t flags) {

@@ -8,7 +8,7 @@ namespace Platform {
 namespace {
 
 HANDLE HandleOf(intptr_t handle) {
-    return reinterpret_cast<HANDLE>(handle);
+    return reinterpret_cast<HANDLE>(handle); // NOLINT(performance-no-int-to-ptr): no header knows HANDLE
 }
 
 intptr_t Open(const std::string& path, DWORD access, DWORD share, DWORD disposition) {

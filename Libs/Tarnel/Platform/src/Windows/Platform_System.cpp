@@ -12,8 +12,8 @@
 namespace Platform {
 namespace {
 
-static_assert(sizeof(CRITICAL_SECTION) <= sizeof(AssertLock) &&
-              alignof(CRITICAL_SECTION) <= alignof(AssertLock));
+static_assert(sizeof(CRITICAL_SECTION) <= sizeof(AssertLock));
+static_assert(alignof(CRITICAL_SECTION) <= alignof(AssertLock));
 
 CRITICAL_SECTION* SectionOf(AssertLock& lock) {
     return std::launder(reinterpret_cast<CRITICAL_SECTION*>(lock.storage));

@@ -28,7 +28,7 @@ std::wstring FullPath(const std::wstring& path) {
 } // namespace
 
 std::wstring ToSystemPath(std::wstring_view wide) {
-    const std::wstring path(wide);
+    std::wstring path(wide);
     if (path.empty() || StartsWith(path, L"\\\\?\\") || StartsWith(path, L"\\\\.\\")) {
         return path;
     }
@@ -36,7 +36,7 @@ std::wstring ToSystemPath(std::wstring_view wide) {
     if (GetFullPathNameW(path.c_str(), 0, nullptr, nullptr) <= ShortPathLimit) {
         return path;
     }
-    const std::wstring full = FullPath(path);
+    std::wstring full = FullPath(path);
     if (full.size() < ShortPathLimit || StartsWith(full, L"\\\\?\\") || StartsWith(full, L"\\\\.\\")) {
         return full;
     }
