@@ -38,3 +38,11 @@ inline constexpr ResultCode Success{};
 } // namespace Platform
 
 using Platform::ResultCode;
+
+// Leaves the calling function with the failure of expression, if it is one.
+#define RETURN_IF_FAILED(expression)                                                       \
+    do {                                                                                   \
+        if (const ::Platform::ResultCode returnedResult = (expression); !returnedResult) { \
+            return returnedResult;                                                         \
+        }                                                                                  \
+    } while (false)
