@@ -8,4 +8,4 @@ scripts/setup.sh
 echo "demo: building (preset release)"
 cmake --preset release >build/release-configure.log 2>&1 || { cat build/release-configure.log && exit 1; }
 cmake --build --preset release --target MorvaneCrashReporter SampleGame
-exec /usr/bin/python3 tests/e2e/demo.py
+exec /usr/bin/python3 kit/demo.py

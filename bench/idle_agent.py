@@ -15,7 +15,7 @@ import time
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parents[1]
-sys.path.insert(0, str(ROOT / "tests" / "e2e"))
+sys.path.insert(0, str(ROOT / "kit"))
 
 import wine  # noqa: E402
 from agent import EXECUTABLE, GAME  # noqa: E402

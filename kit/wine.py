@@ -1,11 +1,11 @@
-"""Windows programs run under Wine, in a prefix that belongs to the end-to-end tests alone."""
+"""Windows programs run under Wine, in a prefix of their own."""
 import os
 import subprocess
 import threading
 import time
 from pathlib import Path
 
-ROOT = Path(__file__).resolve().parents[2]
+ROOT = Path(__file__).resolve().parents[1]
 BIN = Path(os.environ.get("MORVANE_BIN", ROOT / "build" / "release" / "bin")).resolve()
 SCRATCH = Path(os.environ.get("MORVANE_SCRATCH", ROOT / "build" / "e2e")).resolve()
 TEMPLATE = ROOT / "build" / "wine"
