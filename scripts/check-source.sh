@@ -60,6 +60,11 @@ layout() {
     clang-format --dry-run "${sources[@]}" 2>&1 | grep -E 'warning|error' || true
 }
 
+# With the name of a check, that one alone.
+if [ $# -gt 0 ]; then
+    "$@"
+    exit
+fi
 report "an include that runs upwards, or not from the root" "$(check_layers)"
 report "windows.h in a module's header outside Libs/Tarnel/Platform" "$(windows_headers)"
 report "words that the project never uses" "$(wording)"
