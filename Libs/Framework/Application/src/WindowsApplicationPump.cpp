@@ -23,8 +23,7 @@ ResultCode WindowsApplicationPump::Initialize(const JsonDocument&, int, const ch
 }
 
 bool WindowsApplicationPump::ThreadMain() {
-    HWND window = static_cast<HWND>(m_window);
-    while (!IsStopRequested()) {
+    return RunRounds(m_pollInterval, [window = static_cast<HWND>(m_window)] {
         MSG message;
         while (PeekMessageA(&message, window, 0, 0, PM_NOREMOVE)) {
             if (GetMessageA(&message, window, 0, 0)) {
@@ -32,7 +31,5 @@ bool WindowsApplicationPump::ThreadMain() {
                 DispatchMessageA(&message);
             }
         }
-        Sleep(m_pollInterval);
-    }
-    return IsStopRequested();
+    });
 }

@@ -197,6 +197,46 @@ TEST_F(ApplicationBaseTest, StopRequestBeforeTheStartEndsTheThreadAtOnce) {
     EXPECT_TRUE(application.Run());
 }
 
+// Each round throws something else; the process pauses without end after the last.
+class ThrowingProcess : public ApplicationProcessBase {
+public:
+    using ApplicationProcessBase::ApplicationProcessBase;
+    ResultCode Initialize(const JsonDocument&, int, const char**) override { return Platform::Success; }
+    bool ThreadMain() override {
+        return RunRounds(0, [this] {
+            switch (++m_rounds) {
+            case 1:
+                throw std::bad_alloc();
+            case 2:
+                throw std::runtime_error("thrown");
+            default:
+                m_paused = true;
+                Pause(4294967295);
+            }
+        });
+    }
+    std::atomic<bool> m_paused = false;
+
+private:
+    int m_rounds = 0;
+};
+
+TEST_F(ApplicationBaseTest, ARoundMayThrowAndAStopEndsAPause) {
+    ApplicationBase application;
+    ThrowingProcess process(&application, "P");
+    ASSERT_TRUE(process.Start());
+    while (!process.m_paused) {
+        std::this_thread::yield();
+    }
+    const auto asked = std::chrono::steady_clock::now();
+    process.RequestShutdown();
+    process.GetThread()->Join();
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::milliseconds(250));
+    EXPECT_EQ(m_log.Errors(),
+              (Lines{" Failed a round of process P. Error=Out of memory", " Unexpected exception: thrown",
+                     " Failed a round of process P. Error=Unexpected exception"}));
+}
+
 TEST_F(ApplicationBaseTest, MainSequenceEndsWithZero) {
     Configure(R"("Fake": ["A"])");
     TestApplication::s_hasVersion = false;

@@ -1,7 +1,5 @@
 #include "Libs/Processes/Core/src/DiskQuota.h"
 
-#include <windows.h>
-
 #include <utility>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
@@ -56,11 +54,7 @@ ResultCode DiskQuota::OpenAreas() {
 }
 
 bool DiskQuota::ThreadMain() {
-    while (!IsStopRequested()) {
-        Sleep(m_config.timeBetweenChecks);
-        Pass();
-    }
-    return IsStopRequested();
+    return RunRounds(m_config.timeBetweenChecks, [this] { Pass(); });
 }
 
 void DiskQuota::Pass() {
@@ -115,9 +109,9 @@ void DiskQuota::EnforceQuota(std::span<const QuotaDecision::FolderRecord> record
 
 ResultCode DiskQuota::Remove(const std::string& folder) {
     const auto pause = [this](uint32_t milliseconds) {
-        if (milliseconds <= m_pausesLeft && !IsStopRequested()) {
+        if (milliseconds <= m_pausesLeft) {
             m_pausesLeft -= milliseconds;
-            Sleep(milliseconds);
+            Pause(milliseconds);
         }
     };
     return ExceptionToResult([&] { return PlatformHelpers::RemoveFolder(folder, pause); });

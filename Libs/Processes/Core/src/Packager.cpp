@@ -1,7 +1,5 @@
 #include "Libs/Processes/Core/src/Packager.h"
 
-#include <windows.h>
-
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
@@ -90,14 +88,15 @@ bool Packager::ThreadMain() {
     PLATFORM_ASSERT(m_watcherProcPtr);
     IWatcher* pWatcher = m_watcherProcPtr ? Reflection::Query<IWatcher>(*m_watcherProcPtr) : nullptr;
     PLATFORM_ASSERT(pWatcher);
-    while (pWatcher && !IsStopRequested()) {
-        Sleep(m_config.timeBetweenChecks);
+    if (!pWatcher) {
+        return IsStopRequested();
+    }
+    return RunRounds(m_config.timeBetweenChecks, [&] {
         std::vector<TaskData> tasks;
         if (pWatcher->TakeTasks(tasks)) {
             WorkThrough(tasks);
         }
-    }
-    return IsStopRequested();
+    });
 }
 
 // Folders of tasks that a stop leaves undone stay on disk for the next run.

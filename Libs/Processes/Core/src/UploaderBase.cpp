@@ -1,9 +1,5 @@
 #include "Libs/Processes/Core/src/UploaderBase.h"
 
-#include <windows.h>
-
-#include <ctime>
-#include <exception>
 #include <utility>
 
 #include "Libs/Processes/Core/src/UploadDecisions.h"
@@ -12,14 +8,6 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
 
 Reflection_DefinePolymorphicType(UploaderBase);
-
-namespace {
-
-int64_t NowInSeconds() {
-    return static_cast<int64_t>(std::time(nullptr));
-}
-
-} // namespace
 
 void UploaderBase::SetAskPermission(bool ask) {
     PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
@@ -39,25 +27,12 @@ bool UploaderBase::ThreadMain() {
     if (!pWatcher) {
         return IsStopRequested();
     }
-    while (!IsStopRequested()) {
-        try {
-            RunCycle(*pWatcher);
-        } catch (const std::exception& error) { // no memory for a while; the uploads in flight are waited for
-            PLATFORM_LOG(Platform::ErrorLog, " Failed to start uploads. Error=%s", error.what());
-        }
-    }
+    RunRounds(GetTimeBetweenChecks(), [&] {
+        Collect(*pWatcher);
+        StartUploads();
+    });
     WaitForUploads();
     return IsStopRequested();
-}
-
-void UploaderBase::RunCycle(IWatcher& watcher) {
-    m_cycleDeadline = NowInSeconds() + m_cycleLengthSeconds;
-    do {
-        Sleep(GetTimeBetweenChecks());
-        Collect(watcher);
-        StartUploads();
-    } while (UploadDecisions::CycleGoesOn(IsStopRequested(), m_pendingFolders.size(), m_activeUploads.size(),
-                                          NowInSeconds(), m_cycleDeadline));
 }
 
 void UploaderBase::Collect(IWatcher& watcher) {

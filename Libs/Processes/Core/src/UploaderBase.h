@@ -43,7 +43,6 @@ protected:
     void AddActiveUpload(std::shared_ptr<UploaderThreadBase> upload);
 
 private:
-    void RunCycle(IWatcher& watcher);
     void Collect(IWatcher& watcher);
     void AskPermission();
     void StartUploads();
@@ -51,12 +50,10 @@ private:
     void WaitForUploads();
     void AssertOnUploaderThread();
 
-    const uint32_t m_cycleLengthSeconds = 30;
     const uint32_t m_maxActiveUploads = 4;
     std::vector<std::string> m_pendingFolders;                        // taken from the back
     std::vector<std::shared_ptr<UploaderThreadBase>> m_activeUploads; // in the order started
     std::shared_ptr<IApplicationProcess> m_watcherProcPtr;            // constant after Initialize
-    int64_t m_cycleDeadline = 0;                                      // seconds since the epoch
     bool m_askPermission = false;
     UploadPermission m_permission = UploadPermission::Allowed; // an answer is never taken back
 };

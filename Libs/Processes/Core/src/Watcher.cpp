@@ -1,11 +1,8 @@
 #include "Libs/Processes/Core/src/Watcher.h"
 
-#include <windows.h>
-
 #include <utility>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
@@ -78,20 +75,15 @@ ResultCode Watcher::MakeMetrics() {
 }
 
 bool Watcher::ThreadMain() {
-    while (!IsStopRequested()) {
-        Sleep(m_config.timeBetweenChecks);
-        if (const ResultCode result = ExceptionToResult([this] { return ScanOnce(); }); !result) {
+    return RunRounds(m_config.timeBetweenChecks, [this] {
+        if (const ResultCode result = ScanOnce(); !result) {
             PLATFORM_LOG(Platform::ErrorLog, " Failed to scan dumps folder \"%s\", error: \"%s\"",
                          m_config.folder.c_str(), result.Text());
         }
-        if (m_config.shutdownAfterCheck) {
-            Sleep(m_config.timeBetweenChecks);
-            if (ApplicationBase* application = GetApplication()) {
-                application->RequestShutdown();
-            }
+        if (m_config.shutdownAfterCheck && Pause(m_config.timeBetweenChecks)) {
+            RequestApplicationShutdown();
         }
-    }
-    return IsStopRequested();
+    });
 }
 
 ResultCode Watcher::ScanOnce() {
