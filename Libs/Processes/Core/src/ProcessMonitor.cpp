@@ -1,11 +1,9 @@
 #include "Libs/Processes/Core/src/ProcessMonitor.h"
 
-#include <windows.h>
-
 #include <algorithm>
+#include <chrono>
 #include <utility>
 
-#include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/WatchedApplications.h"
 #include "Libs/Shared/src/JsonConfig.h"
@@ -40,25 +38,34 @@ bool ProcessMonitor::IsAnyRunning() const {
 }
 
 bool ProcessMonitor::ThreadMain() {
-    while (!IsStopRequested()) {
-        Sleep(m_config.timeBetweenChecks);
-        if (!IsAnyRunning()) {
-            WaitOutDelay();
-        }
-    }
-    return IsStopRequested();
+    return RunRounds(m_config.timeBetweenChecks, [this] { Check(); });
 }
 
-void ProcessMonitor::WaitOutDelay() {
-    PLATFORM_LOG(Platform::InfoLog, " All monitored processes have closed, starting shutdown delay timer...");
-    Sleep(m_config.shutdownDelay);
-    if (IsAnyRunning()) {
-        PLATFORM_LOG(Platform::InfoLog,
-                     " A monitored processes has reappeared, resuming normal monitoring...");
+void ProcessMonitor::Check() const {
+    if (IsAnyRunning() || IsStopRequested()) {
         return;
     }
-    PLATFORM_LOG(Platform::InfoLog, " ProcessMonitor requesting shutting down...");
-    if (ApplicationBase* application = GetApplication()) {
-        application->RequestShutdown();
+    PLATFORM_LOG(Platform::InfoLog, " All monitored processes have closed, starting shutdown delay timer...");
+    if (WaitOutDelay()) {
+        PLATFORM_LOG(Platform::InfoLog, " ProcessMonitor requesting shutting down...");
+        RequestApplicationShutdown();
     }
+}
+
+bool ProcessMonitor::WaitOutDelay() const {
+    using namespace std::chrono;
+    const auto end = steady_clock::now() + milliseconds(m_config.shutdownDelay);
+    do {
+        const auto left = ceil<milliseconds>(end - steady_clock::now()).count();
+        const auto pause = std::clamp<int64_t>(left, 0, m_config.timeBetweenChecks);
+        if (!Pause(static_cast<uint32_t>(pause))) {
+            return false;
+        }
+        if (IsAnyRunning()) {
+            PLATFORM_LOG(Platform::InfoLog,
+                         " A monitored processes has reappeared, resuming normal monitoring...");
+            return false;
+        }
+    } while (steady_clock::now() < end);
+    return true;
 }

@@ -3,9 +3,8 @@
 #include "Libs/Framework/Core/src/ReflectedProcess.h"
 #include "Libs/Processes/Core/src/ProcessMonitorConfig.h"
 
-// Ends the program once none of the watched programs has been running for the whole shutdown delay. With
-// nothing to watch that is the first check. A shutdown that others ask for during the delay waits for its
-// end. Owned by the application.
+// Ends the program when none of the watched programs has been seen for the whole shutdown delay, counted from
+// the first check that saw none. Owned by the application.
 class ProcessMonitor : public Reflected<ProcessMonitor> {
 public:
     using Reflected::Reflected;
@@ -15,7 +14,10 @@ public:
 
 private:
     bool IsAnyRunning() const;
-    void WaitOutDelay();
+    void Check() const;
+
+    // False if a watched program appeared or a stop came meanwhile.
+    bool WaitOutDelay() const;
 
     ProcessMonitorConfig m_config; // constant after Initialize
 };
