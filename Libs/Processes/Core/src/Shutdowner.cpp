@@ -1,26 +1,36 @@
 #include "Libs/Processes/Core/src/Shutdowner.h"
 
-#include <conio.h>
 #include <windows.h>
 
-#include "Libs/Framework/Core/src/ApplicationBase.h"
+#include <memory>
 
 namespace {
 
 constexpr DWORD TimeBetweenChecks = 250; // milliseconds
 
-// Takes one waiting key off the console. Keys without a character come in two parts, of which the second may
-// look like a letter: that of Page Down is a Q.
+HANDLE OpenConsoleInput() {
+    return CreateFileW(L"CONIN$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                       OPEN_EXISTING, 0, nullptr);
+}
+
+// Takes the waiting keys off the console, up to the first Q. A key's character tells an "à" from the keys
+// that have none, such as Page Down, whose codes look like "à" and "Q".
 bool IsStopKeyPressed() {
-    if (!_kbhit()) {
-        return false;
+    const std::unique_ptr<void, decltype(&CloseHandle)> console(OpenConsoleInput(), &CloseHandle);
+    DWORD waiting = 0;
+    while (GetNumberOfConsoleInputEvents(console.get(), &waiting) && waiting > 0) {
+        INPUT_RECORD input = {};
+        DWORD count = 0;
+        if (!ReadConsoleInputW(console.get(), &input, 1, &count) || count == 0) {
+            return false;
+        }
+        const KEY_EVENT_RECORD& key = input.Event.KeyEvent;
+        if (input.EventType == KEY_EVENT && key.bKeyDown &&
+            (key.uChar.UnicodeChar == L'q' || key.uChar.UnicodeChar == L'Q')) {
+            return true;
+        }
     }
-    const int key = _getch();
-    if ((key == 0 || key == 0xE0) && _kbhit()) {
-        static_cast<void>(_getch());
-        return false;
-    }
-    return key == 'Q' || key == 'q';
+    return false;
 }
 
 } // namespace
@@ -30,13 +40,9 @@ ResultCode Shutdowner::Initialize(const JsonDocument&, int, const char**) {
 }
 
 bool Shutdowner::ThreadMain() {
-    while (!IsStopRequested()) {
-        Sleep(TimeBetweenChecks);
+    return RunRounds(TimeBetweenChecks, [this] {
         if (IsStopKeyPressed()) {
-            if (ApplicationBase* application = GetApplication()) {
-                application->RequestShutdown();
-            }
+            RequestApplicationShutdown();
         }
-    }
-    return IsStopRequested();
+    });
 }
