@@ -81,6 +81,7 @@ function(morvane_test name)
     if(WIN32)
         # Narrow calls speak UTF-8 in the tests as they do in the agent.
         target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/TestProgram.rc)
+        target_link_libraries(${name} PRIVATE test_support)
     endif()
     add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
     set_tests_properties(${name} PROPERTIES TIMEOUT 120)

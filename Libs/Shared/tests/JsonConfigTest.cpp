@@ -5,8 +5,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 struct JsonConfigTestSection {
     uint32_t interval = 250;

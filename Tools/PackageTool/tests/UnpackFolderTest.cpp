@@ -6,7 +6,7 @@
 #include <fstream>
 #include <string>
 
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 

@@ -4,8 +4,8 @@
 
 #include "Libs/Framework/Core/src/CommonMain.h"
 #include "Libs/Framework/Core/tests/FakeProcess.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 

@@ -4,7 +4,7 @@
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/ApplicationProcessBase.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "tests/support/AssertCapture.h"
 
 namespace {
 

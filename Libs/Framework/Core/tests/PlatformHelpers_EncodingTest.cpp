@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "tests/support/LogCapture.h"
 
 using TestSupport::LogCapture;
 

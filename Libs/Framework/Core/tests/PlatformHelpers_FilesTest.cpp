@@ -5,9 +5,9 @@
 #include <windows.h>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Framework/Core/tests/Holder.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/Holder.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 using TestSupport::LogCapture;
 using TestSupport::ScratchFolder;

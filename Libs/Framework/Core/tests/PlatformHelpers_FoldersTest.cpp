@@ -6,9 +6,9 @@
 #include <windows.h>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 using PlatformHelpers::PathInfo;
 using TestSupport::LogCapture;

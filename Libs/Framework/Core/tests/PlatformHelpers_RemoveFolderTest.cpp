@@ -6,10 +6,10 @@
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Framework/Core/src/PlatformHelpers_LiteralPath.h"
-#include "Libs/Framework/Core/tests/Holder.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/Holder.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 using TestSupport::Holder;
 using TestSupport::LogCapture;

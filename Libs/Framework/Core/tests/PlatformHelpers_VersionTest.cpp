@@ -5,7 +5,7 @@
 #include <windows.h>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/ScratchFolder.h"
 
 using PlatformHelpers::ModuleVersion;
 

@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "tests/support/LogCapture.h"
 
 namespace {
 

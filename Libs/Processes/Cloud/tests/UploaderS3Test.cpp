@@ -8,8 +8,8 @@
 #include "Libs/Processes/Cloud/src/UploaderThreadS3.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 

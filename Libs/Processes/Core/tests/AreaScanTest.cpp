@@ -6,7 +6,7 @@
 #include <atomic>
 #include <thread>
 
-#include "Libs/Processes/Core/tests/ProcessFixture.h"
+#include "tests/support/ProcessFixture.h"
 
 namespace {
 

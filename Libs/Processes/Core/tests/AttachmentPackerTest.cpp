@@ -4,9 +4,9 @@
 
 #include <windows.h>
 
-#include "Libs/Processes/Core/tests/HostSystem.h"
 #include "Libs/Processes/Core/tests/PackageReader.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/HostSystem.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 

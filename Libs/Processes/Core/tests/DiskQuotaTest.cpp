@@ -4,8 +4,8 @@
 
 #include <algorithm>
 
-#include "Libs/Processes/Core/tests/HostSystem.h"
-#include "Libs/Processes/Core/tests/ProcessFixture.h"
+#include "tests/support/HostSystem.h"
+#include "tests/support/ProcessFixture.h"
 
 namespace {
 

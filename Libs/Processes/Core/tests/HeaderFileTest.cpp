@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 

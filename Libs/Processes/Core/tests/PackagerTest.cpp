@@ -4,9 +4,9 @@
 
 #include "Libs/Processes/Core/src/IWatcher.h"
 #include "Libs/Processes/Core/src/Watcher.h"
-#include "Libs/Processes/Core/tests/HostSystem.h"
 #include "Libs/Processes/Core/tests/PackageReader.h"
-#include "Libs/Processes/Core/tests/ProcessFixture.h"
+#include "tests/support/HostSystem.h"
+#include "tests/support/ProcessFixture.h"
 
 namespace {
 

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Processes/Core/tests/HostSystem.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/HostSystem.h"
+#include "tests/support/ScratchFolder.h"
 
 using TestSupport::ScratchFolder;
 

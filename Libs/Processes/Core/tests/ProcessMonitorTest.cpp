@@ -5,9 +5,9 @@
 #include <chrono>
 #include <thread>
 
-#include "Libs/Processes/Core/tests/ProcessFixture.h"
 #include "Libs/Processes/Core/tests/WatchedGame.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
+#include "tests/support/ProcessFixture.h"
 
 namespace {
 

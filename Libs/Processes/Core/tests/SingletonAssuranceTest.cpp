@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
+#include "tests/support/LogCapture.h"
 
 // Which copy stays is decided elsewhere, and two real ones meet in the end-to-end tests.
 namespace {

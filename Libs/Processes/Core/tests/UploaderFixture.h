@@ -11,8 +11,8 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Processes/Core/src/Watcher.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 // A real uploader with its threads, whose uploads go on when the test says so.
 namespace UploaderTest {

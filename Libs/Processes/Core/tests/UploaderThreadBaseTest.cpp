@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Processes/Core/src/UploadPackageFile.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include <map>
 #include <mutex>
 
-#include "Libs/Processes/Core/tests/ProcessFixture.h"
+#include "tests/support/ProcessFixture.h"
 
 namespace {
 

@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "tests/support/AssertCapture.h"
 
 namespace {
 

@@ -7,8 +7,8 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/JsonSerialization/tests/JsonTestRecords.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/OnThreads.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/OnThreads.h"
 
 namespace {
 

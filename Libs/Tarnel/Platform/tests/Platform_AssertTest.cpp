@@ -10,8 +10,8 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertReport.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/OnThreads.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/OnThreads.h"
 
 using Platform::AssertKind;
 

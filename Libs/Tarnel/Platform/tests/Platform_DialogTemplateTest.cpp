@@ -9,7 +9,7 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "tests/support/AssertCapture.h"
 
 using Platform::DialogTemplate;
 

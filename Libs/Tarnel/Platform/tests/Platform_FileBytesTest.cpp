@@ -10,7 +10,7 @@
 #endif
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/ScratchFolder.h"
 
 using namespace Platform;
 

@@ -9,8 +9,8 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_DirectoryTree.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 using namespace Platform;
 

@@ -6,8 +6,8 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/OnThreads.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/OnThreads.h"
 
 using TestSupport::OnThreads;
 

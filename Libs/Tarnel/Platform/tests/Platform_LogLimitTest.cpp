@@ -4,8 +4,8 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 // A program of its own: the table of log files is never emptied.
 namespace {

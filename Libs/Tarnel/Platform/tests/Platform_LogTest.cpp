@@ -11,8 +11,8 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_LocalTime.h"
-#include "Libs/Tarnel/Platform/tests/OnThreads.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/OnThreads.h"
+#include "tests/support/ScratchFolder.h"
 
 using Platform::LogFileSink;
 

@@ -8,7 +8,7 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_StaticHeapAllocator.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_TempHeap.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "tests/support/AssertCapture.h"
 
 TEST(Memory, BlocksAreAlignedAndWhole) {
     for (const std::size_t alignment : {0u, 1u, 8u, 16u, 64u, 4096u}) {

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "tests/support/AssertCapture.h"
 
 TEST(StringCommon, OverlappingCopiesKeepTheText) {
     wchar_t up[] = L"abcdef";

@@ -5,9 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 #include "Libs/Tarnel/Reflection/tests/Reflection_TestTypes.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/OnThreads.h"
 
 using Reflection::TypeDescriptor;
 using Reflection::TypeOf;

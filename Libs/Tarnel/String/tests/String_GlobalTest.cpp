@@ -6,9 +6,9 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/OnThreads.h"
 #include "Libs/Tarnel/String/src/String_Functions.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/OnThreads.h"
 
 using String::Global;
 using String::GlobalID;

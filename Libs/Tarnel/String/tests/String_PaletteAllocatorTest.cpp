@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
+#include "tests/support/AssertCapture.h"
 
 TEST(PaletteAllocator, HandsOutSeparateAlignedBlocks) {
     String::PaletteAllocator allocator;

@@ -1,10 +1,10 @@
-#include "Libs/Processes/Core/tests/HostSystem.h"
+#include "tests/support/HostSystem.h"
 
 #include <windows.h>
 
 #include <functional>
 
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/ScratchFolder.h"
 
 namespace TestSupport {
 

@@ -10,9 +10,9 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/ScratchFolder.h"
 
 // A real application with real folders, whose processes a test configures, starts and looks at.
 class ProcessFixture : public testing::Test {
