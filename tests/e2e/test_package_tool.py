@@ -134,6 +134,8 @@ def test_unpack_gives_back_the_files(scratch, package, submission):
     _, error = run("unpack", package, "--to", out, expect=REFUSED)
     assert '"game.log" was not unpacked: There is already a file of that name' in error
     assert (out / "game.log").read_bytes() == b"mine"
+    run("unpack", package, "--to", out, "--force", "--limit", "1K", expect=PROBLEMS)
+    assert (out / "game.log").read_bytes() == b"mine"  # only a complete file replaces one
     run("unpack", package, "--to", out, "--force")
     assert (out / "game.log").read_bytes() != b"mine"
 
@@ -175,6 +177,9 @@ def test_pack_keeps_what_is_there(scratch, package, submission):
     assert package.read_bytes() == before and not package.stat().st_mode & 0o222
     _, error = run("pack", scratch / "nowhere", "--to", scratch / "packed", expect=REFUSED)
     assert "Failed to open json header data in dump folder!" in error
+    (submission / "header.json").write_text("{")
+    run("pack", submission, "--to", scratch / "packed", "--force", expect=REFUSED)
+    assert package.read_bytes() == before  # only a complete package replaces one
     assert [path.name for path in (scratch / "packed").iterdir()] == [submission.name]  # no work folder stays
 
 
@@ -226,4 +231,4 @@ def test_a_terminal_sees_progress_of_long_work(scratch):
         pass
     os.close(master)
     assert tool.wait(50) == GOOD
-    assert b"long.pkg [" in shown and b" %" in shown and shown.endswith(b"\r\x1b[K")
+    assert b"long.pkg [" in shown and b" %" in shown and shown.endswith(b" \r") and b"\x1b" not in shown

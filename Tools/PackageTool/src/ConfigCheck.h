@@ -4,6 +4,8 @@
 #include <string_view>
 #include <vector>
 
+#include "Tools/PackageTool/src/Arguments.h"
+#include "Tools/PackageTool/src/Console.h"
 #include "Tools/PackageTool/src/JsonPositions.h"
 
 struct ConfigProblem {
@@ -12,6 +14,9 @@ struct ConfigProblem {
 };
 
 // Reads the text of a configuration file as the agent does and finds what the agent would refuse, pass over
-// or fail at later: syntax, keys, kinds, classes, partners, expressions, the store's address, and folders
+// or fail at later: syntax, keys, types, classes, partners, expressions, the store's address, and folders
 // that do not fit together. In the order of the text. May throw std::bad_alloc.
 std::vector<ConfigProblem> CheckConfig(std::string_view text);
+
+// Prints the problems of each file. May throw std::bad_alloc.
+ExitCode RunCheckConfig(const Arguments& arguments);

@@ -1,24 +1,31 @@
+#include "Tools/PackageTool/src/ConfigPartners.h"
+
 #include <algorithm>
 #include <set>
 
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/HeaderFile.h"
-#include "Tools/PackageTool/src/ConfigSections.h"
-#include "Tools/PackageTool/src/FolderAgreement.h"
+#include "Libs/Tarnel/String/src/String_Ascii.h"
 
 namespace {
-
-using FolderAgreement::Base;
 
 std::string PackageName(const std::string& configured) {
     return configured.empty() ? "submission.pkg" : configured;
 }
 
+// The folder in which a process works: the configured one, or by default the one of that name in the
+// application folder.
+std::string WithDefault(const std::string& folder, const char* defaultName) {
+    return folder.empty() ? ComparableFolder(defaultName, FolderBase::ApplicationFolder)
+                          : ComparableFolder(folder, FolderBase::CurrentFolder);
+}
+
 // Compares the sections of one configuration with each other.
 class Checker {
 public:
-    Checker(const ConfigSections& sections, const RecordReport& report)
+    Checker(const ConfigSections& sections, const ConfigReport& report)
         : m_sections(sections), m_report(report) {}
 
     void Run() {
@@ -63,7 +70,7 @@ private:
         for (const auto& [name, packager] : m_sections.packagers) {
             const PackagerConfig& config = packager.config;
             CheckBlacklist(packager);
-            const std::string work = FolderAgreement::WithDefault(config.packageWorkFolder, "PackageTemp");
+            const std::string work = WithDefault(config.packageWorkFolder, "PackageTemp");
             if (const auto [other, isNew] = workFolders.emplace(work, name); !isNew) {
                 m_report(packager.At("PackageWorkFolder"),
                          Quoted(name) + " and " + Quoted(other->second) + " share the work folder " + work);
@@ -159,11 +166,10 @@ private:
         if (!watcher || m_sections.packagers.empty()) {
             return;
         }
-        const std::string folder =
-            FolderAgreement::Comparable(watcher->config.folder, Base::ApplicationFolder);
+        const std::string folder = ComparableFolder(watcher->config.folder, FolderBase::ApplicationFolder);
         std::string packaged;
         for (const auto& [name, packager] : m_sections.packagers) {
-            packaged = FolderAgreement::WithDefault(packager.config.packagedFolder, "PackagedDumps");
+            packaged = WithDefault(packager.config.packagedFolder, "PackagedDumps");
             if (packaged != folder) {
                 continue;
             }
@@ -184,18 +190,16 @@ private:
         std::set<std::string> dumps;
         std::set<std::string> packaged;
         for (const auto& [name, packager] : m_sections.packagers) {
-            packaged.insert(FolderAgreement::WithDefault(packager.config.packagedFolder, "PackagedDumps"));
+            packaged.insert(WithDefault(packager.config.packagedFolder, "PackagedDumps"));
             if (const auto watcher = m_sections.watchers.find(packager.config.watcherName);
                 watcher != m_sections.watchers.end()) {
-                dumps.insert(
-                    FolderAgreement::Comparable(watcher->second.config.folder, Base::ApplicationFolder));
+                dumps.insert(ComparableFolder(watcher->second.config.folder, FolderBase::ApplicationFolder));
             }
         }
         for (const auto& [name, quota] : m_sections.quotas) {
-            CheckQuotaFolder(dumps, FolderAgreement::WithDefault(quota.config.dumpsFolder, "dumps"),
-                             quota.At("DumpsFolder"), "the packager's submissions come from ");
-            CheckQuotaFolder(packaged,
-                             FolderAgreement::WithDefault(quota.config.packagedFolder, "packagedDumps"),
+            CheckQuotaFolder(dumps, WithDefault(quota.config.dumpsFolder, "dumps"), quota.At("DumpsFolder"),
+                             "the packager's submissions come from ");
+            CheckQuotaFolder(packaged, WithDefault(quota.config.packagedFolder, "packagedDumps"),
                              quota.At("PackagedFolder"), "the packager writes to ");
         }
     }
@@ -208,11 +212,37 @@ private:
     }
 
     const ConfigSections& m_sections;
-    const RecordReport& m_report;
+    const ConfigReport& m_report;
 };
 
 } // namespace
 
-void CheckPartners(const ConfigSections& sections, const RecordReport& report) {
+void CheckPartners(const ConfigSections& sections, const ConfigReport& report) {
     Checker(sections, report).Run();
+}
+
+std::string ComparableFolder(std::string_view folder, FolderBase base) {
+    const bool isRelative = FolderPath::IsRelative(folder);
+    std::vector<std::string> parts;
+    while (!folder.empty()) {
+        const std::size_t end = folder.find_first_of("\\/");
+        std::string part(folder.substr(0, end));
+        folder.remove_prefix(end == std::string_view::npos ? folder.size() : end + 1);
+        if (part == ".." && !parts.empty() && parts.back() != "..") {
+            parts.pop_back();
+        } else if (!part.empty() && part != ".") {
+            parts.push_back(std::move(part));
+        }
+    }
+    std::string text;
+    if (isRelative) {
+        text = base == FolderBase::ApplicationFolder ? "<application folder>" : "<current folder>";
+    }
+    for (const std::string& part : parts) {
+        text += text.empty() ? "" : "/";
+        for (const char c : part) {
+            text += String::LowerAscii(c);
+        }
+    }
+    return text;
 }

@@ -174,8 +174,6 @@ JsonValue AnySection(SchemaBuilder& builder, const JsonValue& definitions) {
     return schema;
 }
 
-} // namespace
-
 std::string ConfigSchemaText() {
     JsonDocument document(rapidjson::kObjectType);
     SchemaBuilder builder(document);
@@ -201,4 +199,11 @@ std::string ConfigSchemaText() {
     writer.SetIndent(' ', 2);
     document.Accept(writer);
     return std::string(buffer.GetString(), buffer.GetSize()) + "\n";
+}
+
+} // namespace
+
+ExitCode RunConfigSchema(const Arguments&) {
+    Console::Print(ConfigSchemaText());
+    return ExitCode::Good;
 }

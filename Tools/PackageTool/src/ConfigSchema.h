@@ -1,7 +1,8 @@
 #pragma once
 
-#include <string>
+#include "Tools/PackageTool/src/Arguments.h"
+#include "Tools/PackageTool/src/Console.h"
 
-// The JSON schema (draft 7) of the configuration, made from the records into which the agent reads it. Lines
-// end in "\n". May throw std::bad_alloc.
-std::string ConfigSchemaText();
+// Prints the JSON schema (draft 7) of the configuration, made from the records into which the agent reads it.
+// May throw std::bad_alloc.
+ExitCode RunConfigSchema(const Arguments& arguments);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <string>
 
@@ -9,13 +10,17 @@
 #include "Libs/Processes/Core/src/PackagerConfig.h"
 #include "Libs/Processes/Core/src/ProcessMonitorConfig.h"
 #include "Libs/Processes/Core/src/WatcherConfig.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
+#include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 #include "Tools/PackageTool/src/ProcessClasses.h"
-#include "Tools/PackageTool/src/RecordCheck.h"
+
+// Called with the value or name that has a problem, and the problem.
+using ConfigReport = std::function<void(const JsonValue& where, std::string text)>;
 
 // One process as the configuration names it.
 struct ProcessInstance {
     const ProcessClass* processClass = nullptr;
-    const JsonValue* name = nullptr; // where it is named
+    const JsonValue* name = nullptr; // the place of its name
 };
 
 // A process's section with what was read from it.
@@ -24,7 +29,7 @@ struct ConfigSection {
     const JsonValue* json = nullptr;
     Config config;
 
-    // The value of that key, or the section where it is left out.
+    // The value of that key, or the section if it is left out.
     const JsonValue& At(const char* key) const {
         const auto member = json->FindMember(key);
         return member == json->MemberEnd() ? *json : member->value;
@@ -33,7 +38,7 @@ struct ConfigSection {
 template <class Config>
 using ConfigSectionMap = std::map<std::string, ConfigSection<Config>>;
 
-// What a configuration says, as far as it can be understood; sections by their process's name. Points into
+// What a configuration says, as far as it can be understood. Sections by their process's name. Points into
 // the document.
 struct ConfigSections {
     ApplicationConfig application;
@@ -45,8 +50,11 @@ struct ConfigSections {
     ConfigSectionMap<ProcessMonitorConfig> monitors;
 };
 
-// Reads all sections and reports what is wrong within each. The document is an object.
-void ReadConfigSections(const JsonDocument& document, const RecordReport& report, ConfigSections& sections);
+// Reads all sections and reports what is wrong within each: by the serializer's own plans and with its texts,
+// but past a failure too; a field that failed keeps its default. Also reports names that no field has and
+// names that appear twice, which the agent's reader ignores. The document is an object. May throw
+// std::bad_alloc.
+void ReadConfigSections(const JsonDocument& document, const ConfigReport& report, ConfigSections& sections);
 
-// Reports what does not fit between sections that were read.
-void CheckPartners(const ConfigSections& sections, const RecordReport& report);
+std::string Quoted(std::string_view text);
+std::string TextOf(const JsonValue& string);

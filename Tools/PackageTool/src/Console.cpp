@@ -24,7 +24,7 @@ namespace Console {
 
 namespace {
 
-// Progress lines are no news here; failures are, without their time.
+// Prints failures without their time; drops lines of progress.
 void PrintLogEntry(const wchar_t* logName, const char* data, uint32_t length, int) {
     if (std::wstring_view(logName) == Platform::InfoLog) {
         return;
@@ -34,7 +34,7 @@ void PrintLogEntry(const wchar_t* logName, const char* data, uint32_t length, in
     PrintError(start == std::string_view::npos ? text : text.substr(start));
 }
 
-// What a terminal obeys: the bytes of its UTF-8, read as one number.
+// Characters that a terminal acts on: the bytes of their UTF-8, read as one number.
 constexpr struct {
     std::size_t length; // bytes
     uint32_t first;
@@ -47,7 +47,7 @@ constexpr struct {
     {3, 0xE281A6, 0xE281A9},
 };
 
-// In bytes, of the control character at the start of text; 0 when that is none.
+// In bytes, of the control character at the start of text; 0 if there is none.
 std::size_t ControlLength(std::string_view text) {
     uint32_t value = 0;
     for (std::size_t length = 1; length <= std::min<std::size_t>(text.size(), 3); ++length) {
@@ -83,15 +83,49 @@ bool ReadStandardInput(std::vector<uint8_t>& bytes, std::string& reason) try {
 
 } // namespace
 
-void Prepare() {
-    EXP_SetLogEventCallback(&PrintLogEntry);
 #if defined(_WIN32)
+namespace {
+
+UINT g_ownCodePage = 0; // the console's; 0 without a console
+
+BOOL WINAPI RestoreCodePage(DWORD) {
+    if (g_ownCodePage != 0) {
+        SetConsoleOutputCP(g_ownCodePage);
+    }
+    return FALSE; // the system goes on to end the program
+}
+
+} // namespace
+
+Session::Session() {
+    EXP_SetLogEventCallback(&PrintLogEntry);
     for (std::FILE* const stream : {stdin, stdout, stderr}) {
         static_cast<void>(_setmode(_fileno(stream), _O_BINARY));
     }
-    SetConsoleOutputCP(CP_UTF8); // fails where there is no console, and is not needed there
-#endif
+    g_ownCodePage = GetConsoleOutputCP();
+    SetConsoleCtrlHandler(&RestoreCodePage, TRUE);
+    SetConsoleOutputCP(CP_UTF8);
 }
+
+Session::~Session() {
+    std::fflush(stdout);
+    RestoreCodePage(0);
+}
+
+static bool IsErrorTerminal() {
+    return _isatty(_fileno(stderr)) != 0;
+}
+#else
+Session::Session() {
+    EXP_SetLogEventCallback(&PrintLogEntry);
+}
+
+Session::~Session() = default;
+
+static bool IsErrorTerminal() {
+    return isatty(STDERR_FILENO) == 1;
+}
+#endif
 
 void Print(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
@@ -104,19 +138,6 @@ void PrintError(std::string_view text) {
 
 void PrintError(const std::string& file, const std::string& text) {
     PrintError(file + ": " + text);
-}
-
-bool IsErrorTerminal() {
-#if defined(_WIN32)
-    return _isatty(_fileno(stderr)) != 0;
-#else
-    return isatty(STDERR_FILENO) == 1;
-#endif
-}
-
-void PrintProgress(std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stderr);
-    std::fflush(stderr);
 }
 
 bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason) {
@@ -146,3 +167,36 @@ std::string Printable(std::string_view text) {
 }
 
 } // namespace Console
+
+Progress::Progress(const std::string& what, uint64_t total)
+    : m_what(Console::Printable(what.substr(what.find_last_of("\\/") + 1))), m_total(total),
+      m_isWanted(Console::IsErrorTerminal()), m_next(Clock::now() + std::chrono::milliseconds(500)) {}
+
+Progress::~Progress() {
+    if (m_shownLength > 0) {
+        Show("");
+        Show(""); // back to the line's start
+    }
+}
+
+void Progress::Advance(uint64_t bytes) {
+    m_done += bytes;
+    if (!m_isWanted || Clock::now() < m_next) {
+        return;
+    }
+    m_next = Clock::now() + std::chrono::milliseconds(100);
+    constexpr unsigned Width = 30;
+    const double part = std::min(1.0, static_cast<double>(m_done) / static_cast<double>(m_total));
+    std::string bar(static_cast<std::size_t>(part * Width), '#');
+    bar.resize(Width, '.');
+    Show(m_what + " [" + bar + "] " + std::to_string(static_cast<int>(part * 100)) + " %");
+}
+
+// Blanks wipe the rest of the longer line before: not every console knows an escape sequence for that.
+void Progress::Show(const std::string& line) {
+    const std::string blanks(m_shownLength - std::min(m_shownLength, line.size()), ' ');
+    const std::string text = "\r" + line + blanks;
+    m_shownLength = line.size();
+    std::fwrite(text.data(), 1, text.size(), stderr);
+    std::fflush(stderr);
+}

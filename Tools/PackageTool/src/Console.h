@@ -1,39 +1,83 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
+#include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
-// How the tool ends; of several that apply the highest.
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
+
+// How the tool ends. If several apply, the highest counts.
 enum class ExitCode : int {
     Good = 0,
     ProblemsFound = 1,   // in a package or in a configuration
     WrongUsage = 2,      // nothing was done
-    NotReadOrWritten = 3 // a file or folder refused
+    NotReadOrWritten = 3 // a file or folder could not be read or written
 };
 void Raise(ExitCode& code, ExitCode other);
 
-// Standard input, output and error, all in UTF-8 and without any conversion of line ends.
+// Standard input, output and error: UTF-8, line ends unchanged. One thread.
 namespace Console {
 
-// Once, at the start. Also sends failures that modules log to standard error.
-void Prepare();
+// Held by main for the whole run. Failures that modules log go to standard error. A Windows console shows
+// UTF-8 meanwhile and gets its own code page back at the end, also after Ctrl+C.
+class Session {
+public:
+    Session();
+    ~Session();
+    Session(const Session&) = delete; // the code page is restored once
+    Session& operator=(const Session&) = delete;
+};
 
 void Print(std::string_view text);
+
+// A reflected record on one line. Throws std::bad_alloc.
+template <class T>
+void PrintJson(const T& record) {
+    JsonDocument document;
+    std::string text;
+    if (!JsonSerialization::WriteRecord(record, document) || !JsonSerialization::WriteText(document, text)) {
+        throw std::bad_alloc(); // the only way to fail
+    }
+    Print(text + "\n");
+}
 
 // One line: the program's name, then text, made printable.
 void PrintError(std::string_view text);
 void PrintError(const std::string& file, const std::string& text); // file: text
 
-bool IsErrorTerminal();
-void PrintProgress(std::string_view text); // to standard error, as it is
-
-// False when reading failed or nothing was there to read; then reason says why.
+// False if reading failed or there was nothing to read; reason then says why. "-" is standard input.
 bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason);
 
-// For text that others wrote: a terminal obeys control characters, line ends and marks of writing direction,
-// which can show a name as another. Each becomes "?".
+// For text from outside: control characters, line ends and marks of writing direction can make a terminal
+// show one name as another. Each becomes "?".
 std::string Printable(std::string_view text);
 
 } // namespace Console
+
+// A bar on standard error for long work: shown after half a second if that is a terminal, and wiped at the
+// end. One thread.
+class Progress {
+public:
+    // total is in bytes, and not 0.
+    Progress(const std::string& what, uint64_t total);
+    ~Progress();
+    Progress(const Progress&) = delete; // one bar on one line
+    Progress& operator=(const Progress&) = delete;
+
+    void Advance(uint64_t bytes);
+
+private:
+    void Show(const std::string& line);
+
+    using Clock = std::chrono::steady_clock;
+
+    const std::string m_what;
+    const uint64_t m_total;
+    const bool m_isWanted;
+    uint64_t m_done = 0;
+    std::size_t m_shownLength = 0;
+    Clock::time_point m_next;
+};

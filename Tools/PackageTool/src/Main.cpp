@@ -1,5 +1,97 @@
-#include "Tools/PackageTool/src/PackageTool.h"
+#include <cstdio>
+#include <exception>
+
+#include "Tools/PackageTool/src/Arguments.h"
+#include "Tools/PackageTool/src/ConfigCheck.h"
+#include "Tools/PackageTool/src/ConfigSchema.h"
+#include "Tools/PackageTool/src/Console.h"
+#include "Tools/PackageTool/src/Pack.h"
+#include "Tools/PackageTool/src/Report.h"
+#include "Tools/PackageTool/src/Unpack.h"
+
+namespace {
+
+constexpr char Usage[] =
+    R"(Looks into the packages of the crash reporter, makes them, and checks its configuration.
+
+usage: PackageTool list FILE... [--json] [--limit SIZE]
+       PackageTool verify FILE... [--json] [--limit SIZE]
+       PackageTool unpack FILE... --to FOLDER [--force] [--stored] [--json] [--limit SIZE]
+       PackageTool pack FOLDER... --to FOLDER [--force] [--config FILE [--packager NAME]]
+       PackageTool check-config FILE... [--json]
+       PackageTool config-schema
+
+list           what a package holds: the header's main fields and a row for each file
+verify         every length and digest, the header's catalog and each gzip stream
+unpack         header and files into FOLDER; each of several packages into its own folder there
+pack           a package from a submission folder, as the packager writes it: FOLDER/NAME/submission.pkg
+check-config   every problem of a configuration with its line and column
+config-schema  the configuration's JSON schema, for editors
+
+FILE           "-" is standard input
+--config FILE  pack with the limits, blacklist and source of the packager NAME ("Packager") there
+--force        replace existing files, each once the new one is complete
+--json         one JSON object on standard output
+--limit SIZE   the most that one package may unpack to, such as 500M (4G)
+--stored       unpack the files as the package stores them, NAME.gz
+--to FOLDER    created if it is missing
+--help, --version
+
+exit code: 0 good, 1 problems in a package or configuration, 2 wrong usage, 3 something could not be read or written
+)";
+
+// May throw std::bad_alloc.
+ExitCode Run(const Arguments& arguments) {
+    if (arguments.help) {
+        Console::Print(Usage);
+        return ExitCode::Good;
+    }
+    if (arguments.version) {
+        Console::Print("PackageTool " MORVANE_VERSION "\n");
+        return ExitCode::Good;
+    }
+    static constexpr struct {
+        const char* name;
+        ExitCode (*run)(const Arguments& arguments);
+    } commands[] = {
+        {"list", &RunList},
+        {"verify", &RunVerify},
+        {"unpack", &RunUnpack},
+        {"pack", &RunPack},
+        {"check-config", &RunCheckConfig},
+        {"config-schema", &RunConfigSchema},
+    };
+    for (const auto& command : commands) {
+        if (arguments.command == command.name) {
+            return command.run(arguments);
+        }
+    }
+    return ExitCode::WrongUsage; // not reached: parsing refuses other commands
+}
+
+ExitCode ParseAndRun(const std::vector<std::string>& words) {
+    try {
+        Arguments arguments;
+        std::string error;
+        if (!ParseArguments(words, arguments, error)) {
+            Console::PrintError(error + " (--help says more)");
+            return ExitCode::WrongUsage;
+        }
+        return Run(arguments);
+    } catch (const std::exception& failure) {
+        Console::PrintError(failure.what());
+        return ExitCode::NotReadOrWritten;
+    }
+}
+
+} // namespace
 
 int main(int argc, char** argv) {
-    return RunPackageTool({argv + (argc > 0 ? 1 : 0), argv + argc});
+    const Console::Session session;
+    ExitCode code = ParseAndRun({argv + (argc > 0 ? 1 : 0), argv + argc});
+    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+        Console::PrintError("Failed to write to standard output");
+        Raise(code, ExitCode::NotReadOrWritten);
+    }
+    return static_cast<int>(code);
 }

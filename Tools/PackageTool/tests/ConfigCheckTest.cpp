@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "Tools/PackageTool/src/FolderAgreement.h"
+#include "Tools/PackageTool/src/ConfigPartners.h"
 
 namespace {
 
@@ -54,7 +54,7 @@ TEST(CheckConfig, SaysWhatIsWrongAndWhere) {
          "6:10: Field not found in json: \"Folder\"\n6:11: Unknown key \"folder\"\n"},
         {R"("Folder": "dumps")", R"("Folder": "dumps", "TimeBetweenChecks": -1, "Folder": "b")",
          "6:51: \"TimeBetweenChecks\": Field not unsigned integer\n"
-         "6:55: Key \"Folder\" stands here again; only the first counts\n"},
+         "6:55: Key \"Folder\" appears again; only the first counts\n"},
         {R"("WatcherName": "Dumps")",
          R"("WatcherName": "Dumps", "Source": "äö", "AttachmentLimits": [{}, 5])",
          "7:48: \"Source\": Unknown enum value found in data\n"
@@ -137,18 +137,18 @@ TEST(CheckConfig, EveryShorterTextIsReported) {
 }
 
 TEST(FolderAgreement, ComparesWhatATextTells) {
-    using FolderAgreement::Base;
+
     const struct {
         const char* left;
         const char* right;
     } equal[] = {{"dumps", ".\\Dumps\\"}, {"a/b", R"(a\.\c\..\b)"}, {"C:\\Dumps", "c:/dumps/"}, {"", "."}};
     for (const auto& [left, right] : equal) {
-        EXPECT_EQ(FolderAgreement::Comparable(left, Base::ApplicationFolder),
-                  FolderAgreement::Comparable(right, Base::ApplicationFolder))
+        EXPECT_EQ(ComparableFolder(left, FolderBase::ApplicationFolder),
+                  ComparableFolder(right, FolderBase::ApplicationFolder))
             << left;
     }
-    EXPECT_NE(FolderAgreement::Comparable("a", Base::ApplicationFolder),
-              FolderAgreement::Comparable("a", Base::CurrentFolder));
-    EXPECT_NE(FolderAgreement::Comparable("../a", Base::CurrentFolder),
-              FolderAgreement::Comparable("a", Base::CurrentFolder));
+    EXPECT_NE(ComparableFolder("a", FolderBase::ApplicationFolder),
+              ComparableFolder("a", FolderBase::CurrentFolder));
+    EXPECT_NE(ComparableFolder("../a", FolderBase::CurrentFolder),
+              ComparableFolder("a", FolderBase::CurrentFolder));
 }

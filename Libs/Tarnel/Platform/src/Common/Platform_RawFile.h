@@ -38,4 +38,8 @@ private:
     intptr_t m_handle = -1;
 };
 
+// Gives a file another path on the same volume, in place of a writable file or a link that is there. False
+// leaves both as they were.
+[[nodiscard]] bool RenameFile(const std::string& path, const std::string& newPath);
+
 } // namespace Platform

@@ -1,6 +1,7 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_RawFile.h"
 
 #include <cerrno>
+#include <cstdio>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -82,6 +83,10 @@ bool RawFile::Close() {
     const auto descriptor = static_cast<int>(m_handle);
     m_handle = -1;
     return descriptor < 0 || close(descriptor) == 0;
+}
+
+bool RenameFile(const std::string& path, const std::string& newPath) {
+    return IsUsablePath(path) && IsUsablePath(newPath) && std::rename(path.c_str(), newPath.c_str()) == 0;
 }
 
 } // namespace Platform

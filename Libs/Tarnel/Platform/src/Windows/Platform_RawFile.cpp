@@ -74,4 +74,12 @@ bool RawFile::Close() {
     return handle == INVALID_HANDLE_VALUE || CloseHandle(handle) != 0;
 }
 
+bool RenameFile(const std::string& path, const std::string& newPath) {
+    std::wstring from;
+    std::wstring to;
+    return ToSystemPath(path, from) == EncodingOutcome::Done &&
+           ToSystemPath(newPath, to) == EncodingOutcome::Done &&
+           MoveFileExW(from.c_str(), to.c_str(), MOVEFILE_REPLACE_EXISTING | MOVEFILE_WRITE_THROUGH) != 0;
+}
+
 } // namespace Platform

@@ -1,11 +1,10 @@
-#include "Tools/PackageTool/src/PackageReport.h"
+#include "Tools/PackageTool/src/Report.h"
 
 #include <algorithm>
 
 #include "Libs/Framework/Core/src/PlatformHelpers_Inflate.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
-#include "Tools/PackageTool/src/Console.h"
 
 Reflection_DefineType(ReportedEntry, Reflection_Field(name, "Name"), Reflection_Field(offset, "Offset"),
                       Reflection_Field(storedSize, "StoredSize"),
@@ -19,12 +18,12 @@ Reflection_DefineType(PackageReports, Reflection_Field(packages, "Packages"));
 
 namespace {
 
-// A name that is longer moves its own row's columns; were it to widen those of all rows, a small package
-// could give a table of any size.
+// A longer name shifts the columns of its own row only. If it widened all rows, a small package could make a
+// table of any size.
 constexpr std::size_t WidestName = 60;
 
 std::size_t ShownLength(const std::string& text) {
-    // Continuation bytes take no place of their own.
+    // All bytes but UTF-8's continuation bytes.
     return static_cast<std::size_t>(
         std::count_if(text.begin(), text.end(), [](char c) { return (c & 0xC0) != 0x80; }));
 }
@@ -37,7 +36,7 @@ std::string RightAligned(const std::string& text, std::size_t width) {
     return std::string(width - std::min(width, text.size()), ' ') + text;
 }
 
-// Empty for a header that has none, or that could not be read so far; so is the next one.
+// Empty for a header without one, or one that could not be read that far.
 std::string VersionText(const VersionInfo& version, uint32_t changelist) {
     if ((version.major | version.minor | version.rev | version.build | changelist) == 0) {
         return {};
@@ -96,7 +95,65 @@ std::string EntryTable(const std::vector<ReportedEntry>& entries) {
     return text;
 }
 
+std::string ReportTable(const PackageReport& report) {
+    std::string text = Console::Printable(report.file) + ": " + std::to_string(report.size) + " bytes\n";
+    text += HeaderLines(report.header);
+    return report.entries.empty() ? text : text + EntryTable(report.entries);
+}
+
+// A line for each.
+std::string ReportProblems(const PackageReport& report) {
+    std::string text;
+    for (const ReportedProblem& problem : report.problems) {
+        text += Console::Printable(report.file + ": offset " + std::to_string(problem.offset) + ": " +
+                                   problem.text) +
+                "\n";
+    }
+    return text;
+}
+
+std::string VerifyLine(const PackageReport& report) {
+    if (!report.problems.empty()) {
+        return ReportProblems(report);
+    }
+    return Console::Printable(report.file) + ": good, " + std::to_string(report.entries.size()) +
+           (report.entries.size() == 1 ? " file\n" : " files\n");
+}
+
+// Notes the unpacked size of each entry.
+void MeasureEntries(const PackageReader& reader, uint64_t limit, Progress& progress, PackageReport& report) {
+    for (std::size_t i = 0; i < reader.GetEntries().size(); ++i) {
+        // A failure is in the report.
+        static_cast<void>(UnpackEntry(reader.GetEntries()[i], i, {}, limit, progress, report));
+    }
+}
+
 } // namespace
+
+ExitCode RunList(const Arguments& arguments) {
+    const auto work = [&](const std::string& file, std::span<const uint8_t> package) {
+        Progress progress(file, package.size());
+        const PackageReader reader(package);
+        PackageReport report = MakeReport(file, package.size(), reader);
+        MeasureEntries(reader, arguments.limit, progress, report);
+        return report;
+    };
+    return ForEachPackage(arguments, work, [](const PackageReport& report) {
+        return ReportTable(report) + ReportProblems(report);
+    });
+}
+
+ExitCode RunVerify(const Arguments& arguments) {
+    const auto work = [&](const std::string& file, std::span<const uint8_t> package) {
+        Progress progress(file, 3 * package.size()); // the digests read it twice, unpacking once
+        PackageReader reader(package);
+        reader.CheckDigests([&](uint64_t bytes) { progress.Advance(bytes); });
+        PackageReport report = MakeReport(file, package.size(), reader);
+        MeasureEntries(reader, arguments.limit, progress, report);
+        return report;
+    };
+    return ForEachPackage(arguments, work, &VerifyLine);
+}
 
 PackageReport MakeReport(const std::string& file, uint64_t size, const PackageReader& reader) {
     PackageReport report;
@@ -133,27 +190,29 @@ bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink
     return true;
 }
 
-std::string ReportTable(const PackageReport& report) {
-    std::string text = Console::Printable(report.file) + ": " + std::to_string(report.size) + " bytes\n";
-    text += HeaderLines(report.header);
-    return report.entries.empty() ? text : text + EntryTable(report.entries);
-}
-
-std::string ReportProblems(const PackageReport& report) {
-    std::string text;
-    for (const ReportedProblem& problem : report.problems) {
-        text += Console::Printable(report.file + ": offset " + std::to_string(problem.offset) + ": " +
-                                   problem.text) +
-                "\n";
+ExitCode ForEachPackage(const Arguments& arguments, const PackageWork& work, const PackageText& textOf) {
+    ExitCode code = ExitCode::Good;
+    PackageReports reports;
+    for (const std::string& file : arguments.files) {
+        std::vector<uint8_t> package;
+        std::string reason;
+        if (!Console::ReadInput(file, package, reason)) {
+            Console::PrintError(file, reason);
+            Raise(code, ExitCode::NotReadOrWritten);
+            continue;
+        }
+        PackageReport report = work(file, package);
+        if (!report.problems.empty()) {
+            Raise(code, ExitCode::ProblemsFound);
+        }
+        if (arguments.json) {
+            reports.packages.push_back(std::move(report));
+        } else {
+            Console::Print(textOf(report));
+        }
     }
-    return text;
-}
-
-std::string ReportJson(const PackageReports& reports) {
-    JsonDocument document;
-    std::string text;
-    if (!JsonSerialization::WriteRecord(reports, document) || !JsonSerialization::WriteText(document, text)) {
-        throw std::bad_alloc(); // the one way to fail
+    if (arguments.json) {
+        Console::PrintJson(reports);
     }
-    return text + "\n";
+    return code;
 }

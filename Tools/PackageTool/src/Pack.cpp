@@ -1,5 +1,6 @@
+#include "Tools/PackageTool/src/Pack.h"
+
 #include <filesystem>
-#include <random>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
@@ -7,18 +8,15 @@
 #include "Libs/Processes/Core/src/PackageWriter.h"
 #include "Libs/Processes/Core/src/SubmissionPackager.h"
 #include "Libs/Shared/src/JsonConfig.h"
-#include "Tools/PackageTool/src/Commands.h"
-#include "Tools/PackageTool/src/TargetFolder.h"
+#include "Tools/PackageTool/src/Console.h"
+#include "Tools/PackageTool/src/Target.h"
 
 namespace {
 
-// A folder of this run alone, beside the packages to come; gone afterwards.
+// This run's own folder, beside the packages to come; deleted at the end.
 class WorkFolder {
 public:
-    explicit WorkFolder(const std::string& target) {
-        std::random_device random;
-        m_path = FolderPath::Join(target, "PackageTool-" + std::to_string(random()) + ".tmp");
-    }
+    explicit WorkFolder(const std::string& target) : m_path(Target::TemporaryPath(target)) {}
     ~WorkFolder() {
         if (PlatformHelpers::PathExists(m_path)) {
             static_cast<void>(PlatformHelpers::RemoveFolder(m_path)); // logs a failure
@@ -30,10 +28,10 @@ public:
     const std::string& Path() const { return m_path; }
 
 private:
-    std::string m_path;
+    const std::string m_path;
 };
 
-// Limits, black list and source of a packager's section; without a configuration its defaults.
+// Limits, blacklist and source of a packager's section; without a configuration the defaults.
 bool ReadPackagerConfig(const Arguments& arguments, PackagerConfig& config, AttachmentBlacklist& blacklist) {
     if (!arguments.config.empty()) {
         JsonDocument document;
@@ -58,20 +56,7 @@ bool ReadPackagerConfig(const Arguments& arguments, PackagerConfig& config, Atta
     return true;
 }
 
-// Empty when nothing stands in the way of the package.
-std::string MakeWay(const std::string& path, bool mayReplace) {
-    if (!PlatformHelpers::PathExists(path)) {
-        return {};
-    }
-    if (!mayReplace) {
-        return "There is already a package at " + path;
-    }
-    return PlatformHelpers::MakeFileWritable(path) && PlatformHelpers::RemoveFile(path)
-               ? ""
-               : "Failed to replace the package at " + path;
-}
-
-// A folder named by dots, which say nothing of its name, becomes its full path.
+// "." and the like become the full path, whose last part is the folder's name.
 std::string WithName(const std::string& folder) {
     if (FolderPath::LastComponent(folder)) {
         return folder;
@@ -81,22 +66,29 @@ std::string WithName(const std::string& folder) {
     return failure ? folder : full.lexically_normal().string();
 }
 
+// The package is made in the work folder, so that one that can't be made whole replaces nothing.
 std::string Pack(const std::string& folder, const PackagerConfig& config,
-                 const AttachmentBlacklist& blacklist, bool mayReplace, std::string& package) {
+                 const AttachmentBlacklist& blacklist, const Arguments& arguments, std::string& package) {
     const std::string name = FolderPath::LastComponent(folder).value_or("");
     if (name.empty()) {
         return "Failed to find submission folder name in folder path";
     }
-    package = FolderPath::Join(FolderPath::Join(config.packagedFolder, name), config.submissionFilename);
-    if (std::string reason = MakeWay(package, mayReplace); !reason.empty()) {
-        return reason;
+    package = FolderPath::Join(FolderPath::Join(arguments.to, name), config.submissionFilename);
+    if (!arguments.force && PlatformHelpers::PathExists(package)) {
+        return "There is already a package at " + package;
     }
     std::string preparedName;
-    if (const ResultCode result = SubmissionPackager(config, blacklist).Prepare(folder, preparedName);
-        !result) {
-        return result.Text();
+    ResultCode result = SubmissionPackager(config, blacklist).Prepare(folder, preparedName);
+    if (result) {
+        result = PackageWriter(config, false).Generate(preparedName);
     }
-    const ResultCode result = PackageWriter(config, false).Generate(preparedName);
+    if (result) {
+        result = Target::EnsureFolder(FolderPath::Join(arguments.to, name));
+    }
+    if (result) {
+        const std::string made = FolderPath::Join(config.packagedFolder, preparedName);
+        result = Target::Replace(FolderPath::Join(made, config.submissionFilename), package);
+    }
     return result ? "" : result.Text();
 }
 
@@ -108,17 +100,17 @@ ExitCode RunPack(const Arguments& arguments) {
     if (!ReadPackagerConfig(arguments, config, blacklist)) {
         return ExitCode::NotReadOrWritten;
     }
-    if (!EnsureTargetFolder(arguments.to)) {
+    if (!Target::EnsureFolder(arguments.to)) {
         Console::PrintError(arguments.to, "Failed to create the folder");
         return ExitCode::NotReadOrWritten;
     }
     const WorkFolder work(arguments.to);
-    config.packagedFolder = arguments.to;
-    config.packageWorkFolder = work.Path();
+    config.packagedFolder = FolderPath::Join(work.Path(), "packages");
+    config.packageWorkFolder = FolderPath::Join(work.Path(), "prepared");
     ExitCode code = ExitCode::Good;
     for (const std::string& folder : arguments.files) {
         std::string package;
-        const std::string reason = Pack(WithName(folder), config, blacklist, arguments.force, package);
+        const std::string reason = Pack(WithName(folder), config, blacklist, arguments, package);
         if (reason.empty()) {
             Console::Print(Console::Printable(package) + "\n");
         } else {

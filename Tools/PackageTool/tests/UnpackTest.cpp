@@ -1,4 +1,4 @@
-#include "Tools/PackageTool/src/UnpackFolder.h"
+#include "Tools/PackageTool/src/Unpack.h"
 
 #include <gtest/gtest.h>
 

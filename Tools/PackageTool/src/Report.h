@@ -2,23 +2,26 @@
 
 #include <cstdint>
 #include <functional>
+#include <span>
 #include <string>
 #include <vector>
 
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/PackageReader.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
-#include "Tools/PackageTool/src/Progress.h"
+#include "Tools/PackageTool/src/Arguments.h"
+#include "Tools/PackageTool/src/Console.h"
 
-// What the tool has to say about packages: the records of --json, from which the text is written too.
+// What the tool says about packages: the records of --json, from which the text is written too, and the
+// commands that only say it. Everything here may throw std::bad_alloc.
 
 struct ReportedEntry {
     std::string name;
     uint64_t offset = 0;       // in the package
     uint64_t storedSize = 0;   // bytes
-    int64_t unpackedSize = -1; // bytes; -1 when it can't be unpacked
+    int64_t unpackedSize = -1; // bytes; -1 if it can't be unpacked
     std::string digest;        // as recorded
-    std::string path;          // where it was unpacked to; empty when it was not
+    std::string path;          // the file it was unpacked to; empty if it was not
 };
 Reflection_DeclareType(ReportedEntry);
 
@@ -42,19 +45,21 @@ struct PackageReports {
 };
 Reflection_DeclareType(PackageReports);
 
+ExitCode RunList(const Arguments& arguments);
+ExitCode RunVerify(const Arguments& arguments);
+
 PackageReport MakeReport(const std::string& file, uint64_t size, const PackageReader& reader);
 
-// Where an entry's content goes; false refuses the rest of it.
+// Takes an entry's content piece by piece; false refuses the rest.
 using ContentSink = std::function<bool(std::span<const uint8_t> piece)>;
 
-// Decompresses the entry into sink, which may be empty, notes its size or its problem, and takes what it gave
-// from limit; progress advances by the entry's size. False when the content is not whole.
+// Decompresses the entry into sink, which may be empty, and notes its size or its problem. What it gave is
+// taken from limit; progress advances by the entry's stored size. False if the content is not whole.
 bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink& sink, uint64_t& limit,
                  Progress& progress, PackageReport& report);
 
-// Texts for people, with their line ends.
-std::string ReportTable(const PackageReport& report);
-std::string ReportProblems(const PackageReport& report); // a line for each
-
-// One object with all of them.
-std::string ReportJson(const PackageReports& reports);
+// Reads each package, has the work done, and prints the result: as text at once, as JSON at the end. Goes on
+// after a package that can't be read.
+using PackageWork = std::function<PackageReport(const std::string& file, std::span<const uint8_t> package)>;
+using PackageText = std::function<std::string(const PackageReport& report)>;
+ExitCode ForEachPackage(const Arguments& arguments, const PackageWork& work, const PackageText& textOf);

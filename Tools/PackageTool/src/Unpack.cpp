@@ -1,0 +1,252 @@
+#include "Tools/PackageTool/src/Unpack.h"
+
+#include <algorithm>
+#include <utility>
+
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/AttachmentName.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
+#include "Libs/Processes/Core/src/HeaderFile.h"
+#include "Libs/Processes/Core/src/PackageFormat.h"
+#include "Libs/Processes/Core/src/PathIdentity.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_RawFile.h"
+#include "Libs/Tarnel/String/src/String_Ascii.h"
+#include "Tools/PackageTool/src/Report.h"
+#include "Tools/PackageTool/src/Target.h"
+
+namespace {
+
+std::string Folded(std::string name) {
+    std::transform(name.begin(), name.end(), name.begin(),
+                   [](char c) { return c == '\\' ? '/' : String::LowerAscii(c); });
+    return name;
+}
+
+// game.log and 2 give game~2.log.
+std::string Numbered(const std::string& name, unsigned number) {
+    const std::size_t fileStart = name.find_last_of("\\/") + 1; // npos + 1 is 0
+    const std::size_t dot = name.find_last_of('.');
+    const std::size_t end = dot == std::string::npos || dot <= fileStart ? name.size() : dot;
+    return name.substr(0, end) + "~" + std::to_string(number) + name.substr(end);
+}
+
+bool WriteAll(Platform::RawFile& file, UnpackFolder::Piece bytes) {
+    while (!bytes.empty()) {
+        uint32_t written = 0;
+        const auto wanted = static_cast<uint32_t>(std::min<std::size_t>(bytes.size(), 1 << 20));
+        if (!file.Write(bytes.data(), wanted, written) || written == 0) {
+            return false;
+        }
+        bytes = bytes.subspan(written);
+    }
+    return true;
+}
+
+// submission.pkg gives submission; a name that is taken gets a number.
+std::string SubFolder(const std::string& file, std::set<std::string>& taken) {
+    std::string name = file == "-" ? "stdin" : FolderPath::LastComponent(file).value_or("package");
+    name.resize(name.ends_with(".pkg") && name.size() > 4 ? name.size() - 4 : name.size());
+    std::string candidate = name;
+    for (unsigned number = 2; !taken.insert(candidate).second; ++number) {
+        candidate = name + "~" + std::to_string(number);
+    }
+    return candidate;
+}
+
+// Unpacks one package into one folder.
+class Unpacking {
+public:
+    Unpacking(const Arguments& arguments, const std::string& folder, const PackageReader& reader,
+              PackageReport& report, Progress& progress)
+        : m_arguments(arguments), m_folder(folder, arguments.force), m_reader(reader), m_report(report),
+          m_progress(progress), m_limit(arguments.limit) {}
+
+    void Run() {
+        if (!m_reader.GetHeaderBytes().empty()) {
+            std::string path;
+            Note(PackageFormat::PrefixSize, HeaderFile::Name,
+                 m_folder.Write(
+                     HeaderFile::Name, [&](const auto& write) { return write(m_reader.GetHeaderBytes()); },
+                     path));
+        }
+        for (std::size_t i = 0; i < m_reader.GetEntries().size(); ++i) {
+            Unpack(m_reader.GetEntries()[i], i);
+        }
+    }
+
+    bool HasWriteFailed() const { return m_hasFailed; }
+
+private:
+    void Unpack(const PackageEntry& entry, std::size_t index) {
+        bool isWhole = true;
+        const auto fill = [&](const std::function<bool(UnpackFolder::Piece)>& write) {
+            if (m_arguments.stored) {
+                m_progress.Advance(entry.data.size());
+                return write(entry.data);
+            }
+            return isWhole = UnpackEntry(entry, index, write, m_limit, m_progress, m_report);
+        };
+        std::string name = entry.name.empty() ? "entry-" + std::to_string(index + 1) : entry.name;
+        name += m_arguments.stored ? ".gz" : "";
+        const std::string reason = m_folder.Write(name, fill, m_report.entries[index].path);
+        if (isWhole || reason != UnpackFolder::NotWhole) { // else the report has the reason already
+            Note(entry.offset, name, reason);
+        }
+    }
+
+    void Note(uint64_t offset, const std::string& name, const std::string& reason) {
+        if (!reason.empty()) {
+            m_report.problems.push_back({offset, "\"" + name + "\" was not unpacked: " + reason});
+            m_hasFailed = true;
+        }
+    }
+
+    const Arguments& m_arguments;
+    UnpackFolder m_folder;
+    const PackageReader& m_reader;
+    PackageReport& m_report;
+    Progress& m_progress;
+    uint64_t m_limit;
+    bool m_hasFailed = false;
+};
+
+std::string ProblemText(const ReportedProblem& problem) {
+    return "offset " + std::to_string(problem.offset) + ": " + problem.text;
+}
+
+std::string UnpackText(const PackageReport& report) {
+    std::string text;
+    for (const ReportedEntry& entry : report.entries) {
+        text += entry.path.empty() ? "" : Console::Printable(entry.path) + "\n";
+    }
+    return text;
+}
+
+} // namespace
+
+ExitCode RunUnpack(const Arguments& arguments) {
+    std::set<std::string> taken;
+    bool hasWriteFailed = false;
+    const auto work = [&](const std::string& file, std::span<const uint8_t> package) {
+        Progress progress(file, 3 * package.size());
+        PackageReader reader(package);
+        reader.CheckDigests([&](uint64_t bytes) { progress.Advance(bytes); });
+        PackageReport report = MakeReport(file, package.size(), reader);
+        const std::string folder = arguments.files.size() == 1
+                                       ? arguments.to
+                                       : FolderPath::Join(arguments.to, SubFolder(file, taken));
+        Unpacking unpacking(arguments, folder, reader, report, progress);
+        unpacking.Run();
+        hasWriteFailed = hasWriteFailed || unpacking.HasWriteFailed();
+        return report;
+    };
+    const auto say = [](const PackageReport& report) {
+        for (const ReportedProblem& problem : report.problems) {
+            Console::PrintError(report.file, ProblemText(problem));
+        }
+        return UnpackText(report);
+    };
+    ExitCode code = ForEachPackage(arguments, work, say);
+    if (hasWriteFailed) {
+        Raise(code, ExitCode::NotReadOrWritten);
+    }
+    return code;
+}
+
+std::string UnpackFolder::Write(const std::string& name, const Fill& fill, std::string& path) {
+    path.clear();
+    if (!IsSafeAttachmentName(name)) {
+        return "The name is not safe";
+    }
+    const std::string freeName = FreeName(name);
+    const std::string target = FolderPath::Join(m_folder, freeName);
+    bool exists = false;
+    std::string reason = MakeFolders(freeName);
+    if (reason.empty()) {
+        reason = CheckTarget(target, exists);
+    }
+    if (!reason.empty()) {
+        return reason;
+    }
+    const std::string written = exists ? Target::TemporaryPath(m_folder) : target;
+    Platform::RawFile file;
+    if (!file.CreateNew(written)) {
+        return PlatformHelpers::PathExists(written) ? "There is already a file of that name"
+                                                    : "Failed to create the file";
+    }
+    bool isWritten = true;
+    const bool isFilled = fill([&](Piece piece) { return isWritten = WriteAll(file, piece); });
+    isWritten = file.Close() && isWritten;
+    if (!isWritten) {
+        reason = "Failed to write the file";
+    } else if (!isFilled) {
+        reason = NotWhole;
+    } else if (exists) {
+        const ResultCode replaced = Target::Replace(written, target);
+        reason = replaced ? "" : replaced.Text();
+    }
+    if (!reason.empty()) {
+        static_cast<void>(PlatformHelpers::RemoveFile(written)); // logs a failure
+        return reason;
+    }
+    path = target;
+    m_written.push_back(target);
+    return {};
+}
+
+std::string UnpackFolder::FreeName(const std::string& name) {
+    const auto [given, isNew] = m_given.emplace(Folded(name), 2);
+    std::string candidate = name;
+    for (bool isFree = isNew; !isFree; isFree = m_given.emplace(Folded(candidate), 2).second) {
+        candidate = Numbered(name, given->second++);
+    }
+    return candidate;
+}
+
+std::string UnpackFolder::MakeFolders(const std::string& name) const {
+    if (!Target::EnsureFolder(m_folder)) {
+        return "Failed to create the folder";
+    }
+    for (std::size_t end = name.find_first_of("\\/"); end != std::string::npos;
+         end = name.find_first_of("\\/", end + 1)) {
+        const std::string folder = FolderPath::Join(m_folder, name.substr(0, end));
+        if (PathIdentity::IsLink(folder)) {
+            return "A link lies on the way";
+        }
+        PlatformHelpers::FileStatus status;
+        const bool isThere = PlatformHelpers::PathExists(folder);
+        if (isThere ? !PlatformHelpers::QueryFileStatus(folder, status) || !status.isFolder
+                    : !PlatformHelpers::EnsureFolderExists(folder).Succeeded()) {
+            return "Failed to create the folder";
+        }
+    }
+    return {};
+}
+
+// Empty if a file may be written there, in place of one that exists or not.
+std::string UnpackFolder::CheckTarget(const std::string& target, bool& exists) {
+    exists = PlatformHelpers::PathExists(target);
+    if (!exists) {
+        return {};
+    }
+    if (!m_mayReplace || IsOurs(target)) {
+        return "There is already a file of that name";
+    }
+    PlatformHelpers::FileStatus status;
+    if (!PathIdentity::IsLink(target) &&
+        (!PlatformHelpers::QueryFileStatus(target, status) || status.isFolder)) {
+        return "There is already a folder of that name";
+    }
+    return {};
+}
+
+// Files of this package whose names are one name to the system, such as Ä.log and ä.log, must not replace
+// each other. Asked only for existing targets; each file is looked at once.
+bool UnpackFolder::IsOurs(const std::string& target) {
+    for (const std::string& written : m_written) {
+        m_identities.insert(PathIdentity::IdentityOf(written));
+    }
+    m_written.clear();
+    const std::string identity = PathIdentity::IdentityOf(target);
+    return !identity.empty() && m_identities.contains(identity);
+}
