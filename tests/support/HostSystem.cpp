@@ -10,9 +10,9 @@ namespace TestSupport {
 
 namespace {
 
-// Runs Z:\bin\<name> in the folder and waits until it has done its work. False when there is no such program.
-// Wine makes no process of a program of its host, so there is none to wait for, and the handles that it gives
-// are made up: they may be those of a thread, and must not be closed.
+// Runs Z:\bin\<name> in the folder and polls until its work is done. False if there is no such program. The
+// handles that Wine returns for a program of its host are invalid: they can't be waited for and must not be
+// closed.
 bool RunOfHost(const std::wstring& name, const std::wstring& arguments, const std::filesystem::path& folder,
                const std::function<bool()>& isDone) {
     std::wstring command = name + L" " + arguments;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -11,8 +12,7 @@
 
 namespace TestSupport {
 
-// Collects every log entry while it lives, from all threads, then puts the callback it found back. One at a
-// time.
+// Collects the log entries of all threads while it lives. One at a time.
 class LogCapture {
 public:
     struct Entry {
@@ -49,12 +49,8 @@ public:
     std::vector<std::string> Errors() const { return Texts(Platform::ErrorLog); }
 
     bool Contains(std::wstring_view log, std::string_view text) const {
-        for (const std::string& entry : Texts(log)) {
-            if (entry == text) {
-                return true;
-            }
-        }
-        return false;
+        const std::vector<Entry> entries = Entries();
+        return std::ranges::find(entries, Entry{std::wstring(log), std::string(text)}) != entries.end();
     }
 
 private:

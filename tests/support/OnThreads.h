@@ -5,7 +5,7 @@
 
 namespace TestSupport {
 
-// Runs work(0), work(1) and so on, each on a thread of its own, and comes back when all of them have ended.
+// Runs work(0) to work(count - 1), each on a thread of its own, and waits for all of them.
 template <class Work>
 void OnThreads(int count, const Work& work) {
     std::vector<std::thread> threads;

@@ -14,20 +14,31 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchFolder.h"
 
-// A real application with real folders, whose processes a test configures, starts and looks at.
+// A real application with real folders, whose processes a test configures, starts and looks at. A test that
+// needs an application of its own class puts it into m_application first.
 class ProcessFixture : public testing::Test {
 protected:
-    // Makes processes as the makers and sections say; gives the first error that was logged, or nothing.
-    std::string Configure(const std::string& processes, const std::string& sections,
-                          const char* argument = "") {
-        const std::string config =
-            "-config=" +
-            m_scratch.MakeFile("agent.json", R"({"Application":{"Processes":{)" + processes +
-                                                 R"(},"Components":[],"ApplicationFolder":""},)" + sections +
-                                                 "}");
+    // Writes the configuration: the members of "Processes", further sections and the items of "Components".
+    void WriteConfiguration(const std::string& processes, const std::string& sections = "",
+                            const std::string& components = "") {
+        m_scratch.MakeFile("agent.json", R"({"Application":{"Processes":{)" + processes +
+                                             R"(},"Components":[)" + components +
+                                             R"(],"ApplicationFolder":""})" +
+                                             (sections.empty() ? "" : "," + sections) + "}");
+    }
+
+    ResultCode Initialize(const char* argument = "") {
+        const std::string config = "-config=" + m_scratch.PathOf("agent.json");
         const std::string folder = "-appFolder=" + m_scratch.PathOf("app");
         const char* argv[] = {"agent.exe", config.c_str(), folder.c_str(), argument};
-        EXPECT_TRUE(m_application->Initialize(4, argv));
+        return m_application->Initialize(4, argv);
+    }
+
+    // Both; returns the first error that was logged, or nothing.
+    std::string Configure(const std::string& processes, const std::string& sections,
+                          const char* argument = "") {
+        WriteConfiguration(processes, sections);
+        EXPECT_TRUE(Initialize(argument));
         const auto errors = m_log.Errors();
         return errors.empty() ? "" : errors.front();
     }
@@ -43,7 +54,7 @@ protected:
         m_application->GetProcess(process)->GetThread()->Join();
     }
 
-    // Looks again every few milliseconds, for at most ten seconds.
+    // Polls for at most ten seconds.
     [[nodiscard]] static bool Await(const std::function<bool()>& condition) {
         const auto end = std::chrono::steady_clock::now() + std::chrono::seconds(10);
         while (!condition()) {
@@ -55,7 +66,7 @@ protected:
         return true;
     }
 
-    // A path as it stands in JSON text.
+    // The path as JSON text.
     static std::string Quoted(const std::string& path) {
         std::string text = "\"";
         for (const char character : path) {
@@ -68,7 +79,7 @@ protected:
         ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(m_scratch.PathOf(name)));
     }
 
-    // A folder with a finished sentinel.
+    // Makes a folder whose sentinel is read-only; returns its path.
     std::string MakeComplete(const std::string& name, const std::string& header = "{}",
                              const std::string& sentinel = "header.json") const {
         m_scratch.MakeFile(name + "/" + sentinel, header);

@@ -9,8 +9,7 @@
 
 namespace TestSupport {
 
-// A fresh folder under the working directory, removed with all it holds, read-only files too. A stem with
-// letters outside ASCII makes every path in it such a one.
+// A new folder below the working directory, deleted at the end with all it holds. Names and paths are UTF-8.
 class ScratchFolder {
 public:
     explicit ScratchFolder(std::string_view stem = "scratch") {
@@ -23,7 +22,7 @@ public:
         }
     }
     ~ScratchFolder() {
-        std::error_code ignored; // what can't be removed shows up in the working directory
+        std::error_code ignored; // what can't be deleted can be seen in the working directory
         MakeWritable(m_folder);
         std::filesystem::remove_all(m_folder, ignored);
     }
@@ -32,18 +31,18 @@ public:
 
     const std::filesystem::path& Folder() const { return m_folder; }
 
-    // With forward slashes, which every wide call takes.
+    // With forward slashes.
     std::wstring Wide() const { return m_folder.generic_wstring(); }
 
-    // UTF-8, with a trailing separator.
+    // With a trailing separator.
     std::string Path() const { return ToUtf8(m_folder) + Separator; }
 
-    // UTF-8, without a trailing separator.
+    // Without a trailing separator.
     std::string PathOf(std::string_view name) const {
         return ToUtf8((m_folder / FromUtf8(name)).make_preferred());
     }
 
-    // Creates a folder with its parents in between; returns its path without a trailing separator.
+    // Makes a folder and those above it; returns its path without a trailing separator.
     std::string MakeFolder(std::string_view name) const {
         std::filesystem::create_directories(m_folder / FromUtf8(name));
         return PathOf(name);
@@ -57,7 +56,7 @@ public:
         return PathOf(name);
     }
 
-    // Everything in the file; empty when there is none.
+    // Empty if there is no such file.
     std::string ReadFile(std::string_view name) const {
         std::ifstream file(m_folder / FromUtf8(name), std::ios::binary);
         return {std::istreambuf_iterator<char>(file), {}};
