@@ -9,6 +9,8 @@
 // psapi.h needs windows.h first
 #include <psapi.h>
 
+#include "Tools/SampleGame/src/Files.h"
+
 namespace SampleGame {
 
 namespace {
@@ -30,14 +32,14 @@ const T* At(uint64_t base, uint64_t offset) {
 }
 
 void ReadCodeView(const CodeViewRecord& record, uint32_t size, Module& module) {
-    constexpr uint32_t rsds = 0x53445352;
-    if (size <= sizeof(record) || record.signature != rsds) {
+    constexpr uint32_t Rsds = 0x53445352;
+    if (size <= sizeof(record) || record.signature != Rsds) {
         return;
     }
     module.guid1 = record.guid1;
     module.guid2 = record.guid2;
     module.guid3 = record.guid3;
-    memcpy(module.guid4.data(), record.guid4, sizeof(record.guid4));
+    std::memcpy(module.guid4.data(), record.guid4, sizeof(record.guid4));
     module.age = record.age;
     const char* path = reinterpret_cast<const char*>(&record + 1);
     module.pdbPath.assign(path, strnlen(path, size - sizeof(record)));
@@ -52,7 +54,7 @@ void ReadDebugInformation(Module& module) {
     const IMAGE_DATA_DIRECTORY& directory =
         headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_DEBUG];
     const auto* entries = At<IMAGE_DEBUG_DIRECTORY>(module.base, directory.VirtualAddress);
-    for (size_t i = 0; i < directory.Size / sizeof(IMAGE_DEBUG_DIRECTORY); ++i) {
+    for (std::size_t i = 0; i < directory.Size / sizeof(IMAGE_DEBUG_DIRECTORY); ++i) {
         if (entries[i].Type == IMAGE_DEBUG_TYPE_CODEVIEW && entries[i].AddressOfRawData != 0) {
             ReadCodeView(*At<CodeViewRecord>(module.base, entries[i].AddressOfRawData), entries[i].SizeOfData,
                          module);
@@ -67,16 +69,16 @@ std::vector<Module> LoadedModules() {
     if (!EnumProcessModules(GetCurrentProcess(), handles, sizeof(handles), &bytes)) {
         return modules;
     }
-    const size_t count = (std::min)(static_cast<size_t>(bytes), sizeof(handles)) / sizeof(HMODULE);
-    for (size_t i = 0; i < count; ++i) {
-        char path[1024] = {};
+    const std::size_t count = std::min<std::size_t>(bytes, sizeof(handles)) / sizeof(HMODULE);
+    for (std::size_t i = 0; i < count; ++i) {
+        wchar_t path[1024] = {};
         MODULEINFO info = {};
-        if (GetModuleFileNameA(handles[i], path, sizeof(path)) == 0 ||
+        if (GetModuleFileNameW(handles[i], path, std::size(path)) == 0 ||
             !GetModuleInformation(GetCurrentProcess(), handles[i], &info, sizeof(info))) {
             continue;
         }
         Module module;
-        module.path = path;
+        module.path = Narrow(path);
         module.base = reinterpret_cast<uintptr_t>(info.lpBaseOfDll);
         module.size = info.SizeOfImage;
         ReadDebugInformation(module);
@@ -85,11 +87,11 @@ std::vector<Module> LoadedModules() {
     return modules;
 }
 
-// Unwinds a copy of the crashed thread's registers by the images' unwind tables.
+// Unwinds a copy of the crashed thread's registers with the images' unwind tables.
 std::vector<uint64_t> WalkStack(CONTEXT context) {
-    constexpr size_t maximumFrames = 128;
+    constexpr std::size_t MaximumFrames = 128;
     std::vector<uint64_t> frames;
-    while (context.Rip != 0 && frames.size() < maximumFrames) {
+    while (context.Rip != 0 && frames.size() < MaximumFrames) {
         frames.push_back(context.Rip);
         DWORD64 imageBase = 0;
         RUNTIME_FUNCTION* function = RtlLookupFunctionEntry(context.Rip, &imageBase, nullptr);
@@ -112,13 +114,15 @@ std::vector<uint64_t> WalkStack(CONTEXT context) {
 std::string DescribeException(const EXCEPTION_RECORD& record) {
     char text[160];
     if (record.ExceptionCode == EXCEPTION_ACCESS_VIOLATION && record.NumberParameters >= 2) {
-        snprintf(text, sizeof(text), "Access violation %s 0x%" PRIx64,
-                 record.ExceptionInformation[0] == 0 ? "reading" : "writing",
-                 static_cast<uint64_t>(record.ExceptionInformation[1]));
-    } else if (record.ExceptionCode == g_abortCode) {
-        snprintf(text, sizeof(text), "Abnormal program termination");
+        std::snprintf(text, sizeof(text), "Access violation %s 0x%" PRIx64,
+                      record.ExceptionInformation[0] == 0 ? "reading" : "writing",
+                      static_cast<uint64_t>(record.ExceptionInformation[1]));
+    } else if (record.ExceptionCode == EXCEPTION_STACK_OVERFLOW) {
+        std::snprintf(text, sizeof(text), "Stack overflow");
+    } else if (record.ExceptionCode == AbortCode) {
+        std::snprintf(text, sizeof(text), "Abnormal program termination");
     } else {
-        snprintf(text, sizeof(text), "Unhandled exception 0x%08lX", record.ExceptionCode);
+        std::snprintf(text, sizeof(text), "Unhandled exception 0x%08lX", record.ExceptionCode);
     }
     return text;
 }
@@ -137,11 +141,11 @@ std::string DescribeAddress(uint64_t address, const std::vector<Module>& modules
     char text[32];
     for (const Module& module : modules) {
         if (address >= module.base && address - module.base < module.size) {
-            snprintf(text, sizeof(text), "+0x%" PRIx64, address - module.base);
+            std::snprintf(text, sizeof(text), "+0x%" PRIx64, address - module.base);
             return module.path.substr(module.path.find_last_of("\\/") + 1) + text;
         }
     }
-    snprintf(text, sizeof(text), "0x%" PRIx64, address);
+    std::snprintf(text, sizeof(text), "0x%" PRIx64, address);
     return text;
 }
 

@@ -9,10 +9,10 @@ struct _EXCEPTION_POINTERS; // NOLINT(bugprone-reserved-identifier): the system'
 
 namespace SampleGame {
 
-// The code of the exception that abort() is turned into.
-constexpr uint32_t g_abortCode = 0xE0000001;
+// The code of the exception that the crash handler makes of abort().
+constexpr uint32_t AbortCode = 0xE0000001;
 
-// One loaded module, with what finds its debug information (zero and empty where the image names none).
+// One loaded module, with what identifies its debug information (zero and empty if the image names none).
 struct Module {
     std::string path;
     uint64_t base = 0;

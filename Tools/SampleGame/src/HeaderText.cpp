@@ -7,8 +7,8 @@ namespace SampleGame {
 
 namespace {
 
-constexpr uint32_t s_headerVersion = 1;
-constexpr uint32_t s_changelist = 4711;
+constexpr uint32_t HeaderVersion = 1;
+constexpr uint32_t Changelist = 4711;
 
 using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer>;
 
@@ -96,7 +96,7 @@ void Build(JsonWriter& json) {
     Number(json, "Rev", 0);
     Number(json, "Build", 0);
     json.EndObject();
-    Number(json, "Changelist", s_changelist);
+    Number(json, "Changelist", Changelist);
 }
 
 } // namespace
@@ -105,7 +105,7 @@ std::string HeaderText(const HeaderFields& fields, const CrashContext& crash) {
     rapidjson::StringBuffer buffer;
     JsonWriter json(buffer);
     json.StartObject();
-    Number(json, "HeaderVersion", s_headerVersion);
+    Number(json, "HeaderVersion", HeaderVersion);
     Text(json, "Host", fields.host);
     Text(json, "Time", fields.time);
     Text(json, "Application", "SampleGame");

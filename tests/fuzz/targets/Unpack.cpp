@@ -1,7 +1,7 @@
 // Unpacking a package, whatever it holds, writes into its folder only, and never more than the limit.
+#include "Tools/PackageTool/src/Unpack.h"
 #include "Libs/Framework/Core/src/PlatformHelpers_Inflate.h"
 #include "Libs/Processes/Core/src/PackageReader.h"
-#include "Tools/PackageTool/src/Unpack.h"
 #include "tests/fuzz/Fuzz.h"
 
 namespace fs = std::filesystem;
