@@ -12,7 +12,7 @@
 namespace {
 
 std::string PackageName(const std::string& configured) {
-    return configured.empty() ? "submission.pkg" : configured;
+    return configured.empty() ? DefaultName::Package : configured;
 }
 
 // The folder in which a process works: the configured one, or by default the one of that name in the
@@ -70,7 +70,7 @@ private:
         for (const auto& [name, packager] : m_sections.packagers) {
             const PackagerConfig& config = packager.config;
             CheckBlacklist(packager);
-            const std::string work = WithDefault(config.packageWorkFolder, "PackageTemp");
+            const std::string work = WithDefault(config.packageWorkFolder, DefaultName::PackageTemp);
             if (const auto [other, isNew] = workFolders.emplace(work, name); !isNew) {
                 m_report(packager.At("PackageWorkFolder"),
                          Quoted(name) + " and " + Quoted(other->second) + " share the work folder " + work);
@@ -169,7 +169,7 @@ private:
         const std::string folder = ComparableFolder(watcher->config.folder, FolderBase::ApplicationFolder);
         std::string packaged;
         for (const auto& [name, packager] : m_sections.packagers) {
-            packaged = WithDefault(packager.config.packagedFolder, "PackagedDumps");
+            packaged = WithDefault(packager.config.packagedFolder, DefaultName::PackagedDumps);
             if (packaged != folder) {
                 continue;
             }
@@ -190,16 +190,16 @@ private:
         std::set<std::string> dumps;
         std::set<std::string> packaged;
         for (const auto& [name, packager] : m_sections.packagers) {
-            packaged.insert(WithDefault(packager.config.packagedFolder, "PackagedDumps"));
+            packaged.insert(WithDefault(packager.config.packagedFolder, DefaultName::PackagedDumps));
             if (const auto watcher = m_sections.watchers.find(packager.config.watcherName);
                 watcher != m_sections.watchers.end()) {
                 dumps.insert(ComparableFolder(watcher->second.config.folder, FolderBase::ApplicationFolder));
             }
         }
         for (const auto& [name, quota] : m_sections.quotas) {
-            CheckQuotaFolder(dumps, WithDefault(quota.config.dumpsFolder, "dumps"), quota.At("DumpsFolder"),
-                             "the packager's submissions come from ");
-            CheckQuotaFolder(packaged, WithDefault(quota.config.packagedFolder, "packagedDumps"),
+            CheckQuotaFolder(dumps, WithDefault(quota.config.dumpsFolder, DefaultName::Dumps),
+                             quota.At("DumpsFolder"), "the packager's submissions come from ");
+            CheckQuotaFolder(packaged, WithDefault(quota.config.packagedFolder, DefaultName::PackagedQuota),
                              quota.At("PackagedFolder"), "the packager writes to ");
         }
     }

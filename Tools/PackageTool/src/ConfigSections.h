@@ -6,10 +6,7 @@
 
 #include "Libs/Framework/Core/src/ApplicationConfig.h"
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
-#include "Libs/Processes/Core/src/DiskQuotaConfig.h"
-#include "Libs/Processes/Core/src/PackagerConfig.h"
-#include "Libs/Processes/Core/src/ProcessMonitorConfig.h"
-#include "Libs/Processes/Core/src/WatcherConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 #include "Tools/PackageTool/src/ProcessClasses.h"

@@ -52,7 +52,7 @@ bool ReadPackagerConfig(const Arguments& arguments, PackagerConfig& config, Atta
         }
     }
     config.submissionFilename =
-        config.submissionFilename.empty() ? "submission.pkg" : config.submissionFilename;
+        config.submissionFilename.empty() ? DefaultName::Package : config.submissionFilename;
     return true;
 }
 

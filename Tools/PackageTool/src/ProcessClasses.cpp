@@ -3,10 +3,7 @@
 #include <algorithm>
 
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
-#include "Libs/Processes/Core/src/DiskQuotaConfig.h"
-#include "Libs/Processes/Core/src/PackagerConfig.h"
-#include "Libs/Processes/Core/src/ProcessMonitorConfig.h"
-#include "Libs/Processes/Core/src/WatcherConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 
 // As the agent registers them.
 std::span<const ProcessClass> ProcessClasses() {

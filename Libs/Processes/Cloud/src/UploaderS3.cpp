@@ -5,6 +5,7 @@
 
 #include "Libs/Processes/Cloud/src/CloudComponent.h"
 #include "Libs/Processes/Cloud/src/UploaderThreadS3.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
@@ -57,7 +58,7 @@ ResultCode UploaderS3::ReadConfig(const JsonDocument& config) {
         return result;
     }
     if (m_config.submissionFilename.empty()) {
-        m_config.submissionFilename = "submission.pkg";
+        m_config.submissionFilename = DefaultName::Package;
     }
     return Platform::Success;
 }

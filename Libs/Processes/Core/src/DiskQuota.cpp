@@ -14,10 +14,11 @@ ResultCode DiskQuota::Initialize(const JsonDocument& config, int, const char**) 
     if (const ResultCode result = ReadConfigSection(config, GetName(), m_config); !result) {
         return result;
     }
-    if (const ResultCode result = ResolveFolder(m_config.dumpsFolder, "dumps"); !result) {
+    if (const ResultCode result = ResolveFolder(m_config.dumpsFolder, DefaultName::Dumps); !result) {
         return result;
     }
-    if (const ResultCode result = ResolveFolder(m_config.packagedFolder, "packagedDumps"); !result) {
+    if (const ResultCode result = ResolveFolder(m_config.packagedFolder, DefaultName::PackagedQuota);
+        !result) {
         return result;
     }
     return OpenAreas();

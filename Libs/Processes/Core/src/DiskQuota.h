@@ -8,7 +8,7 @@
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Framework/Core/src/ReflectedProcess.h"
 #include "Libs/Processes/Core/src/AreaScan.h"
-#include "Libs/Processes/Core/src/DiskQuotaConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 
 // Keeps the dumps folder and the packaged folder each under its quota. A pass measures both, removes dump
 // folders that never became a submission in their grace time, and then of each area the oldest folders beyond

@@ -7,7 +7,7 @@
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/KnownFolders.h"
-#include "Libs/Processes/Core/src/WatcherConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // One pass over a watched folder: finds the sub-folders that are complete and not yet known. A sub-folder is

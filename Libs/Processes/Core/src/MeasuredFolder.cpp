@@ -4,12 +4,7 @@
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
-
-namespace {
-
-constexpr const char* MarkerFile = "header.json"; // of a valid submission
-
-} // namespace
+#include "Libs/Processes/Core/src/HeaderFile.h"
 
 ResultCode MeasuredFolder::SetPaths(std::string path, std::string pathOnDisk) {
     m_path = std::move(path);
@@ -75,7 +70,7 @@ ResultCode MeasuredFolder::List(uint64_t& size) {
     const std::string folder = FolderPath::Join(m_pathOnDisk, "");
     return PlatformHelpers::EnumerateFolder(folder, PlatformHelpers::EnumerateFiles,
                                             [&](const PlatformHelpers::PathInfo& file, bool&) {
-                                                m_isValid = m_isValid || file.name == MarkerFile;
+                                                m_isValid = m_isValid || file.name == HeaderFile::Name;
                                                 if (file.IsLink()) {
                                                     return ResultCode(Platform::Success);
                                                 }

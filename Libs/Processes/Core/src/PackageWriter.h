@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Libs/Processes/Core/src/PackagerConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // Bundles a prepared work folder into one package file. The same work folder always gives the same bytes.

@@ -21,7 +21,7 @@ ResultCode Packager::Initialize(const JsonDocument& config, int, const char**) {
         return result;
     }
     if (m_config.submissionFilename.empty()) {
-        m_config.submissionFilename = "submission.pkg";
+        m_config.submissionFilename = DefaultName::Package;
     }
     if (const ResultCode result = CompileBlacklist(); !result) {
         return result;
@@ -41,10 +41,10 @@ ResultCode Packager::Initialize(const JsonDocument& config, int, const char**) {
 }
 
 ResultCode Packager::PrepareFolders() {
-    if (!PrepareFolder(m_config.packagedFolder, "PackagedDumps", "").Succeeded()) {
+    if (!PrepareFolder(m_config.packagedFolder, DefaultName::PackagedDumps, "").Succeeded()) {
         return "Failed to create packaged dumps folder";
     }
-    if (!PrepareFolder(m_config.packageWorkFolder, "PackageTemp", " work").Succeeded()) {
+    if (!PrepareFolder(m_config.packageWorkFolder, DefaultName::PackageTemp, " work").Succeeded()) {
         return "Failed to create package work folder";
     }
     // Two texts for one folder must not make it look like a work folder that may go.

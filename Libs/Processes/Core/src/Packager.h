@@ -6,7 +6,7 @@
 
 #include "Libs/Framework/Core/src/ApplicationProcessBase.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
-#include "Libs/Processes/Core/src/PackagerConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Processes/Core/src/TaskData.h"
 
 // Takes complete submission folders from a watcher and turns each into a package in the packaged folder. A

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Libs/Framework/Core/src/ReflectedProcess.h"
-#include "Libs/Processes/Core/src/ProcessMonitorConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 
 // Ends the program when none of the watched programs has been seen for the whole shutdown delay, counted from
 // the first check that saw none. Owned by the application.

@@ -4,7 +4,7 @@
 
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
-#include "Libs/Processes/Core/src/PackagerConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 class AttachmentPacker;

@@ -8,7 +8,7 @@
 #include "Libs/Processes/Core/src/FolderScan.h"
 #include "Libs/Processes/Core/src/IWatcher.h"
 #include "Libs/Processes/Core/src/ListedFolder.h"
-#include "Libs/Processes/Core/src/WatcherConfig.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Processes/Core/src/WatcherMetrics.h"
 
 // Scans one folder for complete submission folders and hands each to its consumer once. The way of a folder:

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "Libs/Processes/Core/src/BugHeader.h"
+#include "Libs/Processes/Core/src/HeaderFile.h"
+#include "Libs/Processes/Core/src/SizeLimit.h"
+#include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
+
+// The sections of the configuration file that processes read, with their defaults. A key without a default
+// is required. A folder that is left empty is the one of the default name in the application's folder.
+
+namespace DefaultName {
+
+inline constexpr char Dumps[] = "dumps";
+inline constexpr char PackagedDumps[] = "PackagedDumps";
+inline constexpr char PackagedQuota[] = "packagedDumps"; // the same folder: letter case makes no difference
+inline constexpr char PackageTemp[] = "PackageTemp";
+inline constexpr char Package[] = "submission.pkg";
+
+} // namespace DefaultName
+
+struct WatcherConfig {
+    uint32_t timeBetweenChecks = 250; // milliseconds
+    std::string folder;               // required; relative to the application's folder
+    std::string sentinelFile = HeaderFile::Name;
+    std::string metricsCollectorName; // a process; empty for no metrics
+    int32_t maxFolderScans = -1;      // folders accepted in one scan; negative for no limit
+    bool ignoreReadOnlyFolders = false;
+    bool shutdownAfterCheck = false;
+};
+Reflection_DeclareType(WatcherConfig);
+
+struct PackagerConfig {
+    uint32_t timeBetweenChecks = 250; // milliseconds
+    std::vector<AttachmentLimit> attachmentLimits;
+    std::vector<std::string> attachmentBlacklist; // regular expressions
+    std::string watcherName;                      // required
+    std::string packagedFolder;
+    std::string packageWorkFolder;
+    std::string submissionFilename; // empty is DefaultName::Package
+    BugSource source = BugSource::External;
+};
+Reflection_DeclareType(PackagerConfig);
+
+struct DiskQuotaConfig {
+    uint32_t invalidGraceTime = 3600; // seconds
+    uint32_t timeBetweenChecks = 500; // milliseconds
+    std::string dumpsFolder;
+    uint64_t dumpsQuota = 512ULL << 20; // bytes
+    std::string packagedFolder;
+    uint64_t packagedQuota = 256ULL << 20; // bytes
+};
+Reflection_DeclareType(DiskQuotaConfig);
+
+struct ProcessMonitorConfig {
+    uint32_t timeBetweenChecks = 2500;            // milliseconds
+    uint32_t shutdownDelay = 30000;               // milliseconds that all watched programs must stay gone
+    std::vector<std::string> watchedApplications; // required; may be empty
+};
+Reflection_DeclareType(ProcessMonitorConfig);
