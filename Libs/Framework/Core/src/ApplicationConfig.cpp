@@ -1,5 +1,7 @@
 #include "Libs/Framework/Core/src/ApplicationConfig.h"
 
-Reflection_DefineType(ApplicationConfig, Reflection_Field(processes, "Processes"),
-                      Reflection_Field(components, "Components"),
-                      Reflection_Field(applicationFolder, "ApplicationFolder"));
+Reflection_DefineType(ApplicationConfig,
+                      Reflection_Field(processes, "Processes", Reflection::OptionalAttribute()),
+                      Reflection_Field(components, "Components", Reflection::OptionalAttribute()),
+                      Reflection_Field(applicationFolder, "ApplicationFolder",
+                                       Reflection::OptionalAttribute()));
