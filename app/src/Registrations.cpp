@@ -4,6 +4,7 @@
 #include "Libs/Processes/Cloud/src/UploaderS3.h"
 #include "Libs/Processes/Core/src/DiskQuota.h"
 #include "Libs/Processes/Core/src/Packager.h"
+#include "Libs/Processes/Core/src/ProcessClasses.h"
 #include "Libs/Processes/Core/src/ProcessMonitor.h"
 #include "Libs/Processes/Core/src/Shutdowner.h"
 #include "Libs/Processes/Core/src/SingletonAssurance.h"
@@ -16,16 +17,14 @@ struct Registrations {
     Registrations() {
         RegisterApplicationDisplayName("MorvaneCrashReporter");
 
-        FactoryInstance<IApplicationComponent>().RegisterMaker<CloudComponent>("CloudComponent");
-
+        auto& components = FactoryInstance<IApplicationComponent>();
         auto& processes = FactoryInstance<IApplicationProcess>();
-        processes.RegisterMaker<DiskQuota>("DiskQuota");
-        processes.RegisterMaker<Packager>("Packager");
-        processes.RegisterMaker<ProcessMonitor>("ProcessMonitor");
-        processes.RegisterMaker<Shutdowner>("Shutdowner");
-        processes.RegisterMaker<SingletonAssurance>("SingletonAssurance");
-        processes.RegisterMaker<UploaderS3>("UploaderS3");
-        processes.RegisterMaker<Watcher>("Watcher");
+#define REGISTER_COMPONENT(Class) components.RegisterMaker<Class>(#Class);
+#define REGISTER_PROCESS(Class, ...) processes.RegisterMaker<Class>(#Class);
+        MORVANE_COMPONENT_CLASSES(REGISTER_COMPONENT)
+        MORVANE_PROCESS_CLASSES(REGISTER_PROCESS, REGISTER_PROCESS)
+#undef REGISTER_COMPONENT
+#undef REGISTER_PROCESS
     }
 };
 

@@ -3,19 +3,16 @@
 #include <algorithm>
 
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
+#include "Libs/Processes/Core/src/ProcessClasses.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 
-// As the agent registers them.
+#define CLASS_WITH_SECTION(Class, Config) {#Class, &Reflection::TypeOf<Config>},
+#define CLASS_WITHOUT_SECTION(Class) {#Class, nullptr},
+#define COMPONENT_CLASS(Class) std::string_view(#Class),
+
 std::span<const ProcessClass> ProcessClasses() {
     static constexpr ProcessClass Classes[] = {
-        {"DiskQuota", &Reflection::TypeOf<DiskQuotaConfig>},
-        {"Packager", &Reflection::TypeOf<PackagerConfig>},
-        {"ProcessMonitor", &Reflection::TypeOf<ProcessMonitorConfig>},
-        {"Shutdowner", nullptr},
-        {"SingletonAssurance", nullptr},
-        {"UploaderS3", &Reflection::TypeOf<UploaderS3Config>},
-        {"Watcher", &Reflection::TypeOf<WatcherConfig>},
-    };
+        MORVANE_PROCESS_CLASSES(CLASS_WITH_SECTION, CLASS_WITHOUT_SECTION)};
     return Classes;
 }
 
@@ -27,6 +24,6 @@ const ProcessClass* FindProcessClass(std::string_view name) {
 }
 
 std::span<const std::string_view> ComponentClasses() {
-    static constexpr std::string_view Classes[] = {"CloudComponent"};
+    static constexpr std::string_view Classes[] = {MORVANE_COMPONENT_CLASSES(COMPONENT_CLASS)};
     return Classes;
 }
