@@ -105,9 +105,10 @@ const Plan<Function>& PlanCache<Function>::Get(const TypeDescriptor& type) {
             return *found->second;
         }
     }
-    const std::unique_lock lock(m_lock);
+    const std::lock_guard building(m_building);
     Builder builder(m_plans);
     const Plan<Function>* const plan = builder.PlanFor(type);
+    const std::unique_lock lock(m_lock);
     m_plans.merge(builder.Built());
     return *plan;
 }

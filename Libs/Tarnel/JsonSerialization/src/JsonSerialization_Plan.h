@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <map>
 #include <memory>
+#include <mutex>
 #include <string_view>
 #include <vector>
 
@@ -43,8 +44,9 @@ private:
     using PlanMap = std::map<String::GlobalID, std::unique_ptr<Plan<Function>>>;
     class Builder;
 
-    Platform::ReaderWriterLock m_lock;
-    PlanMap m_plans; // guarded by m_lock
+    std::mutex m_building;             // one builder at a time
+    Platform::ReaderWriterLock m_lock; // spins, so it is never held while a plan is built
+    PlanMap m_plans;                   // read under either lock, changed under both
 };
 
 extern template class PlanCache<Reflection::DeserializeFunction>;
