@@ -31,10 +31,9 @@ ResultCode LoadJsonConfig(const std::string& path, JsonDocument& document) {
         return result;
     }
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (!JsonSerialization::ParseText(text, document)) {
+    if (const auto parsed = JsonSerialization::ParseText(text, document); !parsed) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to parse file \"%s\" at position %u. %s", path.c_str(),
-                     static_cast<unsigned>(document.GetErrorOffset()),
-                     JsonSerialization::ParseErrorText(document));
+                     static_cast<unsigned>(parsed.offset), parsed.error);
         return "Failed to decode json header data!";
     }
     return Platform::Success;

@@ -65,9 +65,8 @@ std::string Lines(const ReportedConfig& report) {
 
 std::vector<ConfigProblem> CheckConfig(std::string_view text) {
     JsonDocument document;
-    if (!JsonSerialization::ParseText(text, document)) {
-        return WithPositions(text,
-                             {{document.GetErrorOffset(), JsonSerialization::ParseErrorText(document)}});
+    if (const auto parsed = JsonSerialization::ParseText(text, document); !parsed) {
+        return WithPositions(text, {{parsed.offset, parsed.error}});
     }
     const JsonPositions positions(text, document);
     ProblemsByOffset found;

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <vector>
 
-#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_TextStream.h"
-
 namespace {
 
 // Finds the starts of names and values in a text that is known to be JSON.

@@ -1,32 +1,21 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdlib>
 #include <new>
 #include <string>
 #include <string_view>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-namespace JsonSerialization {
-
-// A check of the JSON library failed: someone misused a value. Reports it as a library assertion and goes on.
-void ReportMisuse(const char* expression, const char* file, int line, bool* ignoreAlways);
-
-} // namespace JsonSerialization
-
-// The one place where the JSON library is configured; no other header includes it. The checks stand in its
-// innermost loops, so what they do on failure is kept out of line.
-#define RAPIDJSON_ASSERT(condition)                                                             \
-    do {                                                                                        \
-        if (!(condition)) [[unlikely]] {                                                        \
-            static bool s_ignoreAlways = false;                                                 \
-            ::JsonSerialization::ReportMisuse(#condition, __FILE__, __LINE__, &s_ignoreAlways); \
-        }                                                                                       \
-    } while (false)
+// The one place where the JSON library is configured; no other header includes it. A value that is misused is
+// a library assertion, after which the program goes on.
+#define RAPIDJSON_ASSERT(condition) PLATFORM_ASSERT(condition)
 
 #if defined(__GNUC__)
 #pragma GCC diagnostic push
-#if !defined(__clang__) // which does not know it
+#if !defined(__clang__) // does not know this warning
 #pragma GCC diagnostic ignored "-Wclass-memaccess"
 #endif
 #pragma GCC diagnostic ignored "-Wimplicit-fallthrough"
@@ -38,8 +27,8 @@ void ReportMisuse(const char* expression, const char* file, int line, bool* igno
 
 namespace JsonSerialization {
 
-// The JSON library writes through a null block; a throwing heap keeps it from that. Every function below and
-// every reader and writer turns the exception into a failure.
+// The JSON library does not check what its allocator returns, so this one throws std::bad_alloc. The
+// functions below and the serializer turn the exception into a failure.
 class ThrowingAllocator {
 public:
     static constexpr bool kNeedFree = true;
@@ -73,14 +62,21 @@ using JsonValue = JsonDocument::ValueType;
 
 namespace JsonSerialization {
 
-// Any bytes are safe to parse, however deep they nest. False when they are not one JSON text in UTF-8; then
-// ParseErrorText and document.GetErrorOffset() (in bytes) say why. A leading byte order mark is skipped.
-[[nodiscard]] bool ParseText(std::string_view text, JsonDocument& document);
+inline constexpr std::string_view ByteOrderMark = "\xEF\xBB\xBF"; // as Windows editors write it
 
-// English. Of a document that ParseText refused.
-const char* ParseErrorText(const JsonDocument& document);
+struct [[nodiscard]] ParseResult {
+    const char* error = nullptr; // an English sentence; null if the text was parsed
+    std::size_t offset = 0;      // of the error, in bytes
 
-// The compact form: no blanks, no line breaks, members in their order. Replaces text.
+    explicit operator bool() const { return !error; }
+};
+
+// Parses one JSON text in UTF-8 of at most 128 MiB, with or without a byte order mark. Any bytes are safe to
+// parse, however deep they nest. Numbers that a double can't hold and escaped halves of surrogate pairs are
+// refused. The document owns a copy of the text, which its strings point into; after an error it is null.
+ParseResult ParseText(std::string_view text, JsonDocument& document);
+
+// Replaces text by the compact form: no blanks or line breaks, members in the document's order.
 ResultCode WriteText(const JsonDocument& document, std::string& text);
 
 } // namespace JsonSerialization
