@@ -1,14 +1,20 @@
 #!/usr/bin/env bash
-# Sets the machine up, builds, and runs every test: on the sources, natively with sanitizers, with inputs that a fuzzer
-# makes, under Wine, end to end.
-# A second run builds only what changed and needs no network. Exit code 0 only when everything passed.
+# Sets the machine up, builds, and runs every test. A second run builds only what changed and needs no network. Exit code 0
+# only if everything passed.
 #
-#   ./test.sh [STEP...]    steps: source native threads fuzz release debug e2e (default: all, in this order)
+#   ./test.sh [STEP...]    all steps, in this order, without names
+#
+#   source    rules of the sources that a machine can check
+#   native    unit tests of what needs no Windows, with address and undefined-behaviour sanitizers
+#   threads   those of the modules that share state between threads, with the thread sanitizer
+#   fuzz      each fuzz target for some seconds
+#   debug     the other unit tests under Wine, with the library's checks and undefined behaviour trapped
+#   e2e       the executable as it ships, under Wine, against a real store
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
 steps=("$@")
-[ $# -gt 0 ] || steps=(source native threads fuzz release debug e2e)
+[ $# -gt 0 ] || steps=(source native threads fuzz debug e2e)
 passed=0
 failed=()
 
@@ -31,20 +37,16 @@ build() { # preset [option of the build]...
     cmake --build --preset "$1" "${@:2}"
 }
 
-unit_tests() { # preset
-    build "$1" || return
-    if [ "$1" = native ]; then
-        ctest --preset native -j "$(nproc)"
-    else
-        # Now and then a program dies at its start under Wine, before its first test and without a word. A
-        # second try tells that from a fault of ours; the output shows both.
-        with_wine ctest --preset "$1" -j "$(nproc)" --repeat until-pass:2
-    fi
+native_tests() {
+    build native && ctest --preset native -j "$(nproc)"
 }
 
-# Of the modules that share state between threads, under the thread sanitizer. Its runtime of this compiler can't live with
-# all the address randomisation of newer kernels, so it is switched off for the tests alone. Where a machine forbids that
-# (some containers do), the tests run without, and fail where the kernel's randomisation is too much for them.
+tests_under_wine() {
+    build debug --target unit_tests && with_wine ctest --preset debug -LE portable -j "$(nproc)"
+}
+
+# The thread sanitizer of this compiler fails with the address randomisation of newer kernels, so these tests run without
+# it. If the machine forbids that, as some containers do, they run with it and may fail.
 thread_tests() {
     local tests=(PlatformTest PlatformLogLimitTest StringTest ReflectionTest JsonSerializationTest) unrandomised=(setarch -R)
     if ! setarch -R true; then
@@ -55,8 +57,8 @@ thread_tests() {
     "${unrandomised[@]}" ctest --preset threads -R "^($(IFS='|' && echo "${tests[*]}"))\$"
 }
 
-# The first program under Wine starts its services, which inherit that program's outputs and keep them open until the
-# last program ends. So the first one is no test: CTest would wait for it as long as any other test runs.
+# The first program under Wine starts Wine's services, which keep that program's outputs open until the last program ends.
+# So the first one is not a test, for which CTest would wait that long.
 with_wine() { # command...
     local result=0
     export WINEPREFIX=${WINEPREFIX:-$PWD/build/wine}
@@ -68,16 +70,19 @@ with_wine() { # command...
 }
 
 end_to_end() {
-    build release && build native --target PackageTool && /usr/bin/python3 -m pytest -q -ra --durations=8 tests/e2e
+    build release --target MorvaneCrashReporter PackageTool SampleGame AssertDialogProbe ObjectStoreProbe WindowReader &&
+        build native --target PackageTool &&
+        /usr/bin/python3 -m pytest -q -ra -n 2 --dist loadfile --durations=8 tests/e2e
 }
 
 scripts/setup.sh
 for name in "${steps[@]}"; do
     case $name in
     source) step source scripts/check-source.sh ;;
-    native | release | debug) step "$name" unit_tests "$name" ;;
+    native) step native native_tests ;;
     threads) step threads thread_tests ;;
-    fuzz) step fuzz scripts/fuzz.sh --seconds 8 ;;
+    fuzz) step fuzz scripts/fuzz.sh --seconds 4 ;;
+    debug) step debug tests_under_wine ;;
     e2e) step e2e end_to_end ;;
     *) echo "test.sh: unknown step $name" >&2 && exit 2 ;;
     esac

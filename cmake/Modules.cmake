@@ -73,16 +73,28 @@ else()
     add_library(gtest_main ALIAS GTest::gtest_main)
 endif()
 
-# morvane_test(NAME SOURCES file... [NEEDS target...]): one test program, run by CTest within its time limit.
+# Every test program; of a cross build only those that test.sh runs under Wine.
+add_custom_target(unit_tests)
+
+# morvane_test(NAME [PORTABLE] SOURCES file... [NEEDS target...]): one test program, run by CTest within its time limit.
+# A PORTABLE one makes no call of the system, so test.sh runs it natively, with sanitizers, and not under Wine.
 function(morvane_test name)
-    cmake_parse_arguments(arg "" "" "SOURCES;NEEDS" ${ARGN})
+    cmake_parse_arguments(arg "PORTABLE" "" "SOURCES;NEEDS" ${ARGN})
     add_executable(${name} ${arg_SOURCES})
+    if(NOT (arg_PORTABLE AND CMAKE_CROSSCOMPILING))
+        add_dependencies(unit_tests ${name})
+    endif()
     target_link_libraries(${name} PRIVATE morvane_options ${arg_NEEDS} gtest gtest_main)
     if(WIN32)
         # Narrow calls speak UTF-8 in the tests as they do in the agent.
         target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/TestProgram.rc)
         target_link_libraries(${name} PRIVATE test_support)
     endif()
-    add_test(NAME ${name} COMMAND ${name} --gtest_brief=1 WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
-    set_tests_properties(${name} PROPERTIES TIMEOUT 120)
+    if(CMAKE_CROSSCOMPILING)
+        set(command ${CMAKE_SOURCE_DIR}/scripts/run-wine-test.sh $<TARGET_FILE:${name}>)
+    else()
+        set(command ${name})
+    endif()
+    add_test(NAME ${name} COMMAND ${command} WORKING_DIRECTORY ${CMAKE_BINARY_DIR})
+    set_tests_properties(${name} PROPERTIES TIMEOUT 120 LABELS "$<$<BOOL:${arg_PORTABLE}>:portable>")
 endfunction()

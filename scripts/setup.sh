@@ -43,6 +43,7 @@ packages=(
     fonts-wqy-microhei=0.2.0            # Chinese, Japanese, Korean
     python3=3.11.                       # end-to-end tests and the local store
     python3-pytest=7.2.1
+    python3-pytest-xdist=3.1.0
     python3-swift=2.30.1
     openssl=3.0.                        # the store's test certificates
     mount=2.38.                         # the test of the default endpoint, in a file system of its own

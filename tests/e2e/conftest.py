@@ -1,4 +1,8 @@
-"""Fixtures of the end-to-end tests: one store for all, and for each test a bucket, a scratch folder and a limit."""
+"""Fixtures of the end-to-end tests: one store for all, and for each test a bucket, a scratch folder and a limit.
+
+With several workers (pytest -n) each has a prefix, a display, a store and scratch folders of its own.
+"""
+import os
 import re
 import shutil
 import signal
@@ -12,6 +16,9 @@ from display import Display
 from store.client import Store
 
 USUAL_LIMIT = 60
+
+wine.SCRATCH /= os.environ.get("PYTEST_XDIST_WORKER", "")
+wine.PREFIX = wine.SCRATCH / "wine"
 
 
 @pytest.fixture(scope="session", autouse=True)
