@@ -1,16 +1,17 @@
-"""What the shipped programs are made of: exports, hardening, what they need, version."""
+"""The shipped files: exports, hardening, the libraries they need, version and texts."""
 import re
 import subprocess
 
 import pytest
 
 from agent import EXECUTABLE
+from permission_texts import TEXTS, YES_TO_ALL
 from wine import BIN
 
 EXPORTS = {"EXP_SetLogRoot", "EXP_GetLogPath", "EXP_SetLogEventCallback", "EXP_GetLogEventCallback",
            "EXP_GetAssertState", "EXP_GetBugState", "EXP_GetStringPalette", "EXP_GetEmptyBasicString",
            "EXP_GetTempHeap"}
-# Parts of every Windows 10 and 11.
+# In every Windows 10 and 11.
 SYSTEM_LIBRARIES = {"advapi32.dll", "bcrypt.dll", "gdi32.dll", "kernel32.dll", "msvcrt.dll", "normaliz.dll", "ntdll.dll",
                     "ole32.dll", "psapi.dll", "shell32.dll", "shlwapi.dll", "ucrtbase.dll", "user32.dll",
                     "version.dll", "winhttp.dll", "ws2_32.dll"}
@@ -42,7 +43,7 @@ def test_needs_nothing_but_the_system(program):
     assert needed and needed <= SYSTEM_LIBRARIES
 
 
-def test_carries_its_version():
+def test_carries_its_version_and_the_text_that_no_dialog_shows():
     content = EXECUTABLE.read_bytes()
-    assert content.count("FileVersion".encode("utf-16-le")) == 1
-    assert "1.0.0.0 (1)".encode("utf-16-le") in content
+    for text in ["1.0.0.0 (1)", *(texts[YES_TO_ALL] for texts in TEXTS.values())]:
+        assert text.encode("utf-16-le") in content
