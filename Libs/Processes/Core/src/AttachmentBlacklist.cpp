@@ -1,26 +1,42 @@
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <exception>
+#include <string_view>
 
 namespace {
 
-// The library adds up the number of a repeat or of a back-reference without a look at its size.
-bool HasHugeNumber(const std::string& pattern) {
-    constexpr std::ptrdiff_t MaxDigits = 9;
-    const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-    for (auto at = pattern.begin(); at != pattern.end(); ++at) {
-        if ((*at == '{' || *at == ',' || *at == '\\') &&
-            std::find_if_not(at + 1, pattern.end(), isDigit) - at > MaxDigits + 1) {
-            return true;
+// The compiler of expressions adds up the number of a repeat, {2,5}, or of a back-reference, \1, without a
+// check for overflow. Digits anywhere else are just text.
+bool HasHugeNumber(std::string_view pattern) {
+    constexpr std::size_t MaxDigits = 9;
+    const auto isHugeAt = [&](std::size_t at) {
+        return std::min(pattern.find_first_not_of("0123456789", at), pattern.size()) - at > MaxDigits;
+    };
+    bool isInBrackets = false;
+    for (std::size_t at = 0; at < pattern.size(); ++at) {
+        const char character = pattern[at];
+        if (character == '\\') {
+            ++at;
+            if (!isInBrackets && at < pattern.size() && pattern[at] != '0' && isHugeAt(at)) {
+                return true;
+            }
+        } else if (character == '[' || character == ']') {
+            isInBrackets = character == '[';
+        } else if (character == '{' && !isInBrackets) {
+            const std::size_t comma = pattern.find_first_not_of("0123456789", at + 1);
+            if (isHugeAt(at + 1) || (comma != pattern.npos && pattern[comma] == ',' && isHugeAt(comma + 1))) {
+                return true;
+            }
         }
     }
     return false;
 }
 
-// Names are hostile: a search that tries one way after the other takes time without end for some names and
-// harmless expressions, such as (a+a+)+b. One library can follow all ways at once, if there are no
-// back-references; the other ones bound the search by themselves.
+// Names are hostile: a backtracking search never ends for some names and harmless expressions, such as
+// (a+a+)+b. libstdc++ can search without backtracking if there are no back-references; other libraries limit
+// the search themselves.
 std::regex CompileOne(const std::string& pattern) {
 #if defined(__GLIBCXX__)
     try {

@@ -8,10 +8,10 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // The expressions that keep attachments out of packages. Compiled once on the main thread; any thread may
-// judge afterwards.
+// call Judge afterwards.
 class AttachmentBlacklist {
 public:
-    // In bytes of UTF-8. Reading an expression needs stack for each of its levels.
+    // In bytes of UTF-8. Compiling an expression needs stack for each level of nesting.
     static constexpr std::size_t MaxPatternLength = 1000;
 
     // Why a pattern was refused.
@@ -20,16 +20,16 @@ public:
         std::string message;
     };
 
-    // Replaces the list. Patterns are in the default grammar of std::regex and compare case-sensitively.
-    // Stops at the first pattern that is none, which bad then tells.
+    // Replaces the list. Patterns are in the default grammar of std::regex and case-sensitive. Stops at the
+    // first invalid pattern and describes it in bad.
     ResultCode Compile(const std::vector<std::string>& patterns, BadPattern& bad);
 
-    // Unknown: the search gave up on this name; what cannot be checked must not be sent.
+    // Unknown: the search failed on this name; what cannot be checked must not be sent.
     enum class Verdict { Allowed, Listed, Unknown };
 
-    // Listed when any expression is found anywhere in the name. What the search takes of time and stack is in
-    // bounds that the expression sets and not the name; only an expression with back-references can take time
-    // without end, and about a kilobyte of stack for each byte of the name.
+    // Listed if any expression is found anywhere in the name. Time and stack depend on the expression and
+    // grow at most linearly with the name; only an expression with back-references can search forever, and
+    // needs about a kilobyte of stack for each byte of the name.
     Verdict Judge(const std::string& name) const;
 
 private:
