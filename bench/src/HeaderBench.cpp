@@ -2,7 +2,7 @@
 #include <functional>
 #include <string>
 
-#include "Libs/Processes/Core/src/HeaderFile.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "bench/src/Bench.h"
 #include "bench/src/HeaderText.h"
 

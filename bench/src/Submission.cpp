@@ -5,7 +5,7 @@
 #include <cstring>
 #include <span>
 
-#include "Libs/Processes/Core/src/HeaderFile.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "bench/src/Bench.h"
 

@@ -5,8 +5,8 @@
 
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 
 namespace {

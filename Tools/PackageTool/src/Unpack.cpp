@@ -5,8 +5,8 @@
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/AttachmentName.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Libs/Processes/Core/src/PathIdentity.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_RawFile.h"

@@ -1,7 +1,5 @@
 // A header that was read can be written, and what was written reads as the same header.
-#include "Libs/Processes/Core/src/CatalogOrder.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
-#include "Libs/Processes/Core/src/InstanceKey.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 #include "tests/fuzz/Fuzz.h"
 
@@ -28,9 +26,9 @@ void FuzzOne(std::span<const uint8_t> input) {
     FUZZ_REQUIRE(Written(again) == text);
 
     std::string names;
-    for (const Attachment* const file : FilesInPackageOrder(header.catalog)) {
+    for (const Attachment* const file : header.catalog.FilesInPackageOrder()) {
         FUZZ_REQUIRE(!file->file.empty());
         names += file->file + "\n";
     }
-    FUZZ_REQUIRE(names.find(DeriveInstanceKey(header.catalog)) != std::string::npos);
+    FUZZ_REQUIRE(names.find(header.catalog.DeriveInstanceKey()) != std::string::npos);
 }

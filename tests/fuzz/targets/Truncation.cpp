@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "Libs/Processes/Core/src/Truncation.h"
+#include "Libs/Processes/Core/src/AttachmentLimit.h"
 #include "tests/fuzz/Fuzz.h"
 
 namespace {

@@ -3,8 +3,8 @@
 #include <string>
 #include <vector>
 
+#include "Libs/Processes/Core/src/AttachmentLimit.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
-#include "Libs/Processes/Core/src/SizeLimit.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // Brings the files of one submission from its folder into its work folder, each in the form in which the

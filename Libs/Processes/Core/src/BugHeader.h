@@ -2,12 +2,14 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
 // The crash header, header.json: plain records that the game writes, the packager completes and the package
-// carries. The keys stand in BugHeader.cpp, in the order in which they are written.
+// carries. The keys are in BugHeader.cpp, in the order in which they are written.
 
 // Where a crash comes from.
 enum class BugSource : uint32_t { Unknown = 0, Internal = 1, External = 2 };
@@ -24,6 +26,14 @@ struct Catalog {
     Attachment dump;
     Attachment log;
     std::vector<Attachment> attachments; // in the order of packaging
+
+    // The files in the order in which a package holds them: the log comes before the dump, although the
+    // header has them the other way round. Records without a file are left out. Points into the catalog.
+    std::vector<const Attachment*> FilesInPackageOrder() const;
+
+    // The text before the last "_Minidump.dmp", or else the last ".dmp", of the dump's name. Without a dump,
+    // of the first attachment whose name has such an ending. Empty if there is none.
+    std::string DeriveInstanceKey() const;
 };
 Reflection_DeclareType(Catalog);
 
@@ -84,3 +94,22 @@ struct BugHeader {
     uint32_t changelist = 0;
 };
 Reflection_DeclareType(BugHeader);
+
+// The header's file, in a submission folder and in a work folder.
+namespace HeaderFile {
+
+inline constexpr char Name[] = "header.json";
+
+// The header's records from the file's text. After a failure the header may be partly filled.
+ResultCode Parse(std::string_view text, BugHeader& header);
+
+// The same from the file in the folder, whose trailing separator may be missing.
+ResultCode Read(const std::string& folder, BugHeader& header);
+
+// Compact JSON, in the order of the declaration; replaces an existing header.
+ResultCode Write(const std::string& folder, const BugHeader& header);
+
+// The file's bytes, unparsed.
+ResultCode ReadRaw(const std::string& folder, std::vector<uint8_t>& bytes);
+
+} // namespace HeaderFile

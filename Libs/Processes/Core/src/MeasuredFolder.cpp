@@ -4,7 +4,7 @@
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 
 ResultCode MeasuredFolder::SetPaths(std::string path, std::string pathOnDisk) {
     m_path = std::move(path);

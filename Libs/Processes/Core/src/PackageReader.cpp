@@ -5,8 +5,7 @@
 #include <utility>
 
 #include "Libs/Processes/Core/src/AttachmentName.h"
-#include "Libs/Processes/Core/src/CatalogOrder.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
 
@@ -121,7 +120,7 @@ bool PackageReader::ReadEntry(std::size_t offset) {
 }
 
 void PackageReader::NameEntries() {
-    const std::vector<const Attachment*> files = FilesInPackageOrder(m_header.catalog);
+    const std::vector<const Attachment*> files = m_header.catalog.FilesInPackageOrder();
     if (files.size() != m_entries.size()) {
         Report(PrefixSize, "The header's catalog names " + Count(files.size(), "files") +
                                ", but the package holds " + Count(m_entries.size(), "entries"));

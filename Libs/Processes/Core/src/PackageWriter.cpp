@@ -1,9 +1,8 @@
 #include "Libs/Processes/Core/src/PackageWriter.h"
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Processes/Core/src/CatalogOrder.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
@@ -12,7 +11,7 @@ namespace {
 
 std::vector<std::string> EntryPaths(const Catalog& catalog, const std::string& workFolder) {
     std::vector<std::string> paths;
-    for (const Attachment* attachment : FilesInPackageOrder(catalog)) {
+    for (const Attachment* attachment : catalog.FilesInPackageOrder()) {
         paths.push_back(FolderPath::Join(workFolder, attachment->file + ".gz"));
     }
     return paths;

@@ -4,9 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "Libs/Processes/Core/src/AttachmentLimit.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
-#include "Libs/Processes/Core/src/SizeLimit.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
 // The sections of the configuration file that processes read, with their defaults. A key without a default

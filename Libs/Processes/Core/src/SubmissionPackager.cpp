@@ -3,9 +3,8 @@
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/AttachmentName.h"
 #include "Libs/Processes/Core/src/AttachmentPacker.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
-#include "Libs/Processes/Core/src/InstanceKey.h"
 #include "Libs/Processes/Core/src/PathIdentity.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
@@ -54,7 +53,7 @@ ResultCode SubmissionPackager::Prepare(const std::string& submissionFolder, std:
     PackCatalog(AttachmentPacker(submissionFolder, workFolder, m_config.attachmentLimits), header.catalog);
     header.source = m_config.source;
     if (header.instanceKey.empty()) {
-        header.instanceKey = DeriveInstanceKey(header.catalog);
+        header.instanceKey = header.catalog.DeriveInstanceKey();
     }
     if (const ResultCode result = HeaderFile::Write(workFolder, header); !result) {
         return result;

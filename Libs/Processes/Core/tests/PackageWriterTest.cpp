@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Processes/Core/src/HeaderFile.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/tests/PackageReader.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchFolder.h"

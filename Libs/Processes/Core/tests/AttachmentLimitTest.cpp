@@ -1,0 +1,86 @@
+#include "Libs/Processes/Core/src/AttachmentLimit.h"
+
+#include <gtest/gtest.h>
+
+#include "tests/support/AssertCapture.h"
+
+namespace {
+
+std::string Truncated(const std::vector<AttachmentLimit>& limits, const std::string& content) {
+    std::vector<uint8_t> bytes(content.begin(), content.end());
+    TruncateToSizeLimit(limits, "a.txt", bytes);
+    return {bytes.begin(), bytes.end()};
+}
+
+std::string Counting(std::size_t size) {
+    std::string text;
+    while (text.size() < size) {
+        text += std::to_string(text.size()) + " ";
+    }
+    text.resize(size);
+    return text;
+}
+
+} // namespace
+
+TEST(AttachmentLimit, AnyLimitThatEndsTheNameCounts) {
+    const std::vector<AttachmentLimit> limits = {{".txt", 1000}, {".TXT", 10}, {"log", 5}};
+    const struct {
+        const char* file;
+        uint64_t size;
+        bool isOver;
+    } rows[] = {{"a.txt", 10, false},  {"a.txt", 11, true},        {"A.Txt", 11, true},
+                {"game.log", 6, true}, {"catalog", 6, true},       {"log", 6, true},
+                {"og", 6, false},      {"a.txt.bak", 5000, false}, {"", UINT64_MAX, false}};
+    for (const auto& row : rows) {
+        EXPECT_EQ(IsAttachmentOverSizeLimit(limits, row.file, row.size), row.isOver) << row.file << row.size;
+    }
+}
+
+TEST(AttachmentLimit, CutIsHalvedInSinglePrecision) {
+    const struct {
+        uint64_t size, limit, begin, end;
+    } rows[] = {
+        {1001, 600, 300, 700}, // 401 and 1001: both halves lose their fraction
+        {1000, 599, 300, 700},
+        {3, 0, 0, 2}, // the last byte stays
+        {1, 0, 0, 0}, // half of one is nothing
+        {1000, 999, 500, 500},
+        {16777217, 0, 0, 16777216},             // 2^24 + 1 is not a float: rounds down to even
+        {16777219, 0, 0, 16777219},             // rounds up to 2^24 + 4: the cut would pass the end
+        {16777219, 16777209, 8388605, 8388615}, // the middle moves, the excess of ten does not
+        {5000000001, 1000000000, 500000000, 4500000000},
+        {UINT64_MAX, 1, 0, UINT64_MAX},
+    };
+    for (const auto& row : rows) {
+        const TruncationCut cut = ComputeTruncationCut(row.size, row.limit);
+        EXPECT_EQ(cut.begin, row.begin) << row.size << " to " << row.limit;
+        EXPECT_EQ(cut.end, row.end) << row.size << " to " << row.limit;
+    }
+}
+
+TEST(AttachmentLimit, BothEndsStayAroundTheBanner) {
+    const struct {
+        std::size_t size, limit, begin, end;
+    } rows[] = {{1000, 600, 300, 700}, // the banner is shorter than the cut
+                {1000, 950, 475, 525}, // the banner is longer than the cut
+                {1000, 999, 500, 500},
+                {4, 0, 0, 4},
+                {1, 0, 0, 0}};
+    for (const auto& row : rows) {
+        const std::string sizes = std::to_string(row.size) + " to " + std::to_string(row.limit);
+        const std::string whole = Counting(row.size);
+        EXPECT_EQ(Truncated({{".log", 1}, {".txt", row.limit}, {".txt", 0}}, whole),
+                  whole.substr(0, row.begin) + "\n\n<<<<<<<<<<  truncated file size from " + sizes +
+                      " during bug submission >>>>>>>>>>\n\n" + whole.substr(row.end));
+    }
+}
+
+TEST(AttachmentLimit, AFileUnderItsFirstLimitStaysWhole) {
+    AssertCapture asserts;
+    EXPECT_EQ(Truncated({{".txt", 1000}, {".TXT", 10}}, Counting(500)), Counting(500));
+    EXPECT_EQ(Truncated({{".log", 10}}, ""), "");
+    ASSERT_EQ(asserts.Failures().size(), 4u);
+    EXPECT_EQ(asserts.Failures()[0].expression, "fileSize > maxFileSize");
+    EXPECT_EQ(asserts.Failures()[1].expression, "IsAttachmentOverSizeLimit(file, attBytes.size())");
+}
