@@ -1,6 +1,9 @@
 """Every fault of the configuration file gives its text; only some of them stop the program."""
+import json
+
 import pytest
 
+from submissions import write_small
 from wine import windows_path
 
 BRACKETS = 500_000
@@ -46,6 +49,9 @@ FAULTY_PROCESSES = {
                "Field not found in json"),
     "C no watcher": ("UploaderS3", {"WatcherName": "none", "BucketName": "b", "AccessKey": "k", "SecretKey": "s"},
                      "No watcher process to provide submissions for uploader"),
+    "C unknown key": ("UploaderS3", {"WatcherName": "PackageWatcher", "BucketName": "b", "AccessKey": "k",
+                                     "SecretKey": "s", "askpermission": True},
+                      "configuration section has an unknown key"),
     "D no section": ("ProcessMonitor", None, "configuration section not found"),
 }
 
@@ -61,3 +67,30 @@ def test_a_fault_of_one_process_drops_that_process(site):
     for name, (_, _, error) in FAULTY_PROCESSES.items():
         assert f" Failed to initialize process {name}, Error: {error}\r\n" in agent.stderr.decode()
     assert ' Invalid regular expression "(" in black list for Packager "B regex". Message="' in agent.text
+    assert ' Unknown key "askpermission" in section "C unknown key", did you mean "AskPermission"?\r\n' in agent.text
+
+
+@pytest.mark.parametrize("key", ["PackagedFolder", "PackageWorkFolder"])
+def test_a_packager_does_not_start_that_would_delete_what_nobody_sent(site, key):
+    write_small(site.dumps, "unsent")
+    site.configuration["Packager"][key] = windows_path(site.dumps.parent / "elsewhere" / ".." / "DUMPS")
+    with site.start() as agent:
+        assert agent.wait() == 0
+    assert (f" Failed post initialize step for process Packager, Error: {key} is the folder that the packager's"
+            " watcher watches\r\n") in agent.text
+    assert site.waiting_dumps()
+
+
+def test_what_is_suspicious_is_reported_and_does_no_harm(site, bucket):
+    write_small(site.dumps, "sent")
+    site.configuration |= {"//": "Notes for people", "$schema": "s.json"}
+    site.configuration["Packager"] |= {"// limits": [], "$comment": 1, "AttachmentLimit": []}
+    repeated = json.dumps(site.configuration).replace('"Watcher": [', '"Watcher": [], "Watcher": [', 1)
+    path = site.write_configuration(repeated.encode())
+    site.write_configuration = lambda: path
+    with site.start() as agent:
+        assert agent.wait() == 0
+    assert site.all_sent()
+    assert [line.split("\t")[1] for line in agent.stderr.decode().splitlines()] == [
+        ' Class "Watcher" stands twice under Processes, the last list counts',
+        ' Unknown key "AttachmentLimit" in section "Packager", did you mean "AttachmentLimits"?']

@@ -1,9 +1,11 @@
 #include "Libs/Shared/src/JsonConfig.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <string_view>
 #include <vector>
 
+#include "Libs/Shared/src/ConfigKeys.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
@@ -53,4 +55,19 @@ ResultCode FindConfigSection(const JsonDocument& config, const char* name, const
     }
     section = &found->value;
     return Platform::Success;
+}
+
+bool HasOnlyKnownKeys(const JsonValue& section, const char* name, const Reflection::TypeDescriptor& record) {
+    const std::vector<std::string_view> known = ConfigKeys::Of(record);
+    bool isKnown = true;
+    for (const JsonValue::Member& member : section.GetObject()) {
+        const std::string_view key(member.name.GetString(), member.name.GetStringLength());
+        if (ConfigKeys::IsForPeople(key) || std::ranges::find(known, key) != known.end()) {
+            continue;
+        }
+        isKnown = false;
+        PLATFORM_LOG(Platform::ErrorLog, " Unknown key \"%s\" in section \"%s\", did you mean \"%s\"?",
+                     member.name.GetString(), name, std::string(ConfigKeys::Nearest(key, known)).c_str());
+    }
+    return isKnown;
 }

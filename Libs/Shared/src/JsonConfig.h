@@ -14,14 +14,23 @@ ResultCode LoadJsonConfig(const std::string& path, JsonDocument& document);
 // The section of that name, an object.
 ResultCode FindConfigSection(const JsonDocument& config, const char* name, const JsonValue*& section);
 
+// Logs each key of the section that the record does not have, with the nearest one that it has. False if
+// there is one.
+bool HasOnlyKnownKeys(const JsonValue& section, const char* name, const Reflection::TypeDescriptor& record);
+
+enum class UnknownKeys { Reported, Refused };
+
 // Sets the record back to its defaults and fills it from the section of that name; "configuration section not
-// found" leaves it as it was.
+// found" leaves it as it was. Unknown keys are logged, and fail the call if they are refused.
 template <class T>
-ResultCode ReadConfigSection(const JsonDocument& config, const char* name, T& record) {
+ResultCode ReadConfigSection(const JsonDocument& config, const char* name, T& record,
+                             UnknownKeys unknown = UnknownKeys::Reported) {
     const JsonValue* section = nullptr;
-    if (const ResultCode result = FindConfigSection(config, name, section); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(FindConfigSection(config, name, section));
     record = T();
-    return JsonSerialization::ReadRecord(*section, record);
+    const bool isKnown = HasOnlyKnownKeys(*section, name, Reflection::TypeOf<T>());
+    RETURN_IF_FAILED(JsonSerialization::ReadRecord(*section, record));
+    return isKnown || unknown == UnknownKeys::Reported
+               ? Platform::Success
+               : ResultCode("configuration section has an unknown key");
 }

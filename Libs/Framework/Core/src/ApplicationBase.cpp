@@ -1,5 +1,7 @@
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 
+#include <set>
+#include <string>
 #include <vector>
 
 #include "Libs/Framework/Core/src/ApplicationFolders.h"
@@ -25,6 +27,23 @@ void DropFailing(ProcessMap& processes, Step&& step, Report&& report) {
         }
         report(it->first.c_str(), result.Text());
         it = processes.erase(it);
+    }
+}
+
+// Of the lists of a class that stands twice, one would be lost without a word.
+void ReportRepeatedClasses(const JsonDocument& config) {
+    const JsonValue& application = config["Application"];
+    const auto processes = application.FindMember("Processes");
+    if (processes == application.MemberEnd()) {
+        return;
+    }
+    std::set<std::string> seen;
+    for (const JsonValue::Member& member : processes->value.GetObject()) {
+        if (!seen.insert(member.name.GetString()).second) {
+            PLATFORM_LOG(Platform::ErrorLog,
+                         " Class \"%s\" stands twice under Processes, the last list counts",
+                         member.name.GetString());
+        }
     }
 }
 
@@ -68,7 +87,9 @@ ResultCode ApplicationBase::LoadConfig(int argc, const char** argv, JsonDocument
         return result;
     }
     m_config = {};
-    return ReadConfigSection(config, "Application", m_config);
+    RETURN_IF_FAILED(ReadConfigSection(config, "Application", m_config));
+    ReportRepeatedClasses(config);
+    return Platform::Success;
 }
 
 ResultCode ApplicationBase::PrepareFolders(int argc, const char** argv) {

@@ -54,9 +54,8 @@ bool UploaderS3::HasCloudComponent() const {
 }
 
 ResultCode UploaderS3::ReadConfig(const JsonDocument& config) {
-    if (const ResultCode result = ReadConfigSection(config, GetName(), m_config); !result) {
-        return result;
-    }
+    // A misspelt AskPermission must never send.
+    RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config, UnknownKeys::Refused));
     if (m_config.submissionFilename.empty()) {
         m_config.submissionFilename = DefaultName::Package;
     }

@@ -40,6 +40,15 @@ ResultCode Packager::Initialize(const JsonDocument& config, int, const char**) {
     return Platform::Success;
 }
 
+ResultCode Packager::PostInitialize() {
+    std::string watched; // the watcher knows it now, whichever of the two came first
+    if (const auto* watcher = Reflection::Query<IFileStoreWatcher>(*m_watcherProcPtr)) {
+        watcher->GetFolder(watched);
+    }
+    return CheckPackagerFolders(m_config.packagedFolder, m_config.packageWorkFolder, watched,
+                                &PathIdentity::IsSameFolder);
+}
+
 ResultCode Packager::PrepareFolders() {
     if (!PrepareFolder(m_config.packagedFolder, DefaultName::PackagedDumps, "").Succeeded()) {
         return "Failed to create packaged dumps folder";

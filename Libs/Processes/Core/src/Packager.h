@@ -18,6 +18,7 @@ public:
     using ApplicationProcessBase::ApplicationProcessBase;
 
     ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
+    ResultCode PostInitialize() override;
     bool ThreadMain() override;
 
 private:

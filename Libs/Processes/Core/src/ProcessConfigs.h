@@ -6,6 +6,7 @@
 
 #include "Libs/Processes/Core/src/AttachmentLimit.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
 // The sections of the configuration file that processes read, with their defaults. A key without a default
@@ -43,6 +44,20 @@ struct PackagerConfig {
     BugSource source = BugSource::External;
 };
 Reflection_DeclareType(PackagerConfig);
+
+// A packager deletes what is complete in the watched folder: one that packs into that folder itself, or works
+// in it, would delete what nobody has sent. isSame(left, right) says whether two folders are one.
+template <class IsSame>
+ResultCode CheckPackagerFolders(const std::string& packaged, const std::string& work,
+                                const std::string& watched, IsSame isSame) {
+    if (isSame(packaged, watched)) {
+        return "PackagedFolder is the folder that the packager's watcher watches";
+    }
+    if (isSame(work, watched)) {
+        return "PackageWorkFolder is the folder that the packager's watcher watches";
+    }
+    return Platform::Success;
+}
 
 struct DiskQuotaConfig {
     uint32_t invalidGraceTime = 3600; // seconds
