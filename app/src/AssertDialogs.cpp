@@ -1,4 +1,4 @@
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
 // Part of builds with MORVANE_ASSERT_DIALOGS alone: whoever runs the agent is asked about failed checks.
 namespace {

@@ -1,7 +1,6 @@
 #include <cstddef>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
 #include "tests/fuzz/Fuzz.h"
 
 namespace {

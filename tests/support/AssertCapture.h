@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
 // Collects failed checks, from any thread, instead of printing them, while it lives. One at a time.
 class AssertCapture {

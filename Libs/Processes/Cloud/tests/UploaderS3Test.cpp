@@ -7,7 +7,7 @@
 #include "Libs/Processes/Cloud/src/CloudComponent.h"
 #include "Libs/Processes/Cloud/src/UploaderThreadS3.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchFolder.h"
 

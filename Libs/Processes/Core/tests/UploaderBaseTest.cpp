@@ -1,7 +1,7 @@
 #include "Libs/Processes/Core/src/UploaderBase.h"
 
 #include "Libs/Processes/Core/tests/UploaderFixture.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
 using namespace UploaderTest;
 

@@ -23,7 +23,6 @@
 #include <windows.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
 #include "Libs/Tarnel/Platform/tests/DebugLoop.h"
 

@@ -8,7 +8,6 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
 #include "tests/support/AssertCapture.h"
 
 using Platform::DialogTemplate;

@@ -8,10 +8,10 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/tests/AssertCapture.h"
-#include "Libs/Tarnel/Platform/tests/LogCapture.h"
-#include "Libs/Tarnel/Platform/tests/OnThreads.h"
-#include "Libs/Tarnel/Platform/tests/ScratchFolder.h"
+#include "tests/support/AssertCapture.h"
+#include "tests/support/LogCapture.h"
+#include "tests/support/OnThreads.h"
+#include "tests/support/ScratchFolder.h"
 
 using Platform::LogFileSink;
 

@@ -2,6 +2,7 @@
 
 #include <atomic>
 #include <cstddef>
+#include <cstdint>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Printf.h"
 
@@ -13,8 +14,8 @@ namespace Platform {
 
 enum class AssertKind : int { Assert = 0, DataError = 1 };
 
-// Reports a failed check as the process's assertion state says (see Platform_AssertState.h). True asks the
-// site to break into the debugger. message may be null. Any thread; calls are serialised.
+// Reports a failed check as the process's assertion state says. True asks the site to break into the
+// debugger. message may be null. Any thread; calls are serialised.
 [[nodiscard]] bool AssertFailed(const char* expression, const char* message, const char* sourceUnit, int line,
                                 bool* ignoreAlways, AssertKind kind);
 
@@ -23,7 +24,79 @@ enum class AssertKind : int { Assert = 0, DataError = 1 };
                                       bool* ignoreAlways, AssertKind kind, const char* format, ...)
     PLATFORM_PRINTF(6, 7);
 
-void BreakIntoDebugger();
+inline constexpr uint32_t AssertReportSize = 64 * 1024;
+
+// What a handler or the dialog answers.
+enum AssertAnswer : int {
+    AssertAnswer_Debug = 1,        // break into the debugger
+    AssertAnswer_IgnoreOnce = 2,   // go on
+    AssertAnswer_IgnoreAlways = 3, // go on and keep the site silent from now on
+    AssertAnswer_Abort = 4,        // end the process with exit code 1
+};
+
+// Replaces the dialog for one kind of check. Returns an AssertAnswer. Called inside the state's lock; a check
+// that fails meanwhile on the same thread is recorded and counts as ignored once.
+using AssertHandler = int (*)(const char* sourceUnit, int line, const char* expression, const char* message);
+
+// The built-in dialog: shows report and returns an AssertAnswer. kind is an AssertKind.
+using AssertDialog = int (*)(const char* report, int kind);
+
+// Room for the operating system's recursive lock: on Windows a CRITICAL_SECTION at the start.
+struct AssertLock {
+    alignas(8) unsigned char storage[64];
+};
+
+// The state behind the checks, one for the process. Modules loaded into the process reach it through the
+// exported functions, so the layout is that of C and switches are 0 or 1. Lives as long as the process.
+// Everything after lock is read and written inside it, except that the switches may be set at start-up
+// before other threads run.
+struct AssertState {
+    AssertLock lock;
+    uint32_t size;        // of this record in bytes
+    uint32_t showDialogs; // ask the kind's handler, else the dialog; off unless a program switches it on
+    uint32_t writeToDebugger;
+    uint32_t writeToLog;
+    uint32_t logDataErrors;       // else only asserts are logged
+    uint32_t defaultIgnoreAlways; // what a site's flag becomes when nobody is asked
+    uint32_t asking;              // 1 while a handler or the dialog is up
+    uint32_t reserved;
+    AssertHandler handlers[2];     // by AssertKind, null for none
+    AssertDialog dialog;           // null if there is none; then nobody is asked
+    char report[AssertReportSize]; // the last one, terminated
+};
+
+// Failed checks of this run, for crash handlers and support tools. Guarded by the assertion state's lock.
+struct BugState {
+    uint32_t size;           // of this record in bytes
+    uint32_t failedCount[2]; // by AssertKind; sites that are ignored always don't count
+    int32_t lastKind;        // -1 before the first
+    int32_t lastLine;
+    char lastSourceUnit[260]; // both cut to fit and terminated
+    char lastExpression[512];
+};
+
+// Where the one-line records of failed checks go; standard error until a program sets its own. Called inside
+// the state's lock, and must not fail a check. flush is called before the process is aborted.
+struct AssertRecordOutput {
+    void (*write)(const char* record, std::size_t length);
+    void (*flush)();
+};
+void SetAssertRecordOutput(const AssertRecordOutput& output);
+
+// What the checks need from the operating system.
+namespace AssertSystem {
+
+void InitializeLock(AssertLock& lock);
+void EnterLock(AssertLock& lock);
+void LeaveLock(AssertLock& lock);
+bool IsDebuggerAttached();
+void SendToDebugger(const char* text); // does nothing without such an output
+AssertDialog BuiltInDialog();          // null where the system has no dialogs
+
+// Runs no destructors: other threads may still use what those would destroy.
+[[noreturn]] void EndProcess(int exitCode);
+
+} // namespace AssertSystem
 
 // __FILE__ as the reports show it: forward slashes and no extension. N is the literal's size.
 template <std::size_t N>
@@ -43,6 +116,19 @@ struct SourceUnit {
 
 } // namespace Platform
 
+// Never null.
+extern "C" Platform::AssertState* EXP_GetAssertState();
+extern "C" Platform::BugState* EXP_GetBugState();
+
+// A break instruction where it stands, so that the debugger shows that frame and can go on.
+#if defined(_MSC_VER)
+#define PLATFORM_BREAK() __debugbreak()
+#elif defined(__x86_64__)
+#define PLATFORM_BREAK() __asm__ volatile("int3")
+#else
+#define PLATFORM_BREAK() __builtin_trap()
+#endif
+
 #define PLATFORM_CHECK_IMPL(condition, kind, report)                                        \
     do {                                                                                    \
         static bool s_ignoreAlways = false;                                                 \
@@ -50,12 +136,12 @@ struct SourceUnit {
             static constexpr ::Platform::SourceUnit<sizeof(__FILE__)> sourceUnit(__FILE__); \
             constexpr auto checkKind = ::Platform::AssertKind::kind;                        \
             if (report) {                                                                   \
-                ::Platform::BreakIntoDebugger();                                            \
+                PLATFORM_BREAK();                                                           \
             }                                                                               \
         }                                                                                   \
     } while (false)
 
-// The reported expression is the condition's own text. Use the _TEXT form where the text and the code differ.
+// The reported expression is the condition's own text. Use the _TEXT form if the text and the code differ.
 #define PLATFORM_ASSERT(condition) PLATFORM_ASSERT_TEXT(condition, #condition)
 
 #define PLATFORM_ASSERT_TEXT(condition, expressionText)                                              \

@@ -1,4 +1,3 @@
-#include <csignal>
 #include <cstdlib>
 #include <ctime>
 #include <new>
@@ -8,7 +7,6 @@
 #include <unistd.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertSystem.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_LocalTime.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
 
@@ -24,7 +22,7 @@ pthread_mutex_t* MutexOf(AssertLock& lock) {
 
 } // namespace
 
-void InitializeAssertLock(AssertLock& lock) {
+void AssertSystem::InitializeLock(AssertLock& lock) {
     pthread_mutexattr_t attributes;
     pthread_mutexattr_init(&attributes);
     pthread_mutexattr_settype(&attributes, PTHREAD_MUTEX_RECURSIVE);
@@ -32,31 +30,27 @@ void InitializeAssertLock(AssertLock& lock) {
     pthread_mutexattr_destroy(&attributes);
 }
 
-void EnterAssertLock(AssertLock& lock) {
+void AssertSystem::EnterLock(AssertLock& lock) {
     pthread_mutex_lock(MutexOf(lock));
 }
 
-void LeaveAssertLock(AssertLock& lock) {
+void AssertSystem::LeaveLock(AssertLock& lock) {
     pthread_mutex_unlock(MutexOf(lock));
 }
 
 // A debugger is recognised on Windows alone; it changes only how data errors are worded.
-bool IsDebuggerAttached() {
+bool AssertSystem::IsDebuggerAttached() {
     return false;
 }
 
-void SendToDebugger(const char*) {}
+void AssertSystem::SendToDebugger(const char*) {}
 
-AssertDialog BuiltInAssertDialog() {
+AssertDialog AssertSystem::BuiltInDialog() {
     return nullptr;
 }
 
-void EndProcessAtOnce(int exitCode) {
+void AssertSystem::EndProcess(int exitCode) {
     std::_Exit(exitCode);
-}
-
-void BreakIntoDebugger() {
-    static_cast<void>(std::raise(SIGTRAP));
 }
 
 LocalTime CurrentLocalTime() {

@@ -5,8 +5,6 @@
 #include <windows.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertState.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertSystem.h"
 #include "Libs/Tarnel/Platform/src/Windows/Platform_Clipboard.h"
 #include "Libs/Tarnel/Platform/src/Windows/Platform_DialogTemplate.h"
 
@@ -63,7 +61,7 @@ void SetTitle(HWND dialog, AssertKind kind) {
 void Prepare(HWND dialog, AssertKind kind) {
     SetTitle(dialog, kind);
     SetDlgItemTextW(dialog, ReportEdit, g_reportText);
-    const bool canDebug = IsDebuggerAttached();
+    const bool canDebug = AssertSystem::IsDebuggerAttached();
     EnableWindow(GetDlgItem(dialog, DebugButton), canDebug);
     // A disabled button can't take the focus, and without it the keyboard would be dead.
     const ControlId first = kind == AssertKind::Assert && canDebug ? DebugButton : IgnoreOnceButton;
@@ -139,7 +137,7 @@ int ShowAssertDialog(void* ownerWindow, const char* report, int kind) {
     return static_cast<int>(answer);
 }
 
-AssertDialog BuiltInAssertDialog() {
+AssertDialog AssertSystem::BuiltInDialog() {
     return ShowUnowned;
 }
 

@@ -5,7 +5,6 @@
 #include <windows.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_AssertSystem.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_LocalTime.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
 
@@ -21,33 +20,29 @@ CRITICAL_SECTION* SectionOf(AssertLock& lock) {
 
 } // namespace
 
-void InitializeAssertLock(AssertLock& lock) {
+void AssertSystem::InitializeLock(AssertLock& lock) {
     InitializeCriticalSection(new (lock.storage) CRITICAL_SECTION);
 }
 
-void EnterAssertLock(AssertLock& lock) {
+void AssertSystem::EnterLock(AssertLock& lock) {
     EnterCriticalSection(SectionOf(lock));
 }
 
-void LeaveAssertLock(AssertLock& lock) {
+void AssertSystem::LeaveLock(AssertLock& lock) {
     LeaveCriticalSection(SectionOf(lock));
 }
 
-bool IsDebuggerAttached() {
+bool AssertSystem::IsDebuggerAttached() {
     return IsDebuggerPresent() != 0;
 }
 
-void SendToDebugger(const char* text) {
+void AssertSystem::SendToDebugger(const char* text) {
     OutputDebugStringA(text);
 }
 
-void EndProcessAtOnce(int exitCode) {
+void AssertSystem::EndProcess(int exitCode) {
     TerminateProcess(GetCurrentProcess(), static_cast<UINT>(exitCode));
     std::_Exit(exitCode); // not reached: the call above does not come back for the own process
-}
-
-void BreakIntoDebugger() {
-    DebugBreak();
 }
 
 LocalTime CurrentLocalTime() {
