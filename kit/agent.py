@@ -1,4 +1,4 @@
-"""The shipped agent with a configuration of the usual pipeline, its folders, and the game it runs beside."""
+"""The shipped agent with the usual pipeline as its configuration, its folders, and the game beside which it runs."""
 import json
 
 from store.client import ACCESS_KEY, SECRET_KEY
@@ -9,7 +9,7 @@ GAME = BIN / "SampleGame.exe"
 
 
 class Site:
-    """One installation: the folders below one scratch folder, and the configuration that names them.
+    """One installation: its folders, all in one scratch folder, and the configuration that names them.
 
     Tests change self.configuration before they start the agent.
     """
@@ -36,13 +36,13 @@ class Site:
             "Uploader": {"WatcherName": "PackageWatcher", "BucketName": bucket, "TimeBetweenChecks": 20,
                          "AccessKey": ACCESS_KEY, "SecretKey": SECRET_KEY, "AskPermission": False,
                          "EndpointOverride": endpoint, "UseVirtualAddressing": False},
-            # The delay gives a slow machine time to package and send what the game left.
+            # The delay gives a slow machine the time to package and send the crash.
             "ProcessMonitor": {"TimeBetweenChecks": 100, "ShutdownDelay": 2000,
                                "WatchedApplications": ["SampleGame.exe"]},
         }
 
     def write_configuration(self, content=None):
-        """Writes the configuration, or the given bytes in its place; returns the file."""
+        """Writes the configuration, or the given bytes instead; returns the path."""
         path = self.folder / "agent.json"
         path.write_bytes(json.dumps(self.configuration).encode() if content is None else content)
         return path
@@ -53,11 +53,11 @@ class Site:
                        f"-appFolder={windows_path(self.folder / 'app')}", *arguments, **options)
 
     def start_with_game(self, *arguments, **options):
-        """For tests that see for themselves when everything is done, and then quit."""
+        """For tests that wait for something themselves and then call quit()."""
         self.configuration["ProcessMonitor"]["ShutdownDelay"] = 100
         return AgentBesideGame(self, arguments, options)
 
-    # What still waits: folders whose sentinel would be taken.
+    # What still waits: complete folders.
 
     def waiting_dumps(self):
         return [folder for folder in self.dumps.iterdir() if is_complete(folder, "header.json")]
@@ -75,19 +75,19 @@ class Site:
 
 
 def is_complete(folder, sentinel):
-    """The hand-over rule: the sentinel is there and read-only."""
+    """True if the sentinel is there and read-only."""
     try:
         return not (folder / sentinel).stat().st_mode & 0o222
-    except OSError:  # not there, or it went this moment
+    except OSError:  # it is not there, or was deleted just now
         return False
 
 
 class AgentBesideGame:
-    """An agent with a game that runs on; quit() ends the game, upon which the agent ends by itself."""
+    """An agent and a game that keeps running. quit() ends the game, and then the agent ends by itself."""
 
     def __init__(self, site, arguments, options):
         self.game = Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet",
-                            variables=options.get("variables"))  # the agent looks for it among its own
+                            variables=options.get("variables"))  # same prefix and display as the agent's
         self.agent = site.start(*arguments, **options)
 
     def __enter__(self):

@@ -1,5 +1,5 @@
 #!/usr/bin/python3
-"""Shows the road of one crash on the terminal. ./demo.sh sets up and builds first."""
+"""Shows on the terminal what happens to one crash. ./demo.sh sets up and builds first."""
 import hashlib
 import shutil
 import sys
@@ -44,7 +44,7 @@ def crash_and_report(site):
 
 
 def open_report(store, bucket):
-    """Everything in the bucket, opened and checked."""
+    """Opens and checks everything in the bucket."""
     keys = store.keys(bucket)
     for key in keys:
         data = store.get(bucket, key)

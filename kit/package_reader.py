@@ -1,6 +1,6 @@
 #!/usr/bin/python3
-"""Reads submission.pkg (layout in docs/formats.md), believing nothing: every length and digest is checked and every
-entry is gunzipped. Written from the format alone, so that it can judge what the agent writes.
+"""Reads submission.pkg (layout in docs/formats.md): checks every length and digest and unpacks every entry. Written from
+the format alone, so that it can judge what the agent writes.
 
   package_reader.py FILE [FOLDER]   prints what is in the package, or says what is wrong with it; unpacks into FOLDER
 """
@@ -37,7 +37,7 @@ class Package:
 
 
 class Cursor:
-    """Takes fields off the front of the bytes, each of which must be there whole."""
+    """Reads one field after the other; each must be complete."""
 
     def __init__(self, data):
         self._data, self.position = data, 0

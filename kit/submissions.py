@@ -36,7 +36,7 @@ def write_folder(folder, files, header_content, complete=True):
 
 
 def write_small(dumps, name):
-    """A small submission that nobody else's content equals: a log and one attachment that carry its name."""
+    """A small submission, unlike any other: a log and one attachment that contain its name."""
     files = {"game.log": f"log of {name}\n".encode(), "note.txt": f"note of {name}\n".encode() * 20}
     return write_folder(dumps / name, files,
                         header(Key=name, Catalog=catalog(log="game.log", attachments=["note.txt"])))

@@ -17,22 +17,22 @@ def windows_path(path):
 
 
 def environment():
-    """Without a display: nobody is there to answer a window (display.py has one)."""
+    """Without a display: no window can be shown. tests/e2e/display.py has one."""
     variables = {**os.environ, "WINEPREFIX": str(PREFIX), "LC_ALL": "C.UTF-8"}
     variables.pop("DISPLAY", None)
     return variables
 
 
 def make_prefix(variables=None):
-    """A copy of the template that scripts/setup.sh makes, with its server started; variables as environment() has.
+    """Copies the template that scripts/setup.sh makes and starts its server; variables like environment()'s.
 
-    The server stays until stop_prefix(). The first program starts Wine's own services, which inherit its outputs and
-    keep them open: it must not be one whose outputs a test waits for.
+    The server runs until stop_prefix(). The first program starts Wine's own services, which inherit its outputs and
+    keep them open, so it must not be one whose outputs a test reads to the end.
     """
     variables = variables or environment()
     prefix = Path(variables["WINEPREFIX"])
     if prefix.exists():
-        stop_prefix(variables)  # of a run that was cut off
+        stop_prefix(variables)  # of an interrupted run
         subprocess.run(["rm", "-rf", prefix], check=True)
     prefix.parent.mkdir(parents=True, exist_ok=True)
     subprocess.run(["cp", "-a", TEMPLATE, prefix], check=True)
@@ -109,16 +109,16 @@ class Program:
         return (self.stdout + self.stderr).decode("utf-8")
 
     def wait_for(self, text, seconds=20):
-        """Until the text stands in one of the outputs."""
+        """Waits until one of the outputs contains the text."""
         deadline = time.monotonic() + seconds
         with self._arrival:
             while not any(text.encode() in output for output in self._output.values()):
                 left = deadline - time.monotonic()
-                assert left > 0 and self.running, f"never said {text!r}:\n{self._said()}"
+                assert left > 0 and self.running, f"never printed {text!r}:\n{self._said()}"
                 self._arrival.wait(min(left, 0.2))
 
     def wait(self, seconds=30):
-        """Until the program has ended by itself and everything it said is read; its exit code."""
+        """Waits until the program has ended by itself and its outputs are read; returns its exit code."""
         try:
             code = self._process.wait(seconds)
         except subprocess.TimeoutExpired:
@@ -128,7 +128,7 @@ class Program:
         return code
 
     def kill(self):
-        """Ends the program at once, wherever it is."""
+        """Ends the program at once, whatever it is doing."""
         self._process.kill()
         self.wait()
 

@@ -3,7 +3,7 @@
   /usr/bin/python3 -m store FOLDER --access-key ID --secret-key KEY [--http PORT] [--https PORT --pem FILE]
 
 FOLDER keeps the objects. Port 0 lets the system choose. Prints one line of JSON with the ports when it serves, and
-ends when its standard input is closed, so it never outlives whoever started it. The control port takes
+ends when its standard input is closed, so it never outlives the program that started it. The control port takes
 POST /faults (a list, see front.py), POST /reset (no faults, empty log), GET /log.
 """
 import eventlet
@@ -59,7 +59,7 @@ def listen_tls(port, pem):
 def main():
     options = parse_arguments()
     logging.disable(logging.WARNING)
-    eventlet.debug.hub_exceptions(False)  # a client that refuses our certificate is no news
+    eventlet.debug.hub_exceptions(False)  # clients may refuse our certificate
     swift = swift_server.start(options.folder, options.secret_key, options.region, options.domain)
     store_front = front.Front(swift, swift_server.MemoryCache(), options.access_key)
 

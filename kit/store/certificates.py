@@ -1,4 +1,4 @@
-"""A certificate authority for tests, and server certificates that it vouches for."""
+"""A certificate authority for tests, and server certificates signed by it."""
 import subprocess
 
 EXTENSIONS = """subjectAltName=DNS:{name}
@@ -18,7 +18,7 @@ class Authority:
                       "-subj", f"/CN={name} (tests only)", "-addext", "keyUsage=critical,keyCertSign,cRLSign")
 
     def issue(self, host, days=3650):
-        """A PEM file with key and chain for the host name; negative days make one that has expired."""
+        """A PEM file with key and chain for the host name; with negative days it has expired."""
         base = self._folder / f"{self._name}-{host.replace('*', 'any')}-{days}"
         key, request, extensions, certificate, pem = (base.with_name(base.name + suffix)
                                                       for suffix in (".key", ".csr", ".ext", ".crt", ".pem"))

@@ -1,4 +1,4 @@
-"""Starts the local store as a process of its own and speaks to it."""
+"""Starts the local store as a process of its own and sends it requests."""
 import http.client
 import json
 import os
@@ -49,7 +49,7 @@ class Store:
         self._control("POST", "/faults", faults)
 
     def reset(self):
-        """No faults from here on, and an empty log."""
+        """No faults, and an empty log."""
         self._control("POST", "/reset", {})
 
     def uploads(self):

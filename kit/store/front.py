@@ -1,16 +1,16 @@
-"""What stands in front of the store: the request log, and faults that a test asks for.
+"""The layer in front of the store: a log of the requests, and the faults that a test asks for.
 
 A fault hits uploads (PUT of an object) only. It is a dictionary with "kind", "times" (how many uploads, default 1)
 and what the kind needs:
 
   status   answer "status" with error "code" and "headers" instead of storing; "early": without reading the body
   delay    wait "ms", then serve as usual
-  hang     read the body, then say nothing for "ms" (default: ten minutes), then close
+  hang     read the body, then send nothing for "ms" (default: ten minutes), then close
   reset    reset the connection "at" the first, middle or last byte of the body
   close    read the body, close without an answer
   bad-etag store the object, answer with another ETag
   drip     store the object, answer one byte every "ms"
-  cut      store the object, end the connection amid the answer's head or "at" the middle of its body
+  cut      store the object, end the connection within the answer's head or body ("at": "head" or "body")
   clock    judge the request by a clock that is "seconds" ahead
 """
 import os
@@ -51,7 +51,7 @@ def connection_of(environ):
 
 
 def reset(connection):
-    """Drops the connection at once. Eventlet would say goodbye first, so another socket takes the descriptor's place."""
+    """Drops the connection at once. Eventlet would shut it down properly, so another socket takes its descriptor."""
     connection.setsockopt(socket.SOL_SOCKET, socket.SO_LINGER, struct.pack("ii", 1, 0))
     with socket.socket() as other:
         os.dup2(other.fileno(), connection.fileno())
@@ -67,7 +67,7 @@ class Front:
         self.log = []
 
     def reset(self):
-        """Forgets what was: a request that a killed client left behind still waits for its body, and counts no more."""
+        """Forgets faults, log and open requests: a killed client's request may still wait for its body."""
         self._in_flight = set()
         self.faults.clear()
         self.log.clear()
@@ -114,7 +114,7 @@ class Front:
         return fault
 
     def _store(self, environ, start):
-        """Hands the request on. The key id is not part of what is signed, so Swift's own user can stand in for it."""
+        """Passes the request on. The key id is not part of what is signed, so Swift's own user can replace it."""
         authorization = environ.get("HTTP_AUTHORIZATION", "")
         wanted, stand_in = f"Credential={self._access_key}/", f"Credential={ACCOUNT}:{USER}/"
         if wanted not in authorization:
@@ -174,8 +174,8 @@ class Front:
         self._by_hand(environ, start, short)
 
     def _by_hand(self, environ, start, pieces_of, pause=0):
-        """Stores the object and sends the answer past the server, in the pieces that pieces_of makes of it."""
-        connection = connection_of(environ)  # Swift puts another input in place
+        """Stores the object and sends the answer itself, in the pieces that pieces_of makes of it."""
+        connection = connection_of(environ)  # Swift replaces the input
         head = []
 
         def keep(status, headers, exc_info=None):

@@ -1,4 +1,4 @@
-"""AWS signature version 4 of a request whose whole body is at hand, for the tests' own requests."""
+"""AWS signature version 4, for the requests that tests and demo send themselves."""
 import datetime
 import hashlib
 import hmac

@@ -1,6 +1,6 @@
 """OpenStack Swift with its S3 API in this one process: object, container and account server and the proxy.
 
-Somebody else's strict reading of S3's rules (signature, digests, clock, region), so the store judges the agent.
+It checks signature, digests, clock and region as strictly as S3, and was written by others, so it can judge the agent.
 Eventlet must have patched the standard library before this module is imported.
 """
 import json
@@ -64,7 +64,7 @@ storage_domain = {domain}
 
 
 class MemoryCache:
-    """What Swift asks of memcached, in a dictionary. Values go through JSON as they would over the wire."""
+    """Replaces memcached by a dictionary. Values go through JSON, as they do with memcached."""
 
     def __init__(self):
         self._values = {}

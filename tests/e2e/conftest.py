@@ -46,14 +46,14 @@ def limit(request):
 
 
 def short_name(request):
-    """The test's name as bucket and folder names allow it, and one number more to keep it unique."""
+    """The test's name in characters that buckets and folders allow, with a number that makes it unique."""
     name = re.sub(r"[^a-z0-9]+", "-", request.node.name.lower())[:48].strip("-")
     return f"{name}-{zlib.crc32(request.node.nodeid.encode()):08x}"
 
 
 @pytest.fixture
 def scratch(request):
-    """An empty folder that stays after the test, to be looked at."""
+    """An empty folder, kept after the test for inspection."""
     folder = wine.SCRATCH / request.node.path.stem / short_name(request)
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
@@ -68,7 +68,7 @@ def running_display():
 
 @pytest.fixture
 def display(running_display):
-    """The screen, empty at the start and, if the test passes, at the end."""
+    """The screen. A test must leave it empty."""
     yield running_display
     running_display.wait_for_no_window("", 5)
 

@@ -1,7 +1,7 @@
-"""The run of test_default_endpoint.py, inside network and mount namespaces of its own: nothing here can leave them.
+"""Runs for test_default_endpoint.py in network and mount namespaces of its own, which nothing can leave.
 
-The names of Amazon's endpoint lead to the local store on port 443, and the machine's trusted authorities are the
-test's own. Ends with exit code 0 when the agent did right in every case.
+There the names of Amazon's endpoint lead to the local store on port 443, and only the test's authority is trusted. Exit
+code 0 if the agent did right in every case.
 """
 import fcntl
 import shutil
@@ -32,14 +32,14 @@ def bring_loopback_up():
 
 
 def put_in_place(path, content, folder):
-    """Lays content over a file of the system, in this mount namespace only."""
+    """Replaces a system file, in this mount namespace only."""
     replacement = folder / path.name
     replacement.write_text(content)
     subprocess.run(["mount", "--bind", replacement, path], check=True)
 
 
 def upload(folder, pem):
-    """One submission sent to a store with that certificate: the agent's errors, the uploads, the objects."""
+    """Sends a submission to a store with that certificate; returns the agent's errors, the uploads and the objects."""
     with Store(folder / "store", "--https", "443", "--pem", str(pem)) as store:
         store.make_bucket(BUCKET)
         site = Site(folder / "site", store, BUCKET)
@@ -67,7 +67,7 @@ def check_trusted(folder, pem):
 def check_refused(folder, pem):
     errors, requests, objects = upload(folder, pem)
     assert errors.count(FAILED) == 1, errors
-    assert not requests and not objects, "nothing may be sent to a server that is not who it says"
+    assert not requests and not objects, "sent to a server that did not prove its name"
 
 
 def main(folder):

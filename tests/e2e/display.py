@@ -1,7 +1,7 @@
-"""A screen for the tests of windows: an X server nobody sees, and a Windows desktop that fills it.
+"""A screen for the tests of windows: a virtual X server, and a Windows desktop that fills it.
 
 The desktop is Wine's own, so that focus, title bars and close boxes work without a window manager. Keys and clicks go
-through the X server, as those of a person do.
+through the X server, as a user's do.
 """
 import json
 import os
@@ -16,7 +16,7 @@ import wine
 READER = wine.BIN / "WindowReader.exe"
 WIDTH, HEIGHT = 1280, 1024
 FONTS = Path("/usr/share/wine/fonts")
-# Windows lends the dialogs' font the characters of SimSun, among others. Wine wants the file's name to be right too.
+# Windows takes characters that the dialogs' font lacks from SimSun. Wine looks for it by its file name, too.
 ASIAN_FONT = Path("/usr/share/fonts/truetype/wqy/wqy-microhei.ttc")
 ASIAN_FONT_FILE = "simsun.ttc"
 SETTINGS = [
@@ -28,7 +28,7 @@ SETTINGS = [
 
 @dataclass
 class Window:
-    """A window, or a control in one, as WindowReader describes it; places are pixels of the screen."""
+    """A window or a control, as WindowReader describes it; positions are pixels of the screen."""
     fields: dict
 
     def __getattr__(self, name):
@@ -50,7 +50,7 @@ class Window:
 
     @property
     def close_box(self):
-        """Where a person clicks to close it."""
+        """Where a user clicks to close it."""
         return self.x + self.width - 14, self.y + 14
 
 
@@ -66,11 +66,11 @@ class Display:
         for key, value, data in SETTINGS:
             self._wine("reg.exe", "add", key, "/v", value, "/d", data, "/f")
         self._install_fonts()
-        # The desktop reads its settings, and the fonts, when it starts.
+        # The desktop reads settings and fonts when it starts.
         wine.stop_prefix(self.variables())
         subprocess.run(["wineserver", "--wait"], env=self.variables(), check=True)
         subprocess.run(["wineserver", "--persistent"], env=self.variables(), check=True)
-        # The first program starts the desktop, which keeps that program's outputs.
+        # The first program starts the desktop, which keeps that program's outputs open.
         self._wine(READER, "windows", stdout=subprocess.DEVNULL)
 
     def __enter__(self):
@@ -88,7 +88,7 @@ class Display:
     def _install_fonts(self):
         folder = self._prefix / "drive_c" / "windows" / "Fonts"
         for font in FONTS.glob("*.ttf"):
-            if font.name != "tahomabd.ttf":  # no font lends it Asian characters; Wine's choice without it has them
+            if font.name != "tahomabd.ttf":  # it would hide the font with Asian characters
                 shutil.copy(font, folder)
         shutil.copy(ASIAN_FONT, folder / ASIAN_FONT_FILE)
 
@@ -105,7 +105,7 @@ class Display:
 
     @contextmanager
     def resolution(self, dots_per_inch):
-        """What programs that start inside take the screen's resolution to be; it is 96 otherwise."""
+        """The screen's resolution for programs that are started inside; 96 otherwise."""
         def set_resolution(value):
             self._wine("reg.exe", "add", r"HKCU\Control Panel\Desktop", "/v", "LogPixels", "/t", "REG_DWORD",
                        "/d", str(value), "/f")
@@ -115,14 +115,14 @@ class Display:
         finally:
             set_resolution(96)
 
-    # What a person sees.
+    # What a user sees.
 
     def windows(self, title=""):
         """The visible windows whose title contains the text, the one in front first."""
         return [window for window in map(Window, self._read("windows")) if window.text and title in window.text]
 
     def wait_for_window(self, title, seconds=20):
-        """The window in front of those with the title, once it has its focus."""
+        """Waits for a window with the title that is in front and has the focus."""
         def ready():
             return next((window for window in self.windows(title) if window.foreground and window.focus), None)
         return wine.wait_until(ready, seconds, f"a window {title!r}")
@@ -138,7 +138,7 @@ class Display:
         return content
 
     def picture(self, name, window=None):
-        """Keeps a picture of the window, or of the whole screen, under build/."""
+        """Saves a picture of the window, or of the whole screen, under build/."""
         path = self.pictures / f"{name}.png"
         part = f"{window.width}x{window.height}+{window.x}+{window.y}" if window else f"{WIDTH}x{HEIGHT}+0+0"
         self._x("import", "-window", "root", "-crop", part, "+repage", str(path))
@@ -149,7 +149,7 @@ class Display:
         pixel = self._x("import", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "rgb:-")
         return tuple(pixel[:3])
 
-    # What a person does.
+    # What a user does.
 
     def press(self, *keys):
         """Keys by their X names: "alt+d", "Return"."""
@@ -160,7 +160,7 @@ class Display:
 
 
 def start_server():
-    """An X server on a number that it finds free itself: (":number", process)."""
+    """Starts an X server on a free number: (":number", process)."""
     reading, writing = os.pipe()
     server = subprocess.Popen(
         ["Xvfb", "-displayfd", str(writing), "-screen", "0", f"{WIDTH}x{HEIGHT}x24", "-nolisten", "tcp", "-noreset"],

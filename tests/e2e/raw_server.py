@@ -1,11 +1,11 @@
-"""A server on 127.0.0.1 that misbehaves below what HTTP allows: each connection is handed to a function."""
+"""A server on 127.0.0.1 that breaks the rules of HTTP: each connection is passed to a function."""
 import contextlib
 import socket
 import threading
 
 
 def read_request(connection):
-    """The head of a request as text, after its body has come too."""
+    """Reads a request with its body; returns its head as text."""
     received = b""
     while b"\r\n\r\n" not in received:
         received += receive(connection)
@@ -28,7 +28,7 @@ def receive(connection):
 
 @contextlib.contextmanager
 def serving(handle):
-    """Gives the port. handle(connection, over) should return once over, an event, is set or the client has gone."""
+    """Yields the port. handle(connection, over) must return when the event `over` is set or the client has gone."""
     over = threading.Event()
 
     def serve_one(connection):

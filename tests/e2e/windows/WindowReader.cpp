@@ -1,4 +1,4 @@
-// Prints in JSON what a person or a screen reader finds on the desktop.
+// Prints as JSON what a user or a screen reader finds on the desktop.
 //
 //   WindowReader windows      every visible top-level window with its controls, in front first
 //   WindowReader clipboard    the clipboard's formats, in their order, and its text in both forms
@@ -10,7 +10,7 @@
 
 namespace {
 
-// Characters beyond ASCII are escaped: the output has no encoding to agree on.
+// Escapes everything but ASCII, so that the output needs no agreed encoding.
 std::string Quoted(std::wstring_view text) {
     std::string quoted = "\"";
     for (const wchar_t character : text) {
