@@ -58,16 +58,22 @@ def wait_until(condition, seconds, what):
 class Program:
     """One running program. The Unix process that Popen holds is the Windows process itself, so kill() is abrupt.
 
-    Both outputs are read by threads as they come; lines keep their order within one output.
+    Both outputs are read by threads as they come; lines keep their order within one output. With reads=False nobody
+    reads them, and the pipes hold one page, until read() is called.
     """
 
-    def __init__(self, executable, *arguments, cwd=None, command=(), variables=None):
+    def __init__(self, executable, *arguments, cwd=None, command=(), variables=None, reads=True):
         self._process = subprocess.Popen(
             [*command, str(ROOT / "scripts" / "run-wine.sh"), str(executable), *arguments],
-            cwd=cwd, env=variables or environment(), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE, stderr=subprocess.PIPE)
+            cwd=cwd, env=variables or environment(), stdin=subprocess.DEVNULL, stdout=subprocess.PIPE,
+            stderr=subprocess.PIPE, pipesize=-1 if reads else 4096)
         self._arrival = threading.Condition()
         self._output = {"stdout": b"", "stderr": b""}
         self._readers = [threading.Thread(target=self._read, args=(name,), daemon=True) for name in self._output]
+        if reads:
+            self.read()
+
+    def read(self):
         for reader in self._readers:
             reader.start()
 
@@ -124,7 +130,8 @@ class Program:
         except subprocess.TimeoutExpired:
             raise AssertionError(f"still running after {seconds} s:\n{self._said()}") from None
         for reader in self._readers:
-            reader.join(10)
+            if reader.ident:
+                reader.join(10)
         return code
 
     def kill(self):

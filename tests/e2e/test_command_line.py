@@ -1,11 +1,13 @@
 """Options, exit codes and what the two outputs carry."""
 import re
 import shutil
+import time
 
 import pytest
 
 from agent import EXECUTABLE
-from wine import Program, windows_path
+from submissions import catalog, header, write_folder, write_small
+from wine import Program, wait_until, windows_path
 
 LINE = re.compile(rb"\[\d{4}-\d\d-\d\d \d\d:\d\d:\d\d\]\t [^\r\n]*\r\n")
 
@@ -81,3 +83,31 @@ def test_the_application_folder_lies_in_the_documents(idle):
         code, agent = run(f"-config={windows_path(idle.write_configuration())}")
         folder = re.search(r" Using application folder: (.*)\r\n", agent.text).group(1)
         assert code == 0 and folder.rstrip("\\").endswith("\\Documents\\" + last), agent.text
+
+
+# A launcher makes pipes for the outputs and never reads them, or only late.
+
+def test_outputs_that_nobody_reads_hold_nobody(site, store, bucket):
+    for number in range(20):
+        write_small(site.dumps, f"dump-{number}")
+    with site.start_with_game(reads=False) as agent:
+        wait_until(lambda: len(store.keys(bucket)) == 20, 40, "every submission sent")
+        start = time.monotonic()
+        assert agent.quit() == 0
+        assert time.monotonic() - start < 10
+
+
+def test_a_late_reader_learns_what_was_dropped(site):
+    names = [f"{number:04}-" + "x" * 500 for number in range(3000)]  # more than the queue takes
+    write_folder(site.dumps / "dump", {}, header(Catalog=catalog(attachments=names)))
+    with site.start_with_game(reads=False) as agent:
+        wait_until(lambda: not site.waiting_dumps(), 40, "the submission packaged")
+        agent.agent.read()
+        agent.agent.wait_for(" lines dropped")
+        assert agent.quit() == 0
+        assert re.fullmatch(rb"(%s)+" % LINE.pattern, agent.agent.stdout + agent.agent.stderr)
+        text = agent.agent.text
+        dropped = int(re.search(r"(\d+) lines dropped", text).group(1))
+        kept = text.count("\r\n") - 1
+        assert kept > 1000 and 3000 < kept + dropped < 6100
+        assert " exiting application..." in text

@@ -1,10 +1,15 @@
 """The console of -console: it shows the log, and whoever sits at it can end the agent."""
+import os
+import signal
 import subprocess
+from contextlib import contextmanager
+from pathlib import Path
 
 import pytest
 
 import wine
 from display import Window
+from submissions import write_small
 
 TITLE = "MorvaneCrashReporter"
 
@@ -75,3 +80,29 @@ def test_the_whole_argument_must_match(start, display):
         assert_runs_on(agent)
         assert not display.windows()
         agent.kill()
+
+
+@contextmanager
+def stopped_console(display):
+    """No console window of the display takes text, as while somebody selects some in it."""
+    prefix = f"WINEPREFIX={display.variables()['WINEPREFIX']}".encode()
+    hosts = [int(process.name) for process in Path("/proc").glob("[0-9]*")
+             if b"conhost.exe" in (process / "cmdline").read_bytes() and prefix in (process / "environ").read_bytes()]
+    assert hosts
+    for host in hosts:
+        os.kill(host, signal.SIGSTOP)
+    try:
+        yield
+    finally:
+        for host in hosts:
+            os.kill(host, signal.SIGCONT)
+
+
+def test_a_stopped_console_holds_nobody(site, store, bucket, display, console):
+    with site.start_with_game("-console", variables=display.variables()) as agent:
+        console()
+        with stopped_console(display):
+            for number in range(5):
+                write_small(site.dumps, f"dump-{number}")
+            wine.wait_until(lambda: len(store.keys(bucket)) == 5, 40, "every submission sent")
+            assert agent.quit(15) == 0

@@ -9,7 +9,7 @@
 
 namespace {
 
-// The system's handler takes no argument, so the request stands here.
+// The system's handler takes no argument, so the request is kept here.
 std::mutex g_lock;
 std::function<void()> g_stopRequest;
 
@@ -22,7 +22,7 @@ BOOL WINAPI HandleControl(DWORD event) {
         g_stopRequest();
     }
     if (event != CTRL_C_EVENT && event != CTRL_BREAK_EVENT) {
-        Sleep(INFINITE); // returning would end the program at once; it ends by itself, or the system ends it
+        Sleep(INFINITE); // returning would end the program at once, in the middle of its work
     }
     return TRUE;
 }
@@ -38,7 +38,10 @@ std::unique_ptr<ConsoleWindow> ConsoleWindow::Open(std::function<void()> stopReq
     return std::unique_ptr<ConsoleWindow>(new ConsoleWindow(std::move(stopRequest)));
 }
 
-ConsoleWindow::ConsoleWindow(std::function<void()> stopRequest) : m_output(GetStdHandle(STD_OUTPUT_HANDLE)) {
+// By name: the standard output may be a pipe or a file of whoever started the agent.
+ConsoleWindow::ConsoleWindow(std::function<void()> stopRequest)
+    : m_output(CreateFileW(L"CONOUT$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE,
+                           nullptr, OPEN_EXISTING, 0, nullptr)) {
     SetConsoleOutputCP(CP_UTF8);
     const std::lock_guard lock(g_lock);
     g_stopRequest = std::move(stopRequest);
@@ -51,10 +54,8 @@ ConsoleWindow::~ConsoleWindow() {
         const std::lock_guard lock(g_lock);
         g_stopRequest = nullptr;
     }
-    FreeConsole();
-}
-
-void ConsoleWindow::Write(std::string_view text) {
-    DWORD written = 0;
-    WriteFile(m_output, text.data(), static_cast<DWORD>(text.size()), &written, nullptr);
+    if (m_queue.Close()) { // else the end of the process closes it, under a write that waits
+        CloseHandle(m_output);
+        FreeConsole();
+    }
 }

@@ -7,6 +7,8 @@
 
 int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
+    // A drive without a medium fails its call instead of asking the player for one.
+    SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
     const std::vector<std::string> arguments = Utf8Arguments(GetCommandLineW());
     std::vector<const char*> pointers;
     pointers.reserve(arguments.size() + 1);

@@ -30,7 +30,7 @@ TEST(WindowsApplication, PassesWholeLinesOnWhileItLives) {
     const TestSupport::LogCapture log;
     {
         const auto application = MakeApplication();
-        PLATFORM_LOG(Platform::InfoLog, " one\ntwo");
+        Platform::LogWrite(Platform::InfoLog, (std::string(22, 't') + " one\ntwo").c_str(), 30);
         PLATFORM_LOG(Platform::ErrorLog, " three");
     }
     PLATFORM_LOG(Platform::InfoLog, " four");

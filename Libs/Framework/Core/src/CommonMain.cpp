@@ -10,12 +10,9 @@ namespace {
 
 enum ExitCode : int { Done = 0, NoApplication = 1, InitializeFailed = 2, RunFailed = 3, ShutdownFailed = 4 };
 
-// A root that can't be set is reported once there is a sink to report it to.
-void SetUpLogging(int argc, const char** argv) {
+void SetUpLogRoot(int argc, const char** argv) {
     const std::string folder = ResolveLogFolder(argc, argv, ".");
-    const ResultCode result = SetLogRootFolder(folder);
-    InstallConsoleLogSink();
-    if (!result) {
+    if (const ResultCode result = SetLogRootFolder(folder); !result) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to set log root folder to \"%s\". Error=%s", folder.c_str(),
                      result.Text());
     }
@@ -45,7 +42,8 @@ std::shared_ptr<ApplicationBase> MakeApplication(int argc, const char** argv) {
 
 int CommonMain(int argc, const char** argv) {
     GetMainThreadId();
-    SetUpLogging(argc, argv);
+    const ConsoleLogSink sink; // outlives the application, which logs until it is destroyed
+    SetUpLogRoot(argc, argv);
     const std::shared_ptr<ApplicationBase> application = MakeApplication(argc, argv);
     if (!application) {
         return NoApplication;

@@ -1,37 +1,47 @@
 #include "Libs/Framework/Core/src/ConsoleLogSink.h"
 
-#include <fcntl.h>
-#include <io.h>
+#include <windows.h>
 
-#include <cstdio>
 #include <cstring>
 #include <cwchar>
 
+#include "Libs/Framework/Core/src/OutputQueue.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 namespace {
 
-// A program without a console may have no standard streams at all; then there is no descriptor to set.
-void MakeBinary(std::FILE* stream) {
-    const int descriptor = _fileno(stream);
-    if (descriptor >= 0) {
-        _setmode(descriptor, _O_BINARY);
-    }
+// Never destroyed: entries and failed checks may come until the process ends.
+struct Outputs {
+    OutputQueue queue;
+    HANDLE standard = GetStdHandle(STD_OUTPUT_HANDLE); // taken before a console of our own replaces them
+    HANDLE error = GetStdHandle(STD_ERROR_HANDLE);
+};
+
+Outputs& TheOutputs() {
+    static auto& outputs = *new Outputs;
+    return outputs;
 }
 
-// One write an entry, not printf's byte by byte: entries of several threads stay whole. Text ends at its
-// terminator, as it would with "%s".
+// Text ends at its terminator, as it would with "%s".
 void PrintEntry(const wchar_t* logName, const char* data, uint32_t length, int) {
+    Outputs& outputs = TheOutputs();
     const bool isError = logName && std::wcscmp(logName, Platform::ErrorLog) == 0;
-    std::FILE* stream = isError ? stderr : stdout;
-    std::fwrite(data, 1, strnlen(data, length), stream);
-    std::fflush(stream);
+    outputs.queue.Write(isError ? outputs.error : outputs.standard, {data, strnlen(data, length)});
+}
+
+void PrintRecord(const char* record, std::size_t length) {
+    TheOutputs().queue.Write(TheOutputs().error, {record, length});
 }
 
 } // namespace
 
-void InstallConsoleLogSink() {
-    MakeBinary(stdout);
-    MakeBinary(stderr);
+ConsoleLogSink::ConsoleLogSink() {
+    TheOutputs();
     EXP_SetLogEventCallback(&PrintEntry);
+    Platform::SetAssertRecordOutput({&PrintRecord, [] { TheOutputs().queue.Close(); }});
+}
+
+ConsoleLogSink::~ConsoleLogSink() {
+    TheOutputs().queue.Close();
 }
