@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
 
 ResultCode MeasuredFolder::SetPaths(std::string path, std::string pathOnDisk) {
     m_path = std::move(path);
