@@ -31,7 +31,7 @@ public:
         m_config.folder = scratch + "\\folders-" + std::to_string(count) + "\\";
         m_search = Wide(m_config.folder) + L"*";
         for (int i = 0; i < count; ++i) {
-            m_known.Add(NameOf(i));
+            m_known.insert(NameOf(i));
         }
     }
 

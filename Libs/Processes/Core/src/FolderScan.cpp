@@ -18,7 +18,7 @@ void FolderScan::Visit(const PlatformHelpers::PathInfo& entry, bool& keepGoing) 
         m_hasLeftOvers = true;
         return;
     }
-    if (!m_known.Contains(entry.name)) {
+    if (!m_known.contains(entry.name)) {
         keepGoing = VisitUnknown(entry.name);
     }
     if (++m_visited % EntriesBetweenYields == 0) {
@@ -56,7 +56,7 @@ bool FolderScan::IsSentinelReadOnly() const {
     return status.isReadOnly;
 }
 
-// False when the pass has accepted all it may: the entry that meets the limit ends the pass.
+// False if the limit is reached: the entry over it ends the pass.
 bool FolderScan::Accept(const std::string& name) {
     if (m_config.maxFolderScans >= 0) {
         if (m_accepted >= m_config.maxFolderScans) {

@@ -1,11 +1,27 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
-#include "Libs/Processes/Core/src/TaskData.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
+
+// What a watcher shares with other processes: its two views, the folders it hands over, and the metrics it
+// sets.
+
+// One complete submission folder, as a watcher hands it to its consumer.
+class TaskData {
+public:
+    // The folder's full path without a trailing separator; neither null nor empty.
+    explicit TaskData(const char* hash);
+
+    const std::string& GetInstanceHash() const { return m_instanceHash; }
+
+private:
+    std::string m_instanceHash;
+    std::string m_context; // left empty by the watcher
+};
 
 // Where a watcher looks and for what. Main thread only.
 class IFileStoreWatcher {
@@ -40,6 +56,25 @@ protected:
     ~IWatcher() = default;
 };
 
+// One number under a name and labels. Any thread.
+class IMetric {
+public:
+    virtual ~IMetric() = default;
+    virtual void SetLabel(const char* key, const char* value) = 0;
+    virtual void SetValue(double value) = 0;
+};
+
+// Offered by a process that publishes the numbers of other processes. Any thread.
+class IMetricsAggregator {
+public:
+    // Metrics of one name differ by their labels. Never null; shared with the aggregator.
+    virtual std::shared_ptr<IMetric> MakeMetric(const char* name, const char* help) = 0;
+
+protected:
+    ~IMetricsAggregator() = default; // owned as a process, never through this view
+};
+
 Reflection_DeclarePolymorphicType(IFileStoreWatcher);
 Reflection_DeclarePolymorphicType(ITaskSubscriber);
 Reflection_DeclarePolymorphicType(IWatcher);
+Reflection_DeclarePolymorphicType(IMetricsAggregator);

@@ -6,8 +6,8 @@
 
 #include "Libs/Framework/Core/src/ApplicationProcessBase.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
+#include "Libs/Processes/Core/src/IWatcher.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
-#include "Libs/Processes/Core/src/TaskData.h"
 
 // Takes complete submission folders from a watcher and turns each into a package in the packaged folder. A
 // folder is deleted after its attempt, whether or not that succeeded, so a failing submission is not met

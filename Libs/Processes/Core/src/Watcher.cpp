@@ -1,5 +1,8 @@
 #include "Libs/Processes/Core/src/Watcher.h"
 
+#include <algorithm>
+#include <iterator>
+#include <string_view>
 #include <utility>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
@@ -7,8 +10,40 @@
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+#include "Libs/Tarnel/String/src/String_Ascii.h"
 
 Reflection_DefinePolymorphicType(Watcher);
+
+namespace {
+
+// Lower-case letters, digits and "_" for every other byte.
+std::string MetricLabel(std::string_view name) {
+    std::string label = String::LowerAscii(name);
+    std::ranges::replace_if(
+        label,
+        [](char character) {
+            return !(character >= 'a' && character <= 'z') && !(character >= '0' && character <= '9');
+        },
+        '_');
+    return label;
+}
+
+std::shared_ptr<IMetric> MakePendingMetric(IMetricsAggregator& aggregator, const char* status,
+                                           const std::string& watcher) {
+    auto metric =
+        aggregator.MakeMetric("kestrix_pending_folders", "Number of folders waiting to be processed");
+    metric->SetLabel("status", status);
+    metric->SetLabel("watcher", watcher.c_str());
+    return metric;
+}
+
+void SetMetric(const std::shared_ptr<IMetric>& metric, std::size_t count) {
+    if (metric) {
+        metric->SetValue(static_cast<double>(count));
+    }
+}
+
+} // namespace
 
 void* Watcher::QueryObj(const Reflection::TypeDescriptor& type) {
     if (&type == &Reflection::TypeOf<IWatcher>()) {
@@ -25,16 +60,10 @@ void* Watcher::QueryObj(const Reflection::TypeDescriptor& type) {
 
 ResultCode Watcher::Initialize(const JsonDocument& config, int, const char**) {
     PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
-    if (const ResultCode result = ReadConfigSection(config, GetName(), m_config); !result) {
-        return result;
-    }
-    if (const ResultCode result = ResolveFolder(); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config));
+    RETURN_IF_FAILED(ResolveFolder());
     if (!m_config.metricsCollectorName.empty()) {
-        if (const ResultCode result = MakeMetrics(); !result) {
-            return result;
-        }
+        RETURN_IF_FAILED(MakeMetrics());
     }
     PLATFORM_LOG(Platform::InfoLog,
                  " Watcher \"%s\" is watching folder \"%s\" for submissions with a file name of \"%s\"",
@@ -48,9 +77,7 @@ ResultCode Watcher::ResolveFolder() {
         const ApplicationBase* application = GetApplication();
         folder = FolderPath::Join(application ? application->GetApplicationFolder() : std::string(), folder);
     }
-    if (const ResultCode result = PlatformHelpers::EnsureTrailingFolderSeparator(folder); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(PlatformHelpers::EnsureTrailingFolderSeparator(folder));
     if (!PlatformHelpers::EnsureFolderExists(folder).Succeeded()) {
         return "Failed to create watcher folder";
     }
@@ -70,7 +97,13 @@ ResultCode Watcher::MakeMetrics() {
     if (!aggregator) {
         return "Metrics process could not provide required MetricsAggregator interface";
     }
-    m_metrics.Make(*aggregator, GetName());
+    const std::string label = MetricLabel(GetName());
+    m_pendingExisting = MakePendingMetric(*aggregator, "existing", label);
+    m_pendingNew = MakePendingMetric(*aggregator, "new", label);
+    m_knownCount = aggregator->MakeMetric(
+        "kestrix_known_folders",
+        "Number of known folders that will be ignored because they have already been processed");
+    m_knownCount->SetLabel("watcher", label.c_str());
     return Platform::Success;
 }
 
@@ -87,48 +120,43 @@ bool Watcher::ThreadMain() {
 }
 
 ResultCode Watcher::ScanOnce() {
-    std::vector<std::string> names;
-    if (m_listed.MustList(PlatformHelpers::PreciseSystemTime)) {
-        if (const ResultCode result = FindNew(names); !result) {
-            return result;
-        }
+    if (!m_listed.MustList(PlatformHelpers::PreciseSystemTime)) {
+        Accept({});
+        return Platform::Success;
     }
-    m_metrics.SetKnown(m_known.Size());
-    AddToPending(names);
-    return Platform::Success;
-}
-
-ResultCode Watcher::FindNew(std::vector<std::string>& names) {
     FolderScan scan(m_config, m_known);
-    if (const ResultCode result = scan.Run(); !result) {
-        return result;
-    }
-    names = scan.GetNewNames();
-    for (const std::string& name : names) {
-        m_known.Add(name);
-    }
+    RETURN_IF_FAILED(scan.Run());
+    Accept(scan.GetNewNames());
     if (!scan.HasLeftOvers()) {
         m_listed.SetListed();
     }
     return Platform::Success;
 }
 
-void Watcher::AddToPending(const std::vector<std::string>& names) {
+// Makes the folders pending and known: all of them, or, if memory runs out, none, so that the next scan finds
+// them again. Therefore everything that allocates comes before the first change.
+void Watcher::Accept(const std::vector<std::string>& names) {
     std::vector<TaskData> added;
     added.reserve(names.size());
     for (const std::string& name : names) {
         added.emplace_back((m_config.folder + name).c_str());
     }
-    m_metrics.SetPendingNew(names.size());
+    KnownFolders newlyKnown(names.begin(), names.end());
+    m_known.reserve(m_known.size() + newlyKnown.size());
     std::size_t pending = 0;
     {
         const std::lock_guard lock(m_pendingLock);
-        m_pending.insert(m_pending.end(), added.begin(), added.end());
+        m_pending.insert(m_pending.end(), std::make_move_iterator(added.begin()),
+                         std::make_move_iterator(added.end()));
         pending = m_pending.size();
     }
-    m_metrics.SetPendingExisting(pending);
-    for (const TaskData& task : added) {
-        PLATFORM_LOG(Platform::InfoLog, " Added %s to pending folder list", task.GetInstanceHash().c_str());
+    m_known.merge(newlyKnown);
+    SetMetric(m_knownCount, m_known.size());
+    SetMetric(m_pendingNew, names.size());
+    SetMetric(m_pendingExisting, pending);
+    for (const std::string& name : names) {
+        PLATFORM_LOG(Platform::InfoLog, " Added %s%s to pending folder list", m_config.folder.c_str(),
+                     name.c_str());
     }
 }
 

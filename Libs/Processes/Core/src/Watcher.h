@@ -1,5 +1,6 @@
 #pragma once
 
+#include <memory>
 #include <mutex>
 #include <string>
 #include <vector>
@@ -9,12 +10,10 @@
 #include "Libs/Processes/Core/src/IWatcher.h"
 #include "Libs/Processes/Core/src/ListedFolder.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
-#include "Libs/Processes/Core/src/WatcherMetrics.h"
 
-// Scans one folder for complete submission folders and hands each to its consumer once. The way of a folder:
-// found by a scan on the watcher's own thread, known from then on for the rest of the run, pending until a
-// consumer takes it (any thread), and from there the consumer's to remove: a watcher never changes what is on
-// disk.
+// Scans one folder for complete submission folders and hands each to its consumer once. A folder is found on
+// the watcher's own thread, is known for the rest of the run, and is pending until a consumer takes it (any
+// thread). The consumer removes it: a watcher never changes what is on disk.
 class Watcher : public ApplicationProcessBase, public IWatcher {
 public:
     using ApplicationProcessBase::ApplicationProcessBase;
@@ -39,12 +38,13 @@ private:
     ResultCode ResolveFolder();
     ResultCode MakeMetrics();
     ResultCode ScanOnce();
-    ResultCode FindNew(std::vector<std::string>& names);
-    void AddToPending(const std::vector<std::string>& names);
+    void Accept(const std::vector<std::string>& names);
 
-    // Constant after Initialize.
+    // Constant after Initialize. The metrics are null without a collector.
     WatcherConfig m_config;
-    WatcherMetrics m_metrics;
+    std::shared_ptr<IMetric> m_pendingExisting;
+    std::shared_ptr<IMetric> m_pendingNew;
+    std::shared_ptr<IMetric> m_knownCount;
 
     // The watcher's thread alone, once it runs.
     KnownFolders m_known;
