@@ -22,14 +22,14 @@ YES, NO = "Return", "Escape"
 class Day:
     """One machine with the game and the agent beside it, and one story of all that the agents said."""
 
-    def __init__(self, folder, display, store, bucket):
+    def __init__(self, folder, display, store, bucket, delay=1500):
         self.folder, self._display = folder, display
         self.app = folder / "My Game"
         self.dumps = self.app / "dumps"
         self.story = []
         shutil.copy(GAME, folder / "MyGame.exe")
         self._configuration = folder / "agent.json"
-        self._configuration.write_text(json.dumps(in_fast_motion(store, bucket)), encoding="utf-8")
+        self._configuration.write_text(json.dumps(in_fast_motion(store, bucket, delay)), encoding="utf-8")
 
     @property
     def packaged(self):
@@ -48,9 +48,9 @@ class Day:
     def crash(self, name, *arguments):
         self.start_game("--name", name, *arguments).wait()
 
-    def start_agent(self):
+    def start_agent(self, *arguments):
         return Program(EXECUTABLE, f"-config={windows_path(self._configuration)}",
-                       f"-appFolder={windows_path(self.app)}", variables=self._display.variables())
+                       f"-appFolder={windows_path(self.app)}", *arguments, variables=self._display.variables())
 
     def answer(self, key):
         self._display.wait_for_window(PROMPT)
@@ -71,13 +71,13 @@ class Day:
         print("\n" + story)
 
 
-def in_fast_motion(store, bucket):
+def in_fast_motion(store, bucket, delay):
     """The recommended configuration, with the test's store and a day's times in seconds."""
     configuration = json.loads(RECOMMENDED.read_text(encoding="utf-8"))
     for section in configuration.values():
         if "TimeBetweenChecks" in section:
             section["TimeBetweenChecks"] //= 20
-    configuration["ProcessMonitor"].update({"TimeBetweenChecks": 100, "ShutdownDelay": 1500})
+    configuration["ProcessMonitor"].update({"TimeBetweenChecks": 100, "ShutdownDelay": delay})
     configuration["DiskQuota"].update({"InvalidGraceTime": GRACE_TIME, "PackagedQuota": 1 << 20})
     configuration["Uploader"].update({"BucketName": bucket, "AccessKey": ACCESS_KEY, "SecretKey": SECRET_KEY,
                                       "EndpointOverride": store.endpoint, "UseVirtualAddressing": False})
@@ -179,3 +179,41 @@ def test_a_day(scratch, display, store, bucket):
         "== Night", "crash-5 to pending folder list", " ProcessMonitor requesting shutting down..."])
     failures = [line for line in day.story if "Error=" in line]
     assert len(failures) == 3 and all(" Failed to upload package in folder" in line for line in failures)
+
+
+@pytest.mark.limit(120)
+def test_a_studios_evening(scratch, display, store, bucket):
+    """Copies upon copies with the recommended delay: a living agent takes every crash, and one prompt is enough."""
+    day = Day(scratch, display, store, bucket, delay=600_000)
+    day.crash("before the agents")
+    game, copies = day.play(), [day.start_agent() for _ in range(3)]
+    wait_until(lambda: sum(copy.running for copy in copies) == 1, 20, "one of three copies left")
+    (first,) = [copy for copy in copies if copy.running]
+    day.answer(YES)
+    first.wait_for("before the agents\" in ")
+    turned_away = day.start_agent()
+    assert turned_away.wait(10) == 0
+    first.kill()
+
+    agent = day.start_agent()
+    day.crash("after a kill")
+    day.answer(YES)
+    agent.wait_for("after a kill\" in ")
+    game.kill()
+    agent.wait_for(" All monitored processes have closed")
+    game, turned_away = day.play(), day.start_agent()
+    agent.wait_for(" A monitored processes has reappeared", 5)
+    assert turned_away.wait(10) == 0
+    day.crash("in the delay")
+    agent.wait_for("in the delay\" in ")
+    game.kill()
+    agent.kill()
+
+    with day.start_agent("-console") as agent:
+        agent.wait_for(" All monitored processes have closed")
+        wait_until(lambda: any(window.foreground for window in display.windows("MorvaneCrashReporter")), 20, "a console")
+        display.press("q")
+        assert agent.wait(5) == 0
+    sent = [read_package(store.get(bucket, key)).header["InstanceKey"] for key in store.keys(bucket)]
+    assert sorted(sent) == ["after a kill", "before the agents", "in the delay"]
+    assert not display.windows()

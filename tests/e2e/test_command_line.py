@@ -77,6 +77,15 @@ def test_folders_are_made_with_their_parents(idle):
     assert not list(log.iterdir())  # lines go to the outputs, not to files
 
 
+@pytest.mark.parametrize("option", ["appFolder", "log"])
+def test_a_file_is_no_folder(idle, option):
+    file = idle.folder / "file"
+    file.touch()
+    code, agent = run(f"-config={windows_path(idle.write_configuration())}", f"-{option}={windows_path(file)}",
+                      f"-appFolder={windows_path(idle.folder / 'app')}")
+    assert code == 2 and " Initialization failure. Error=A file has the name of the folder\r\n" in agent.text
+
+
 def test_the_application_folder_lies_in_the_documents(idle):
     for name, last in (("太郎 Game", "太郎 Game"), ("", "MorvaneCrashReporter")):
         idle.configuration["Application"]["ApplicationFolder"] = name

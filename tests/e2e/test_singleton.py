@@ -14,7 +14,7 @@ STOPS = " Process already running requesting shutdown..."
 def copies(site):
     """Starts copies of the agent from folders and under names of their own; all end with the test."""
     started = []
-    site.configuration["Application"]["Processes"]["SingletonAssurance"] = ["Singleton"]
+    site.configuration["Application"]["Processes"]["SingletonAssurance"] = ["Zuletzt"]  # starts after all others
     game = Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet")  # no agent ends because of it
 
     def start(folder, name="MorvaneCrashReporter.exe", by_name=False):
@@ -64,6 +64,21 @@ def test_copies_started_at_once_leave_one(site, copies):
     (left,) = [agent for agent in agents if agent.running]
     assert all(agent.wait() == 0 and STOPS in agent.text for agent in agents if agent is not left)
     assert_undisturbed(left, site)
+
+
+def test_a_copy_that_goes_does_nothing_before(site, copies):
+    """Even the quickest one: it would ask without a screen, take that for a No and delete what the first has to send."""
+    site.configuration["Uploader"]["EndpointOverride"] = "http://127.0.0.1:1"  # nobody listens
+    write_small(site.dumps, "unsent")
+    older = runs(copies("first"))
+    older.wait_for(" Failed to upload package")
+    site.configuration["PackageWatcher"]["TimeBetweenChecks"] = 0
+    site.configuration["Uploader"] |= {"TimeBetweenChecks": 0, "AskPermission": True}
+    for _ in range(5):
+        later = copies("first")
+        assert later.wait(20) == 0
+        assert " Added " not in later.text and "permission" not in later.text
+    assert len(site.waiting_packages()) == 1
 
 
 def test_another_name_is_another_program(site, copies):

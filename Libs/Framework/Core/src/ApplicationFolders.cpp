@@ -49,8 +49,12 @@ std::string ResolveLogFolder(int argc, const char** argv, const std::string& fal
 }
 
 ResultCode CreateMissingFolder(const std::string& folder) {
-    return PlatformHelpers::PathExists(folder) ? Platform::Success
-                                               : PlatformHelpers::CreateFolderTree(folder);
+    if (!PlatformHelpers::PathExists(folder)) {
+        return PlatformHelpers::CreateFolderTree(folder);
+    }
+    PlatformHelpers::FileStatus status;
+    RETURN_IF_FAILED(PlatformHelpers::QueryFileStatus(folder, status));
+    return status.isFolder ? Platform::Success : ResultCode("A file has the name of the folder");
 }
 
 ResultCode SetLogRootFolder(const std::string& folder) {

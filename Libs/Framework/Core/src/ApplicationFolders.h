@@ -19,7 +19,7 @@ std::string ResolveApplicationFolder(int argc, const char** argv, const std::str
 // The option -log=, else the fallback.
 std::string ResolveLogFolder(int argc, const char** argv, const std::string& fallback);
 
-// Creates the folder with its parents unless something of that name exists.
+// Creates the folder with its parents unless it exists. Fails for a file of that name.
 ResultCode CreateMissingFolder(const std::string& folder);
 
 ResultCode SetLogRootFolder(const std::string& folder);

@@ -56,8 +56,10 @@ public:
 
     template <class T>
     void RegisterMaker(const char* procName) {
+        // Checked outside the lock: whoever is told may look a maker up. A name is registered once, so nobody
+        // else is at this one.
+        PLATFORM_ASSERT_TEXT(FindMaker(procName) == nullptr, "m_makers.find(procName) == m_makers.end()");
         const std::lock_guard lock(m_lock);
-        PLATFORM_ASSERT(m_makers.find(procName) == m_makers.end());
         m_makers.emplace(procName, std::make_shared<TypedMaker<T, Interface>>());
     }
 

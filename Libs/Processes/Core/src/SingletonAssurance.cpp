@@ -2,14 +2,40 @@
 
 #include <windows.h>
 
+#include <chrono>
 #include <cstdint>
 
-#include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 Reflection_DefinePolymorphicType(SingletonAssurance);
+
+namespace {
+
+using SingletonDecision::State;
+
+constexpr std::chrono::seconds LongestWait(60);
+constexpr uint32_t TimeBetweenLooks = 50; // milliseconds
+
+struct CloseHandleDeleter {
+    void operator()(HANDLE handle) const { CloseHandle(handle); }
+};
+using UniqueHandle = std::unique_ptr<void, CloseHandleDeleter>;
+
+// Global: the copies of one user may run in several sessions.
+std::wstring EventName(uint32_t processId) {
+    return L"Global\\MorvaneCrashReporter." + std::to_wstring(processId);
+}
+
+State StateOf(uint32_t processId) {
+    const UniqueHandle event(OpenEventW(SYNCHRONIZE, FALSE, EventName(processId).c_str()));
+    if (!event) {
+        return GetLastError() == ERROR_ACCESS_DENIED ? State::Staying : State::Deciding;
+    }
+    return WaitForSingleObject(event.get(), 0) == WAIT_OBJECT_0 ? State::Staying : State::Ending;
+}
+
+} // namespace
 
 ResultCode SingletonAssurance::Initialize(const JsonDocument&, int argc, const char** argv) {
     auto name = SingletonDecision::ExecutableName(argc > 0 && argv[0] ? argv[0] : "");
@@ -20,20 +46,38 @@ ResultCode SingletonAssurance::Initialize(const JsonDocument&, int argc, const c
     return Platform::Success;
 }
 
-bool SingletonAssurance::ThreadMain() {
-    std::vector<SingletonDecision::Copy> copies;
-    if (const ResultCode result = ExceptionToResult([&] { return FindCopies(copies); }); !result) {
-        PLATFORM_LOG(Platform::ErrorLog, " Failed to get process IDs for SigletonAssurance. Error=%s",
-                     result.Text());
-        return IsStopRequested();
-    }
-    if (SingletonDecision::MustStop(copies, GetCurrentProcessId())) {
+ResultCode SingletonAssurance::PostInitialize() {
+    const bool stays = MayStay();
+    const HANDLE event = CreateEventW(nullptr, TRUE, stays, EventName(GetCurrentProcessId()).c_str());
+    m_stays = UniqueHandle(event);
+    if (!stays) {
         PLATFORM_LOG(Platform::InfoLog, " Process already running requesting shutdown...");
-        if (ApplicationBase* application = GetApplication()) {
-            application->RequestShutdown();
-        }
+        RequestApplicationShutdown();
     }
-    return IsStopRequested();
+    return Platform::Success;
+}
+
+bool SingletonAssurance::MayStay() const {
+    using SingletonDecision::Verdict;
+    const auto end = std::chrono::steady_clock::now() + LongestWait;
+    do {
+        std::vector<SingletonDecision::Copy> copies;
+        if (const ResultCode result = FindCopies(copies); !result) {
+            PLATFORM_LOG(Platform::ErrorLog, " Failed to get process IDs for SigletonAssurance. Error=%s",
+                         result.Text());
+            return true;
+        }
+        const Verdict verdict = SingletonDecision::Decide(copies, GetCurrentProcessId());
+        if (verdict != Verdict::Wait) {
+            return verdict == Verdict::Stay;
+        }
+    } while (Pause(TimeBetweenLooks) && std::chrono::steady_clock::now() < end);
+    return false;
+}
+
+void SingletonAssurance::RequestShutdown() {
+    Reflected::RequestShutdown();
+    ResetEvent(m_stays.get());
 }
 
 // The right to ask for the name is the right to ask for the time: a process without a time has ended since.
@@ -46,7 +90,7 @@ ResultCode SingletonAssurance::FindCopies(std::vector<SingletonDecision::Copy>& 
     for (const uint32_t id : processIds) {
         uint64_t creationTime = 0;
         if (PlatformHelpers::GetProcessCreationTime(id, creationTime)) {
-            copies.push_back({id, creationTime});
+            copies.push_back({id, creationTime, StateOf(id)});
         }
     }
     return Platform::Success;

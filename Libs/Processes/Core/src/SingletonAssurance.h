@@ -1,25 +1,34 @@
 #pragma once
 
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "Libs/Framework/Core/src/ReflectedProcess.h"
 #include "Libs/Processes/Core/src/SingletonDecision.h"
 
-// Ends the program when an older copy of it runs: another process whose image ends in the executable's name.
-// Looks once, shortly after the start, and is finished then; a copy that starts later finds this one. Owned
-// by the application.
+// Ends the program when another copy of it runs: another process whose image ends in the executable's name.
+// Decides once, before any process has started: a copy that goes has done nothing. A copy that starts later
+// finds this one. Owned by the application.
 class SingletonAssurance : public Reflected<SingletonAssurance> {
 public:
     using Reflected::Reflected;
 
     // Has no section: all it needs is argv[0].
     ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
-    bool ThreadMain() override;
+
+    // Waits up to a minute for a copy that is ending already: it may still be sending.
+    ResultCode PostInitialize() override;
+    bool ThreadMain() override { return IsStopRequested(); }
+    void RequestShutdown() override;
 
 private:
+    bool MayStay() const;
     ResultCode FindCopies(std::vector<SingletonDecision::Copy>& copies) const;
 
     std::string m_executableName; // constant after Initialize
+
+    // An event that other copies find by this process's id. It is set while this copy stays.
+    std::shared_ptr<void> m_stays;
 };
 Reflection_DeclarePolymorphicType(SingletonAssurance);

@@ -29,6 +29,7 @@ TEST(SingletonAssurance, TheOnlyCopyGoesOnInSilence) {
     SingletonAssurance singleton(&application, "Singleton");
     for (const char* argument : {"SingletonTest.exe", "No such program.exe", ""}) {
         ASSERT_TRUE(InitializeWith(singleton, argument));
+        ASSERT_TRUE(singleton.PostInitialize());
         EXPECT_FALSE(singleton.ThreadMain()) << "nobody asked it to stop";
     }
     EXPECT_TRUE(log.Entries().empty());

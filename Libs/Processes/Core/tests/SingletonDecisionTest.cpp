@@ -30,28 +30,31 @@ TEST(SingletonDecision, TheExecutablesNameFollowsTheLastBackslash) {
     }
 }
 
-TEST(SingletonDecision, TheOldestCopyStaysAndAllOthersGo) {
+TEST(SingletonDecision, OneCopyStaysAndTheOthersGo) {
+    using enum SingletonDecision::State;
+    using enum SingletonDecision::Verdict;
     const struct {
         const char* what;
         Copies copies;
-        uint32_t self;
-        bool mustStop;
+        SingletonDecision::Verdict verdict; // on the process with the id 8
     } rows[] = {
-        {"nobody matches", {}, 8, false},
-        {"alone", {{8, 100}}, 8, false},
-        {"the older of two", {{8, 100}, {12, 101}}, 8, false},
-        {"the younger of two", {{8, 100}, {12, 101}}, 12, true},
-        {"older with the higher id", {{8, 101}, {12, 100}}, 12, false},
-        {"younger with the lower id", {{8, 101}, {12, 100}}, 8, true},
-        {"same moment, lower id", {{12, 100}, {8, 100}}, 8, false},
-        {"same moment, higher id", {{12, 100}, {8, 100}}, 12, true},
-        {"the middle of three", {{4, 99}, {8, 100}, {12, 101}}, 8, true},
-        {"one other, itself unmatched", {{4, 99}}, 8, false},
-        {"two others, itself unmatched", {{4, 199}, {12, 101}}, 8, true},
+        {"nobody matches", {}, Stay},
+        {"alone", {{8, 100}}, Stay},
+        {"the older of two", {{8, 100}, {12, 101}}, Stay},
+        {"the younger of two", {{8, 101}, {4, 100}}, Go},
+        {"same moment, lower id", {{12, 100}, {8, 100}}, Stay},
+        {"same moment, higher id", {{4, 100}, {8, 100}}, Go},
+        {"the middle of three", {{4, 99}, {8, 100}, {12, 101}}, Go},
+        {"one other, itself unmatched", {{4, 99}}, Stay},
+        {"two others, itself unmatched", {{4, 199}, {12, 101}}, Go},
+        {"the clock was set back since the other started", {{4, 200, Staying}, {8, 100}}, Go},
+        {"the older other has sent itself away", {{4, 99, Ending}, {8, 100}}, Wait},
+        {"one ends, one stays", {{4, 99, Ending}, {8, 100}, {12, 101, Staying}}, Go},
+        {"one ends, an older one waits too", {{4, 98, Ending}, {5, 99}, {8, 100}}, Go},
+        {"one ends, a younger one waits too", {{4, 99, Ending}, {8, 100}, {12, 101}}, Wait},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(SingletonDecision::MustStop(row.copies, row.self), row.mustStop);
+        EXPECT_EQ(SingletonDecision::Decide(row.copies, 8), row.verdict) << row.what;
     }
 }
 
