@@ -4,18 +4,10 @@
 #include <string>
 
 #include "Libs/Processes/Core/src/FolderScan.h"
-#include "Libs/Tarnel/Platform/src/Windows/Platform_SystemPath.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Path.h"
 #include "bench/src/Bench.h"
 
 namespace {
-
-std::wstring Wide(const std::string& path) {
-    std::wstring wide;
-    if (Platform::ToSystemPath(path, wide) != Platform::EncodingOutcome::Done) {
-        Bench::Fail("no path: " + path);
-    }
-    return wide;
-}
 
 // As bench.sh names the folders that it makes: this program would take minutes for it, since Wine reads a
 // folder whole before it makes another one in it.
@@ -29,7 +21,7 @@ class KnownArea {
 public:
     KnownArea(const std::string& scratch, int count) : m_count(static_cast<std::size_t>(count)) {
         m_config.folder = scratch + "\\folders-" + std::to_string(count) + "\\";
-        m_search = Wide(m_config.folder) + L"*";
+        m_search = Platform::SystemPath(m_config.folder).Below(L"*");
         for (int i = 0; i < count; ++i) {
             m_known.insert(NameOf(i));
         }
@@ -45,7 +37,7 @@ public:
     void Enumerate() const {
         std::size_t found = 0;
         WIN32_FIND_DATAW entry;
-        HANDLE search = FindFirstFileExW(m_search.c_str(), FindExInfoBasic, &entry, FindExSearchNameMatch,
+        HANDLE search = FindFirstFileExW(m_search.Get(), FindExInfoBasic, &entry, FindExSearchNameMatch,
                                          nullptr, FIND_FIRST_EX_LARGE_FETCH);
         for (BOOL more = search != INVALID_HANDLE_VALUE; more; more = FindNextFileW(search, &entry)) {
             ++found;
@@ -61,7 +53,7 @@ public:
 private:
     WatcherConfig m_config;
     KnownFolders m_known;
-    std::wstring m_search;
+    Platform::SystemPath m_search;
     std::size_t m_count;
 };
 

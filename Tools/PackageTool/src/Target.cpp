@@ -4,8 +4,7 @@
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
-#include "Libs/Processes/Core/src/PathIdentity.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_RawFile.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 
 namespace Target {
 
@@ -21,12 +20,12 @@ std::string TemporaryPath(const std::string& folder) {
 
 ResultCode Replace(const std::string& newFile, const std::string& path) {
     PlatformHelpers::FileStatus old;
-    const bool wasReadOnly = PlatformHelpers::PathExists(path) && !PathIdentity::IsLink(path) &&
+    const bool wasReadOnly = PlatformHelpers::PathExists(path) && !Platform::IsLink(path) &&
                              PlatformHelpers::QueryFileStatus(path, old).Succeeded() && old.isReadOnly;
     if (wasReadOnly) { // Windows replaces no read-only file
         RETURN_IF_FAILED(PlatformHelpers::MakeFileWritable(path));
     }
-    if (Platform::RenameFile(newFile, path)) {
+    if (Platform::RenameFile(newFile, path) == Platform::NoError) {
         return Platform::Success;
     }
     if (wasReadOnly) {

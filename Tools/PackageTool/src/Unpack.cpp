@@ -9,7 +9,7 @@
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Libs/Processes/Core/src/PathIdentity.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_RawFile.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 #include "Tools/PackageTool/src/Report.h"
 #include "Tools/PackageTool/src/Target.h"
@@ -28,18 +28,6 @@ std::string Numbered(const std::string& name, unsigned number) {
     const std::size_t dot = name.find_last_of('.');
     const std::size_t end = dot == std::string::npos || dot <= fileStart ? name.size() : dot;
     return name.substr(0, end) + "~" + std::to_string(number) + name.substr(end);
-}
-
-bool WriteAll(Platform::RawFile& file, UnpackFolder::Piece bytes) {
-    while (!bytes.empty()) {
-        uint32_t written = 0;
-        const auto wanted = static_cast<uint32_t>(std::min<std::size_t>(bytes.size(), 1 << 20));
-        if (!file.Write(bytes.data(), wanted, written) || written == 0) {
-            return false;
-        }
-        bytes = bytes.subspan(written);
-    }
-    return true;
 }
 
 // submission.pkg gives submission; a name that is taken gets a number.
@@ -169,13 +157,14 @@ std::string UnpackFolder::Write(const std::string& name, const Fill& fill, std::
         return reason;
     }
     const std::string written = exists ? Target::TemporaryPath(m_folder) : target;
-    Platform::RawFile file;
-    if (!file.CreateNew(written)) {
+    Platform::File file;
+    if (file.Open(written, Platform::FileWrite | Platform::FileCreateNew) != Platform::NoError) {
         return PlatformHelpers::PathExists(written) ? "There is already a file of that name"
                                                     : "Failed to create the file";
     }
     bool isWritten = true;
-    const bool isFilled = fill([&](Piece piece) { return isWritten = WriteAll(file, piece); });
+    const bool isFilled =
+        fill([&](Piece piece) { return isWritten = file.Write(piece) == Platform::NoError; });
     isWritten = file.Close() && isWritten;
     if (!isWritten) {
         reason = "Failed to write the file";

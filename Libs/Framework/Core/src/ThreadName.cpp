@@ -5,7 +5,7 @@
 #include <new>
 #include <string>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
 
 namespace {
 
@@ -50,7 +50,8 @@ void DescribeThread(HANDLE thread, const char* name) {
     const auto setDescription = reinterpret_cast<SetDescription>(
         GetProcAddress(GetModuleHandleW(L"kernel32.dll"), "SetThreadDescription"));
     std::wstring wide;
-    if (setDescription && Platform::Utf8ToWide(name, wide) == Platform::EncodingOutcome::Done) {
+    if (setDescription &&
+        Platform::ConvertString(std::string_view(name), wide) == Platform::ConvertString_Done) {
         setDescription(thread, wide.c_str());
     }
 }

@@ -8,8 +8,7 @@
 #include <string_view>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ConvertString.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
 
 namespace JsonSerialization {
 
@@ -106,7 +105,7 @@ ResultCode ReadWide(const TypeDescriptor& type, void* object, const ReadSource& 
 
 ResultCode WriteWide(const TypeDescriptor& type, const void* object, const WriteTarget& target) {
     std::string text;
-    if (Platform::WideToUtf8(type.operations.wide->view(object), text) != Platform::EncodingOutcome::Done) {
+    if (Platform::ConvertString(type.operations.wide->view(object), text) != Platform::ConvertString_Done) {
         return "Failed to convert from wide string!";
     }
     return SetText(target, text);

@@ -1,135 +1,159 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 
-#include <fstream>
-#include <string>
-#include <thread>
-#include <vector>
+#include <algorithm>
+#include <cstdlib>
+#include <new>
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_DirectoryTree.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "tests/support/AssertCapture.h"
 #include "tests/support/ScratchFolder.h"
 
 using namespace Platform;
 
-TEST(File, RecordFollowsWritesAndIsResetByClose) {
-    const TestSupport::ScratchFolder folder("File");
-    const std::wstring path = folder.Wide() + L"/file";
-    File file;
-    file.accessFlags = FileWrite | FileCreateAndTruncate;
-    ASSERT_TRUE(OpenFile(file, path.c_str()));
-    EXPECT_EQ(0u, file.size);
-    EXPECT_FALSE(OpenFile(file, path.c_str())); // open already
-    EXPECT_TRUE(WriteFileAt(file, 4, "5678", 4));
-    EXPECT_TRUE(WriteFileAt(file, 0, "1234", 4));
-    EXPECT_EQ(4u, file.position);
-    EXPECT_EQ(8u, file.size);
-    EXPECT_TRUE(CloseFile(file));
-    EXPECT_EQ(File::InvalidHandle, file.handle);
-    EXPECT_EQ(0u, file.accessFlags + file.position + file.size);
-    std::string text;
-    std::ifstream(folder.Folder() / "file") >> text;
-    EXPECT_EQ("12345678", text);
-    file.accessFlags = FileRead;
-    EXPECT_TRUE(OpenFile(file, path.c_str()));
-    EXPECT_EQ(8u, file.size);
-    EXPECT_TRUE(CloseFile(file));
+namespace {
+
+const std::string Decomposed = "Jo\xCC\x88rg \xE5\xA4\xAA\xE9\x83\x8E";
+
+std::vector<uint8_t> Bytes(std::size_t size) {
+    return std::vector<uint8_t>(size, uint8_t{'x'});
 }
 
-TEST(File, MisuseIsReported) {
-    const TestSupport::ScratchFolder folder("FileMisuse");
-    const std::wstring path = folder.Wide() + L"/file";
+std::vector<std::string> NamesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    FolderListing listing(folder);
+    while (listing.Next()) {
+        EXPECT_EQ(ToUtf8(listing.Name(), names.emplace_back()), NoError);
+    }
+    EXPECT_EQ(listing.Error(), NoError);
+    std::ranges::sort(names);
+    return names;
+}
+
+} // namespace
+
+// Each call gets the name as it stands, whatever its letters, its length and its end.
+TEST(PlatformIO, EveryCallTakesEveryName) {
+    const TestSupport::ScratchFolder scratch;
+    std::string deep = scratch.Path() + "deep";
+    while (deep.size() < 400) {
+        deep += "/a folder with a fairly long name";
+    }
+    for (const std::string& folder :
+         {scratch.Path() + Decomposed, scratch.Path() + "J\xC3\xB6rg " + "\xE5\xA4\xAA\xE9\x83\x8E",
+          scratch.Path() + "ends in a dot.", deep + "/" + Decomposed}) {
+        ASSERT_TRUE(CreateDirectoryTree(folder.c_str())) << folder;
+        ASSERT_TRUE(CreateOneDirectory(folder.c_str()));
+        const std::string path = folder + "/a. ";
+        ASSERT_EQ(WriteWholeFile(path, Bytes(3 << 20)), WriteOutcome::Done) << folder;
+        ASSERT_EQ(WriteWholeFile(path, Bytes(9), WriteDurability::FlushToDisk), WriteOutcome::Done);
+        FileInfo info;
+        ASSERT_EQ(SetAttributes(path, ReadOnlyAttribute), NoError) << folder;
+        ASSERT_EQ(QueryInfo(path, info), NoError);
+        EXPECT_TRUE(info.IsReadOnly() && !info.IsFolder() && info.size == 9) << folder;
+        ASSERT_EQ(SetAttributes(path, 0x80), NoError);
+        std::vector<uint8_t> bytes;
+        EXPECT_EQ(ReadWholeFile(path, bytes), ReadOutcome::Done);
+        EXPECT_EQ(bytes, Bytes(9));
+        EXPECT_EQ(RenameFile(path, folder + "/b"), NoError);
+        EXPECT_EQ(NamesIn(folder), std::vector<std::string>{"b"});
+        EXPECT_EQ(RemoveFile(folder + "/b"), NoError);
+        EXPECT_FALSE(Exists(folder + "/b"));
+    }
+    EXPECT_EQ(NamesIn(scratch.Path()).size(), 4u); // two spellings of one name are two folders
+    for (SystemPath path = deep + "/" + Decomposed; NamesIn(scratch.Path()).size() > 3;
+         path = path.Parent()) {
+        ASSERT_EQ(RemoveEmptyFolder(path), NoError);
+    }
+}
+
+TEST(PlatformIO, FailuresHaveTheirOutcomes) {
+    const TestSupport::ScratchFolder scratch;
+    scratch.MakeFile("empty", "");
+    std::vector<uint8_t> bytes;
+    EXPECT_STREQ(ReadFileBytes(scratch.PathOf("empty"), bytes).Text(),
+                 "Failed to read zero length input file!");
+    for (const std::string& path :
+         {scratch.PathOf("missing/x"), scratch.Path(), std::string(), scratch.Path() + "\xFF"}) {
+        EXPECT_STREQ(ReadFileBytes(path, bytes).Text(), "Failed to open input file") << path;
+        EXPECT_EQ(WriteWholeFile(path, Bytes(1)), WriteOutcome::OpenFailed) << path;
+        EXPECT_FALSE(FolderListing(path + "none").Next());
+    }
+    EXPECT_NE(FolderListing(scratch.PathOf("missing")).Error(), NoError);
+    EXPECT_NE(RemoveFile(scratch.PathOf("missing")), NoError);
+}
+
+TEST(PlatformIO, MisuseOfAFileIsReported) {
+    const TestSupport::ScratchFolder scratch;
     const AssertCapture capture;
     File file;
-    EXPECT_FALSE(OpenFile(file, path.c_str()));
-    EXPECT_FALSE(CloseFile(file));
-    file.accessFlags = FileRead;
-    EXPECT_FALSE(OpenFile(file, path.c_str())); // there is no such file, which is no misuse
-    EXPECT_EQ((std::vector<std::string>{
+    ReportOpening(file.Open(scratch.PathOf("file"), 0));
+    EXPECT_FALSE(file.Close());
+    ASSERT_EQ(file.Open(scratch.MakeFile("file", "1234"), FileRead), NoError);
+    EXPECT_EQ(file.Open(scratch.PathOf("file"), FileRead), File::AlreadyOpen);
+    EXPECT_EQ(capture.Texts(),
+              (std::vector<std::string>{
                   "false|File access flags not specified",
-                  "file_handle != INVALID_HANDLE_VALUE|Invalid File Handle passed into CloseFile"}),
-              capture.Texts());
+                  "file_handle != INVALID_HANDLE_VALUE|Invalid File Handle passed into CloseFile"}));
+    EXPECT_FALSE(WriteFileAt(file.Get(), 0, "x", 1));
+    ASSERT_EQ(capture.Failures().size(), 3u);
+    EXPECT_TRUE(capture.Failures()[2].message.starts_with("File write failed. Error code is "));
 }
 
-TEST(File, WriteTheSystemRefusesIsReported) {
-    const TestSupport::ScratchFolder folder("FileRefused");
-    std::ofstream(folder.Folder() / "file") << "text";
-    File file;
-    file.accessFlags = FileRead;
-    ASSERT_TRUE(OpenFile(file, (folder.Wide() + L"/file").c_str()));
-    {
-        const AssertCapture capture;
-        EXPECT_FALSE(WriteFileAt(file, 0, "x", 1));
-        ASSERT_EQ(1u, capture.Failures().size());
-        EXPECT_EQ(0u, capture.Failures()[0].message.find("File write failed. Error code is "));
+TEST(PlatformIO, TreesBeginBelowTheRoot) {
+    const TestSupport::ScratchFolder scratch;
+    scratch.MakeFile("file", "in the way");
+    const struct {
+        std::string path;
+        bool isMade;
+    } rows[] = {
+        {scratch.PathOf("a/b/c") + "/", true},
+        {scratch.PathOf("file/below/deeper"), false},
+        {"first-part/is/never/made", false},
+#if defined(_WIN32)
+        {R"(\\?\)" + scratch.PathOf("d\\e\\f"), true},
+        {R"(\\?\Q:\no\such\drive)", false},
+#endif
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(CreateDirectoryTree(row.path.c_str()), row.isMade) << row.path;
+        EXPECT_EQ(Exists(row.path), row.isMade) << row.path;
     }
-    EXPECT_EQ(0u, file.position);
-    EXPECT_TRUE(CloseFile(file));
-}
-
-TEST(DirectoryTree, NarrowAndWideCreateTheSame) {
-    const TestSupport::ScratchFolder folder("Tree");
-    const std::string narrow = folder.PathOf("n/J\xC3\xB6rg/\xE5\xA4\xAA");
-    const std::wstring wide = folder.Wide() + L"/w/J\u00F6rg/\u592A/";
-    EXPECT_FALSE(CreateOneDirectory(narrow.c_str())); // no parent
-    for (int i = 0; i < 2; ++i) {                     // the second time all is there
-        EXPECT_TRUE(CreateDirectoryTree(narrow.c_str()));
-        EXPECT_TRUE(CreateDirectoryTree(wide.c_str()));
-    }
-    EXPECT_TRUE(CreateOneDirectory(narrow.c_str()));
-    EXPECT_TRUE(std::filesystem::is_directory(folder.Folder() / u8"n/Jörg/太"));
-    EXPECT_TRUE(std::filesystem::is_directory(folder.Folder() / u8"w/Jörg/太"));
-}
-
-TEST(DirectoryTree, StopsAtTheFirstFolderThatFails) {
-    const TestSupport::ScratchFolder folder("TreeBlocked");
-    std::ofstream(folder.Folder() / "file") << "in the way";
-    EXPECT_FALSE(CreateDirectoryTree(folder.PathOf("file/below/deeper").c_str()));
+    const std::wstring wide = scratch.Wide() + L"/w/J\u00F6rg/\u592A/";
+    EXPECT_TRUE(CreateDirectoryTree(wide.c_str()));
+    EXPECT_TRUE(scratch.Exists("w/J\xC3\xB6rg/\xE5\xA4\xAA"));
     const AssertCapture capture;
     EXPECT_FALSE(CreateDirectoryTree(static_cast<const char*>(nullptr)));
     EXPECT_FALSE(CreateDirectoryTree(static_cast<const wchar_t*>(nullptr)));
-    EXPECT_EQ((std::vector<std::string>{"szCompleteFilePath|", "szCompleteFilePath|"}), capture.Texts());
+    EXPECT_EQ(capture.Texts(), (std::vector<std::string>{"szCompleteFilePath|", "szCompleteFilePath|"}));
 }
 
-// The order of the calls, with a file system that knows only the folders listed.
-TEST(DirectoryTree, AsksForTheWholePathThenFromTheSecondSeparatorOn) {
-    const struct {
-        const char* path;
-        std::vector<std::string> calls;
-        bool result;
-    } rows[] = {
-        {"X:/a", {"X:/a"}, false}, // the part before the first separator is never created
-        {"name", {"name"}, false},
-        {"X:/a/b", {"X:/a/b", "X:/a", "X:/a/b"}, true},
-        {"X:/a/b/", {"X:/a/b/", "X:/a", "X:/a/b"}, true},
-        {"X:/bad/b/c", {"X:/bad/b/c", "X:/bad"}, false},
-    };
-    for (const auto& row : rows) {
-        std::vector<std::string> calls;
-        const bool result = CreateTree(row.path, [&calls](const char* path) {
-            std::string text(path);
-            for (char& c : text) {
-                c = c == '\\' ? '/' : c;
-            }
-            calls.push_back(text);
-            return calls.size() > 1 && text != "X:/bad";
-        });
-        EXPECT_EQ(row.result, result) << row.path;
-        EXPECT_EQ(row.calls, calls) << row.path;
+#if defined(_WIN32)
+// This program's memory ends at 1 GiB a block: the system might promise more than it can give.
+void* operator new(std::size_t size) {
+    void* const block = size > (std::size_t{1} << 30) ? nullptr : std::malloc(size);
+    if (!block) {
+        throw std::bad_alloc();
     }
+    return block;
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
 }
 
-TEST(ThreadId, MainThreadIsTheFirstCaller) {
-    const uint32_t mainThread = GetMainThreadId();
-    EXPECT_EQ(GetCurrentThreadIdImpl(), mainThread);
-    uint32_t seen = 0;
-    uint32_t own = 0;
-    std::thread([&] {
-        seen = GetMainThreadId();
-        own = GetCurrentThreadIdImpl();
-    }).join();
-    EXPECT_EQ(mainThread, seen);
-    EXPECT_NE(mainThread, own);
+TEST(PlatformIO, FileBeyondMemoryIsAReadFailure) {
+    const TestSupport::ScratchFolder scratch;
+    const std::string path = scratch.PathOf("huge");
+    File file;
+    ASSERT_EQ(file.Open(path, FileWrite | FileCreateNew, ShareAll), NoError);
+    ASSERT_TRUE(WriteFileAt(file.Get(), uint64_t{5} << 30, "x", 1)); // nothing before it takes room
+    std::vector<uint8_t> bytes = {9};
+    EXPECT_EQ(ReadWholeFile(path, bytes, ReadSharing::DenyWriters), ReadOutcome::OpenFailed);
+    EXPECT_EQ(ReadWholeFile(path, bytes), ReadOutcome::ReadFailed);
+    EXPECT_TRUE(bytes.empty());
 }
+#endif

@@ -1,35 +1,81 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
 
-#include <string>
+#include <cstdint>
 
 #include <gtest/gtest.h>
 
 #include "tests/support/AssertCapture.h"
 
-TEST(StringCommon, OverlappingCopiesKeepTheText) {
-    wchar_t up[] = L"abcdef";
-    EXPECT_EQ(up + 2, Platform::StringCopy(up + 2, up, 4));
-    EXPECT_EQ(std::wstring(L"ababcd"), up);
-    wchar_t down[] = L"abcdef";
-    Platform::StringCopy(down, down + 2, 5);
-    EXPECT_EQ(std::wstring(L"cdef"), down);
+using namespace Platform;
+
+TEST(StringCommon, WellFormedTextConvertsBothWays) {
+    const struct {
+        std::string utf8;
+        std::wstring wide;
+    } rows[] = {
+        {"", L""},
+        {std::string("a\0b", 3), std::wstring(L"a\0b", 3)},
+        {"\x7F\xC2\x80\xDF\xBF", L"\x7F\x80\x7FF"},
+        {"\xE0\xA0\x80\xED\x9F\xBF\xEE\x80\x80\xEF\xBF\xBF", L"\x800\xD7FF\xE000\xFFFF"},
+        {"\xF0\x90\x80\x80\xF4\x8F\xBF\xBF", L"\U00010000\U0010FFFF"},
+        {"Jo\xCC\x88rg", L"Jo\u0308rg"}, // stays decomposed
+    };
+    for (const auto& row : rows) {
+        std::wstring wide = L"old";
+        std::string utf8 = "old";
+        EXPECT_EQ(ConvertString(row.utf8, wide), ConvertString_Done) << row.utf8;
+        EXPECT_EQ(wide, row.wide) << row.utf8;
+        EXPECT_EQ(ConvertString(row.wide, utf8), ConvertString_Done) << row.utf8;
+        EXPECT_EQ(utf8, row.utf8);
+    }
 }
 
-TEST(StringCommon, FindsTheFirstOfASet) {
-    const wchar_t text[] = L"C:\\a/b";
-    EXPECT_EQ(text + 2, Platform::StringFindFirstOf(text, L"/\\"));
-    EXPECT_EQ(nullptr, Platform::StringFindFirstOf(text, L"xyz"));
-    EXPECT_EQ(nullptr, Platform::StringFindFirstOf(text, L""));
-    EXPECT_EQ(6u, Platform::StringLength(text));
+TEST(StringCommon, IllFormedTextIsRefused) {
+    const struct {
+        std::string_view utf8;
+        ConvertStringResult result;
+    } rows[] = {
+        {"\x80", ConvertString_InvalidCharacter},     // continuation alone
+        {"\xC1\xBF", ConvertString_InvalidCharacter}, // overlong, and the next two
+        {"\xE0\x9F", ConvertString_InvalidCharacter},
+        {"\xF0\x8F\xBF", ConvertString_InvalidCharacter},
+        {"\xED\xA0\x80", ConvertString_InvalidCharacter}, // surrogates
+        {"\xED\xBF\xBF", ConvertString_InvalidCharacter},
+        {"\xF4\x90\x80\x80", ConvertString_InvalidCharacter}, // beyond U+10FFFF
+        {"\xF5\x80\x80\x80", ConvertString_InvalidCharacter},
+        {"ok\xE5\xA4(", ConvertString_InvalidCharacter}, // continuation missing
+        {"a\xF0\x9F\x98", ConvertString_Partial},
+        {"a\xED\x9F", ConvertString_Partial},
+        {{nullptr, 1}, ConvertString_InvalidArgument},
+        {{"a", SIZE_MAX / 2}, ConvertString_UnknownError}, // no string holds so much
+    };
+    for (const auto& row : rows) {
+        std::wstring wide = L"old";
+        EXPECT_EQ(ConvertString(row.utf8, wide), row.result) << &row - rows;
+        EXPECT_EQ(wide, L"");
+    }
+    const wchar_t high = 0xD83D;
+    const wchar_t low = 0xDE00;
+    for (const std::wstring& wide :
+         {std::wstring{high}, std::wstring{low, high}, std::wstring{high, L'a'}, std::wstring{L'a', high}}) {
+        std::string utf8 = "old";
+        EXPECT_EQ(ConvertString(wide, utf8), ConvertString_InvalidCharacter);
+        EXPECT_EQ(utf8, "");
+    }
 }
 
-TEST(StringCommon, NullPointersAreReported) {
+TEST(StringCommon, WideHelpersAssertTheirPointers) {
     const AssertCapture capture;
-    wchar_t buffer[4] = L"abc";
-    EXPECT_EQ(0u, Platform::StringLength(nullptr));
-    EXPECT_EQ(nullptr, Platform::StringCopy(nullptr, buffer, 1));
-    EXPECT_EQ(nullptr, Platform::StringCopy(buffer, nullptr, 1));
-    EXPECT_EQ(nullptr, Platform::StringFindFirstOf(nullptr, buffer));
-    EXPECT_EQ(nullptr, Platform::StringFindFirstOf(buffer, nullptr));
-    EXPECT_EQ((std::vector<std::string>{"str|", "dest|", "src|", "str|", "chars|"}), capture.Texts());
+    wchar_t text[] = L"abcdef";
+    EXPECT_EQ(StringCopy(text + 2, text, 4), text + 2); // overlapping
+    EXPECT_EQ(std::wstring(text), L"ababcd");
+    EXPECT_EQ(StringFindFirstOf(text, L"cb"), text + 1);
+    EXPECT_EQ(StringLength(text), 6u);
+    EXPECT_TRUE(capture.Texts().empty());
+    EXPECT_EQ(StringLength(nullptr), 0u);
+    EXPECT_EQ(StringCopy(nullptr, text, 1), nullptr);
+    EXPECT_EQ(StringCopy(text, nullptr, 1), nullptr);
+    EXPECT_EQ(StringFindFirstOf(nullptr, text), nullptr);
+    EXPECT_EQ(StringFindFirstOf(text, nullptr), nullptr);
+    EXPECT_EQ(capture.Texts(), (std::vector<std::string>{"str|", "dest|", "src|", "str|", "chars|"}));
 }

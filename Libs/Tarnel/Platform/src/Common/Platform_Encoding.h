@@ -1,15 +1,20 @@
 #pragma once
 
-#include <string>
-#include <string_view>
+#include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
 
-// UTF-8 to the system's wide form and back, strict: ill-formed input is refused, never replaced. No
-// normalisation; PlatformHelpers adds that.
 namespace Platform {
 
 enum class EncodingOutcome { Done, InvalidCharacter, OtherFailure };
 
-[[nodiscard]] EncodingOutcome Utf8ToWide(std::string_view text, std::wstring& wide);
-[[nodiscard]] EncodingOutcome WideToUtf8(std::wstring_view wide, std::string& text);
+inline EncodingOutcome Utf8ToWide(std::string_view text, std::wstring& wide) {
+    const auto result = ConvertString(text, wide);
+    return result == ConvertString_Done           ? EncodingOutcome::Done
+           : result == ConvertString_UnknownError ? EncodingOutcome::OtherFailure
+                                                  : EncodingOutcome::InvalidCharacter;
+}
+inline EncodingOutcome WideToUtf8(std::wstring_view wide, std::string& text) {
+    return ConvertString(wide, text) == ConvertString_Done ? EncodingOutcome::Done
+                                                           : EncodingOutcome::InvalidCharacter;
+}
 
 } // namespace Platform

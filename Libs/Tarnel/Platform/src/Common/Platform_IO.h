@@ -1,45 +1,210 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
+#include <memory>
+#include <span>
+#include <string>
 #include <vector>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_Handle.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Path.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// Files and folders at the level of the operating system. Wide paths are the system's own form: UTF-16 on
-// Windows, one code point a unit elsewhere. Nothing here logs.
+// Every call that takes a name of something on the disk is here. Paths are SystemPath, made from UTF-8 by
+// passing a string. A failure is the system's number; nothing throws; nothing logs.
 namespace Platform {
+
+inline constexpr uint32_t ReadOnlyAttribute = 0x01;
+inline constexpr uint32_t FolderAttribute = 0x10;
+inline constexpr uint32_t ReparseAttribute = 0x400;
+
+// What the system knows of a file or folder.
+struct FileInfo {
+    uint32_t attributes = 0;
+    uint32_t reparseTag = 0;   // the kind of a link or placeholder, from a listing only; 0 for neither
+    uint64_t creationTime = 0; // times count 100 ns since 1601
+    uint64_t lastAccessTime = 0;
+    uint64_t lastWriteTime = 0;
+    uint64_t size = 0; // bytes
+
+    bool IsFolder() const { return (attributes & FolderAttribute) != 0; }
+    bool IsReadOnly() const { return (attributes & ReadOnlyAttribute) != 0; }
+
+    // A junction or a symbolic link. A file that a cloud drive keeps elsewhere has the reparse attribute too,
+    // but its tag lacks the bit of those that lead to another name. A layer that knows no tags marks nothing
+    // but links.
+    bool IsLink() const {
+        constexpr uint32_t LeadsElsewhere = 0x20000000;
+        return (attributes & ReparseAttribute) != 0 &&
+               (reparseTag == 0 || (reparseTag & LeadsElsewhere) != 0);
+    }
+};
+
+// Of the link itself if path is one.
+[[nodiscard]] SystemError QueryInfo(const SystemPath& path, FileInfo& info) noexcept;
+bool Exists(const SystemPath& path) noexcept; // of whatever kind; false too if the system can't tell
+
+[[nodiscard]] SystemError SetAttributes(const SystemPath& path, uint32_t attributes) noexcept;
+
+// Of a link, the link alone; where the system would follow it, they fail.
+[[nodiscard]] SystemError RemoveFile(const SystemPath& path) noexcept;
+[[nodiscard]] SystemError RemoveEmptyFolder(const SystemPath& path) noexcept;
+
+// Success too if something of that name is there already.
+[[nodiscard]] SystemError CreateOneFolder(const SystemPath& path) noexcept;
+
+// Replaces a file at to. Both on one volume.
+[[nodiscard]] SystemError RenameFile(const SystemPath& from, const SystemPath& to) noexcept;
+
+// Creates one folder, or a folder with its parents; true too if it exists. The first part of a path (a drive,
+// a share, the first name of a relative path) is never created.
+[[nodiscard]] bool CreateOneDirectory(const char* path);
+[[nodiscard]] bool CreateOneDirectory(const wchar_t* path);
+[[nodiscard]] bool CreateDirectoryTree(const char* path);
+[[nodiscard]] bool CreateDirectoryTree(const wchar_t* path);
+
+// A virus scanner, an indexer or a backup holds a file for a moment: access is denied or the file is shared
+// out.
+bool IsHeld(SystemError error);
+
+// Ten attempts while it is held, with pauses of 2, 4, 8 ... 512 ms between them. pause waits for that time,
+// or less.
+using RetryPause = std::function<void(uint32_t milliseconds)>;
+inline constexpr uint32_t LastRetryPause = 512;
+inline constexpr uint32_t AllRetryPauses = 1022; // their sum
+
+void SleepFor(uint32_t milliseconds);
+
+template <class Attempt> // returns a SystemError
+SystemError RetryWhileHeld(Attempt attempt, const RetryPause& pause = SleepFor) {
+    SystemError error = attempt();
+    for (uint32_t delay = 2; IsHeld(error) && delay <= LastRetryPause; delay *= 2) {
+        pause(delay);
+        error = attempt();
+    }
+    return error;
+}
 
 enum FileAccess : uint32_t {
     FileRead = 1,
     FileWrite = 2,
     FileCreateAndTruncate = 4, // else an existing file is opened
     FileRandomAccess = 8,      // else sequential access is announced
+    FileCreateNew = 16,        // fails if something of that name exists, even a link that leads nowhere
 };
 
-enum FileShare : uint32_t { ShareNone = 0, ShareRead = 1, ShareWrite = 2, ShareDelete = 4 };
+enum FileShare : uint32_t { ShareNone = 0, ShareRead = 1, ShareWrite = 2, ShareDelete = 4, ShareAll = 7 };
 
-// One file, opened or not. Plain data: whoever opens it closes it.
-struct File {
-    static constexpr intptr_t InvalidHandle = -1;
+// How long an opening waits for a file that is held: not at all, or through RetryWhileHeld.
+enum class Patience { None, WhileHeld };
 
-    intptr_t handle = InvalidHandle;
-    uint32_t accessFlags = 0;
-    uint32_t shareMode = ShareRead;
-    uint64_t position = 0; // after the last write
-    uint64_t size = 0;     // at opening, raised by writes past the end
+// An open file; closes itself. One thread at a time.
+class File {
+public:
+    // Folders don't open. Errors of its own beside the system's: AlreadyOpen, NoAccess, NoSize.
+    [[nodiscard]] SystemError Open(const SystemPath& path, uint32_t access, uint32_t share = ShareRead,
+                                   Patience patience = Patience::None) noexcept;
+
+    static constexpr SystemError AlreadyOpen = 0x20000001;
+    static constexpr SystemError NoAccess = 0x20000002; // neither FileRead nor FileWrite was asked for
+    static constexpr SystemError NoSize = 0x20000003;
+
+    // In bytes, at opening.
+    uint64_t GetSize() const { return m_size; }
+
+    // Fills the buffer as far as the file goes; less than its size is the end of the file.
+    [[nodiscard]] SystemError Read(std::span<uint8_t> buffer, std::size_t& count) noexcept;
+
+    // Writes everything. After a failure a part may be written.
+    [[nodiscard]] SystemError Write(std::span<const uint8_t> bytes) noexcept;
+
+    // The bytes are on the medium afterwards.
+    [[nodiscard]] SystemError Flush() noexcept;
+
+    // False if the system reports a late write error. Nothing open is a failed assertion.
+    [[nodiscard]] bool Close();
+
+    NativeHandle Get() const { return m_handle.Get(); }
+    NativeHandle Release() {
+        return m_handle.Release();
+    } // for a file that is to stay open until the process ends
+
+private:
+    friend class Folder;
+
+    KernelHandle m_handle;
+    uint64_t m_size = 0;
 };
 
-// Opens path as accessFlags and shareMode of the record say. False when the record is open already, when the
-// flags name no access, or when the system refuses.
-[[nodiscard]] bool OpenFile(File& file, const wchar_t* path);
-bool CloseFile(File& file);
+// Raises the assertion that belongs to an error of File::Open, if any. Apart from Open, for callers that must
+// not report under a lock.
+void ReportOpening(SystemError error);
 
-[[nodiscard]] bool WriteFileAt(File& file, uint64_t offset, const void* data, uint32_t length);
+// Any number of threads may write to one file at a time.
+[[nodiscard]] bool WriteFileAt(NativeHandle file, uint64_t offset, const void* data, uint32_t length);
 
-// Creates one folder, or a folder with its parents; true also when it exists already.
-[[nodiscard]] bool CreateOneDirectory(const wchar_t* path);
-[[nodiscard]] bool CreateDirectoryTree(const wchar_t* path);
-[[nodiscard]] bool CreateOneDirectory(const char* path);
-[[nodiscard]] bool CreateDirectoryTree(const char* path);
+// The same for all paths of one existing file or folder, through links, and for no other.
+struct FileIdentity {
+    uint64_t volume = 0;
+    uint64_t index = 0;
+    auto operator<=>(const FileIdentity&) const = default;
+};
+[[nodiscard]] SystemError QueryIdentity(const SystemPath& path, FileIdentity& identity) noexcept;
+
+// A junction or a symbolic link itself, whatever it leads to.
+bool IsLink(const SystemPath& path) noexcept;
+
+// An open folder, and the files in it that really are in it: what counts is the opened file, not its name.
+// One thread. While it is open, others may rename or delete the folder, but on older systems it stays until
+// this is gone.
+class Folder {
+public:
+    // NotInside for a link.
+    [[nodiscard]] SystemError Open(SystemPath path) noexcept;
+
+    // Opens a file for reading by its path relative to the folder, with either separator. NotInside, and the
+    // file is closed again, if a link is on the way or what was opened is no plain file. The name must be
+    // checked already: no
+    // "..", no stream, no device. With Patience::WhileHeld it waits for a file that others hold open.
+    [[nodiscard]] SystemError OpenFile(std::string_view name, Patience patience, File& file) const noexcept;
+
+    static constexpr SystemError NotInside = 0x20000004;
+
+private:
+    SystemPath m_path;
+    KernelHandle m_handle;
+};
+
+// One pass over the entries of a folder without "." and "..". One thread.
+//
+//   FolderListing listing(path);
+//   while (listing.Next()) { ... listing.Name() ... listing.Info() ... }
+//   if (listing.Error() != NoError) { ... }
+class FolderListing {
+public:
+    explicit FolderListing(const SystemPath& folder) noexcept;
+    ~FolderListing();
+    FolderListing(const FolderListing&) = delete; // it owns the search
+    FolderListing& operator=(const FolderListing&) = delete;
+
+    // The name and the info of an entry are good until the next call. False at the end, and after an error.
+    [[nodiscard]] bool Next() noexcept;
+    const SystemText& Name() const { return m_name; }
+    const FileInfo& Info() const { return m_info; }
+
+    SystemError Error() const { return m_error; }
+
+private:
+    struct Search;
+    std::unique_ptr<Search> m_search;
+    SystemText m_name;
+    FileInfo m_info;
+    SystemError m_error = NoError;
+};
+
+// Now, as a file time. The precise one: the other moves in steps of up to 16 ms and can be behind the
+// creation of a folder.
+uint64_t PreciseSystemTime();
 
 } // namespace Platform

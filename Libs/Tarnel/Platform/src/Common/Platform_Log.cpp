@@ -10,11 +10,11 @@
 #include <string>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_LocalTime.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Locks.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Memory.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_OpenFile.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_Utf8.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
 #include "Libs/Tarnel/Types/src/Types_FNV1a.h"
 
 namespace Platform {
@@ -29,7 +29,7 @@ constexpr std::size_t StackEntryLength = 279;
 struct LogSlot {
     // 0 while the slot is free. Set last, so that who finds the key finds an open file.
     std::atomic<uint32_t> nameKey = 0;
-    File file;
+    NativeHandle file = NoHandle;
     std::atomic<uint64_t> nextOffset = 0;
 };
 
@@ -77,21 +77,23 @@ LogSlot* FindSlot(uint32_t key) {
     return slot == std::end(g_slots) ? nullptr : slot;
 }
 
-OpenOutcome OpenLogFile(const wchar_t* logName, File& file) {
+SystemError OpenLogFile(const wchar_t* logName, NativeHandle& handle) {
     try {
         std::wstring path(MaxRootLength + std::wcslen(logName) + 1, L'\0');
         if (EXP_GetLogPath(path.data(), logName) == 1) { // no root
-            return OpenOutcome::Refused;
+            path.clear();
         }
-        file = File{};
-        file.accessFlags = FileWrite | FileCreateAndTruncate;
-        return TryOpenFile(file, path.c_str());
+        File file;
+        const SystemError error =
+            file.Open(std::wstring_view(path.c_str()), FileWrite | FileCreateAndTruncate);
+        handle = file.Release();
+        return error;
     } catch (const std::bad_alloc&) {
-        return OpenOutcome::Refused;
+        return NoMemory;
     }
 }
 
-LogSlot* FillSlot(const wchar_t* logName, uint32_t key, OpenOutcome& outcome, bool& isTableFull) {
+LogSlot* FillSlot(const wchar_t* logName, uint32_t key, SystemError& error, bool& isTableFull) {
     const std::lock_guard guard(g_lock);
     if (LogSlot* const slot = FindSlot(key)) { // another thread was quicker
         return slot;
@@ -101,8 +103,8 @@ LogSlot* FillSlot(const wchar_t* logName, uint32_t key, OpenOutcome& outcome, bo
         return nullptr;
     }
     LogSlot& slot = g_slots[g_slotCount];
-    outcome = OpenLogFile(logName, slot.file);
-    if (outcome != OpenOutcome::Done) {
+    error = OpenLogFile(logName, slot.file);
+    if (error != NoError) {
         return nullptr;
     }
     ++g_slotCount;
@@ -112,11 +114,11 @@ LogSlot* FillSlot(const wchar_t* logName, uint32_t key, OpenOutcome& outcome, bo
 
 // Failures are reported after the lock is released: an assertion handler may log.
 LogSlot* OpenSlot(const wchar_t* logName, uint32_t key) {
-    OpenOutcome outcome = OpenOutcome::Done;
+    SystemError error = NoError;
     bool isTableFull = false;
-    LogSlot* const slot = FillSlot(logName, key, outcome, isTableFull);
+    LogSlot* const slot = FillSlot(logName, key, error, isTableFull);
     PLATFORM_ASSERT_TEXT_MESSAGE(!isTableFull, "false", "Exceeded maximum log file count of %d", MaxLogFiles);
-    ReportOpenOutcome(outcome);
+    ReportOpening(error);
     return slot;
 }
 
@@ -183,9 +185,9 @@ void LogFileSink(const wchar_t* logName, const char* data, uint32_t length, int)
         slot = OpenSlot(logName, key);
     }
     if (slot) { // writers reserve disjoint ranges first and then write without a lock
-        File file = slot->file;
         const uint64_t offset = slot->nextOffset.fetch_add(length);
-        static_cast<void>(WriteFileAt(file, offset, data, length)); // an entry that can't be written is lost
+        static_cast<void>(
+            WriteFileAt(slot->file, offset, data, length)); // an entry that can't be written is lost
     }
 }
 
@@ -211,8 +213,8 @@ std::size_t MaskControls(char* text, std::size_t length) {
     for (std::size_t at = 0; at < length;) {
         char32_t character = 0;
         std::size_t bytes = 1;
-        const Utf8Step step = DecodeUtf8({text + at, length - at}, character, bytes);
-        if (step == Utf8Step::Done && !IsObeyedRatherThanShown(character)) {
+        const bool isText = DecodeUtf8({text + at, length - at}, character, bytes) == ConvertString_Done;
+        if (isText && !IsObeyedRatherThanShown(character)) {
             std::memmove(text + kept, text + at, bytes);
             kept += bytes;
         } else {
