@@ -156,3 +156,6 @@ def test_answers(probe, answer, expected):
         [outcome] = probe.put(b"hello", endpoint=f"http://127.0.0.1:{port}")
     assert outcome[:2] == expected
     assert len(heads) == 1 and "NTLM" not in heads[0]
+    head = heads[0].lower()  # over http the signature covers the body
+    assert f"x-amz-content-sha256: {hashlib.sha256(b'hello').hexdigest()}" in head
+    assert "content-md5;" in head and "x-amz-content-sha256;" in head

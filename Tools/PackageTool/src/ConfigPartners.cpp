@@ -146,16 +146,8 @@ private:
 
     // As each upload does it.
     void CheckAddress(const ConfigSection<UploaderS3Config>& uploader) {
-        const UploaderS3Config& config = uploader.config;
-        ObjectStoreConfig store;
-        store.endpointOverride = config.endpointOverride;
-        store.region = config.region;
-        store.useVirtualAddressing = config.useVirtualAddressing;
-        store.bucket = config.bucketName;
-        store.accessKey = config.accessKey;
-        store.secretKey = config.secretKey;
         S3Endpoint endpoint;
-        if (const ResultCode result = ResolveS3Endpoint(store, endpoint); !result) {
+        if (const ResultCode result = ResolveS3Endpoint(uploader.config.GetStore(), endpoint); !result) {
             m_report(*uploader.json, result.Text());
         }
     }

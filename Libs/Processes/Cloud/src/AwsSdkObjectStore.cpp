@@ -1,6 +1,8 @@
+#include <chrono>
 #include <cstdlib>
-#include <new>
+#include <memory>
 #include <sstream>
+#include <type_traits>
 #include <utility>
 
 #include <aws/core/Aws.h>
@@ -18,27 +20,49 @@ namespace {
 
 constexpr char AllocationTag[] = "UploaderS3AllocationTag";
 
-// The SDK's string has an allocator of its own in some builds.
+// The SDK's string has its own allocator in some builds.
 Aws::String ToAws(const std::string& text) {
     return {text.data(), text.size()};
 }
 
-// The client over the AWS SDK. A client of the SDK is built for every upload and goes with it.
+// What not every version of the SDK knows, or knows under the same type.
+template <class Configuration>
+void SetWhatVersionsDifferIn(Configuration& configuration) {
+    using Redirects = decltype(configuration.followRedirects);
+    if constexpr (std::is_same_v<Redirects, bool>) {
+        configuration.followRedirects = false;
+    } else {
+        configuration.followRedirects = Redirects::NEVER;
+    }
+    if constexpr (requires { configuration.checksumConfig.requestChecksumCalculation; }) {
+        // By default these send a checksum after the body, which many S3-compatible stores refuse.
+        auto& calculation = configuration.checksumConfig.requestChecksumCalculation;
+        calculation = std::remove_reference_t<decltype(calculation)>::WHEN_REQUIRED;
+    }
+    if constexpr (requires { configuration.allowSystemProxy; }) {
+        configuration.allowSystemProxy = true;
+    }
+}
+
+// The SDK's timeouts start again with every byte, and some transports have none for an answer that drips.
+// This one starts again only when bytes were sent. The SDK asks between two pieces of the body or the answer,
+// so a silent store is left to the transport's own timeout.
+void LimitWaiting(Aws::S3::Model::PutObjectRequest& put, uint32_t timeoutMs) {
+    using Clock = std::chrono::steady_clock;
+    const auto deadline = [timeoutMs] { return Clock::now() + std::chrono::milliseconds(timeoutMs); };
+    const auto end = std::make_shared<Clock::time_point>(deadline()); // on the calling thread only
+    put.SetDataSentEventHandler([=](const Aws::Http::HttpRequest*, long long) { *end = deadline(); });
+    put.SetContinueRequestHandler([=](const Aws::Http::HttpRequest*) { return Clock::now() < *end; });
+}
+
+// The client over the AWS SDK. Each upload has its own client of the SDK.
 class AwsSdkObjectStore : public IObjectStore {
 public:
     explicit AwsSdkObjectStore(ObjectStoreConfig config) : m_config(std::move(config)) {}
 
-    ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) override {
-        eTag.clear();
-        try {
-            return TryPutObject(request, eTag);
-        } catch (const std::bad_alloc&) {
-            return "Not enough memory for the upload";
-        }
-    }
+    ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) override;
 
 private:
-    ResultCode TryPutObject(const PutObjectRequest& request, std::string& eTag) const;
     Aws::Client::ClientConfiguration ClientConfiguration() const;
 
     const ObjectStoreConfig m_config;
@@ -53,15 +77,14 @@ Aws::Client::ClientConfiguration AwsSdkObjectStore::ClientConfiguration() const 
     configuration.connectTimeoutMs = static_cast<long>(m_config.connectTimeoutMs);
     configuration.retryStrategy =
         Aws::MakeShared<Aws::Client::DefaultRetryStrategy>(AllocationTag, 0, 0); // one attempt, no waiting
+    SetWhatVersionsDifferIn(configuration);
     return configuration;
 }
 
-ResultCode AwsSdkObjectStore::TryPutObject(const PutObjectRequest& request, std::string& eTag) const {
-    // The same configurations are refused, and the same buckets go into the path, as with our own client.
+ResultCode AwsSdkObjectStore::PutObject(const PutObjectRequest& request, std::string& eTag) {
+    // Refuses the same configurations, and puts the same buckets into the path, as our own client.
     S3Endpoint endpoint;
-    if (const ResultCode result = ResolveS3Endpoint(m_config, endpoint); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(ResolveS3Endpoint(m_config, endpoint));
     const Aws::Auth::AWSCredentials credentials(ToAws(m_config.accessKey), ToAws(m_config.secretKey));
     const Aws::S3::S3Client client(credentials, ClientConfiguration(),
                                    Aws::Client::AWSAuthV4Signer::PayloadSigningPolicy::RequestDependent,
@@ -74,7 +97,7 @@ ResultCode AwsSdkObjectStore::TryPutObject(const PutObjectRequest& request, std:
     body->flush();
     body->seekg(0);
     if (!*body) {
-        return "Failed to copy the body into a stream"; // a stream keeps its failures to itself
+        return "Failed to copy the body into a stream"; // a stream does not throw
     }
     Aws::S3::Model::PutObjectRequest put;
     put.SetBucket(ToAws(m_config.bucket));
@@ -83,6 +106,7 @@ ResultCode AwsSdkObjectStore::TryPutObject(const PutObjectRequest& request, std:
     put.SetContentMD5(ToAws(request.contentMd5));
     put.SetContentType(ToAws(request.contentType));
     put.SetKey(ToAws(request.key));
+    LimitWaiting(put, m_config.requestTimeoutMs);
 
     const auto outcome = client.PutObject(put);
     if (!outcome.IsSuccess()) {
@@ -93,8 +117,8 @@ ResultCode AwsSdkObjectStore::TryPutObject(const PutObjectRequest& request, std:
     return Platform::Success;
 }
 
-// Without this a client configuration asks 169.254.169.254 for a region as soon as it is made, before any
-// region can be set. Children of the agent inherit it, which is as well.
+// Without this every new client configuration asks 169.254.169.254 for a region, before one can be set.
+// Children of the agent inherit it, which does no harm.
 void ForbidInstanceMetadata() {
 #ifdef _WIN32
     _putenv_s("AWS_EC2_METADATA_DISABLED", "true");
@@ -102,6 +126,8 @@ void ForbidInstanceMetadata() {
     setenv("AWS_EC2_METADATA_DISABLED", "true", 1); // NOLINT(concurrency-mt-unsafe): before any other thread
 #endif
 }
+
+bool g_isRunning = false; // main thread
 
 } // namespace
 
@@ -113,11 +139,14 @@ ResultCode InitializeObjectStores() {
     ForbidInstanceMetadata();
     const Aws::SDKOptions options; // no logging, no memory manager, the SDK's own HTTP and hashing
     Aws::InitAPI(options);
+    g_isRunning = true;
     return Platform::Success;
 }
 
 ResultCode ShutdownObjectStores() {
-    const Aws::SDKOptions options;
-    Aws::ShutdownAPI(options);
+    if (std::exchange(g_isRunning, false)) {
+        const Aws::SDKOptions options;
+        Aws::ShutdownAPI(options);
+    }
     return Platform::Success;
 }

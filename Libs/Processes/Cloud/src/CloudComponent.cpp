@@ -6,6 +6,10 @@
 
 Reflection_DefinePolymorphicType(CloudComponent);
 
+CloudComponent::~CloudComponent() {
+    static_cast<void>(ShutdownObjectStores()); // does nothing after Shutdown
+}
+
 ResultCode CloudComponent::Initialize(int, const char**) {
     PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
     return InitializeObjectStores();

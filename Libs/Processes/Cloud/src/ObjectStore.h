@@ -9,42 +9,42 @@
 
 // Where a client sends, as whom, and how long it waits.
 struct ObjectStoreConfig {
-    std::string
-        endpointOverride; // scheme, host and port, as "http://127.0.0.1:8080"; empty: Amazon's of the region
-    std::string region = "us-east-1"; // signed with every request
-    bool useVirtualAddressing = true; // the bucket in the host name; else it leads the path
+    std::string endpointOverride;     // "http://127.0.0.1:8080"; empty: Amazon's endpoint of the region
+    std::string region;               // signed with every request
+    bool useVirtualAddressing = true; // the bucket leads the host name; else the path
     std::string bucket;
     std::string accessKey;
     std::string secretKey;
-    uint32_t connectTimeoutMs = 500;
-    uint32_t requestTimeoutMs = 30000; // for the answer, once everything has been sent
+    uint32_t connectTimeoutMs = 0;
+    uint32_t requestTimeoutMs = 0; // for each piece of the body, and for the answer to it
 };
 
-// One object to store. The caller keeps the body alive for the length of the call.
+// One object to store. The caller keeps the body alive during the call.
 struct PutObjectRequest {
     std::string key;           // needs no escaping in a URL
-    std::string contentMd5;    // base64 of the body's MD5; the store refuses a body that differs
+    std::string contentMd5;    // base64 of the body's MD5; the store refuses another body
     std::string contentType;   // media type
-    int64_t contentLength = 0; // announced to the store; what the body holds is not asked
+    int64_t contentLength = 0; // as announced to the store
     std::span<const uint8_t> body;
 };
 
-// A client of one bucket. Lives for one upload on the upload's own thread; nothing is shared with other
-// clients but the process-wide state between InitializeObjectStores and ShutdownObjectStores.
+// A client of one bucket. Lives for one upload, on the upload's thread. Clients share nothing but the
+// process-wide state between InitializeObjectStores and ShutdownObjectStores.
 class IObjectStore {
 public:
     virtual ~IObjectStore() = default;
 
-    // One attempt without retries; blocks until the store has answered or a time-out has passed. On success
-    // eTag is just what the store sent, its quotes included. A store that answers anything but success is a
-    // failure.
+    // One attempt, which blocks until the store has answered or a timeout has passed; redirections are not
+    // followed. Any answer but success is a failure. After success eTag is the store's tag unchanged, with
+    // its quotes; empty if there was none. May throw std::bad_alloc.
     virtual ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) = 0;
 };
 
-// Never null; what can't be set up shows as a failure of PutObject. Which implementation stands behind it is
-// settled when the program is linked. Any thread.
+// Never null; a configuration that can't be used fails in PutObject. The build decides which implementation
+// this is. Any thread. May throw std::bad_alloc.
 std::unique_ptr<IObjectStore> CreateObjectStore(const ObjectStoreConfig& config);
 
-// The bracket around every use of a client in this process. Main thread.
+// The bracket around every use of a client in this process. Shutdown without Initialize does nothing. Main
+// thread.
 ResultCode InitializeObjectStores();
 ResultCode ShutdownObjectStores();

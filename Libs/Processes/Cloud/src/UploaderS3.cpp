@@ -15,12 +15,16 @@ ResultCode UploaderS3::Initialize(const JsonDocument& config, int, const char**)
     if (!HasCloudComponent()) {
         return "UploaderS3 requires CloudComponent for initialization";
     }
-    if (const ResultCode result = ReadConfig(config); !result) {
-        return result;
+    // A misspelt AskPermission must never send.
+    RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config, UnknownKeys::Refused));
+    if (m_config.submissionFilename.empty()) {
+        m_config.submissionFilename = DefaultName::Package;
     }
-    if (const ResultCode result = FindWatcher(); !result) {
-        return result;
+    std::shared_ptr<IApplicationProcess> watcher = GetApplication()->GetProcess(m_config.watcherName);
+    if (!watcher) {
+        return "No watcher process to provide submissions for uploader";
     }
+    SetWatcher(std::move(watcher));
     SetAskPermission(m_config.askPermission);
     PLATFORM_LOG(
         Platform::InfoLog,
@@ -51,22 +55,4 @@ bool UploaderS3::HasCloudComponent() const {
         }
     }
     return false;
-}
-
-ResultCode UploaderS3::ReadConfig(const JsonDocument& config) {
-    // A misspelt AskPermission must never send.
-    RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config, UnknownKeys::Refused));
-    if (m_config.submissionFilename.empty()) {
-        m_config.submissionFilename = DefaultName::Package;
-    }
-    return Platform::Success;
-}
-
-ResultCode UploaderS3::FindWatcher() {
-    std::shared_ptr<IApplicationProcess> watcher = GetApplication()->GetProcess(m_config.watcherName);
-    if (!watcher) {
-        return "No watcher process to provide submissions for uploader";
-    }
-    SetWatcher(std::move(watcher));
-    return Platform::Success;
 }

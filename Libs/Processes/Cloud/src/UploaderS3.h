@@ -7,7 +7,7 @@
 #include "Libs/Processes/Core/src/UploaderBase.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
-// Uploads what its watcher finds to an Amazon S3 bucket, or to a store that speaks the same protocol. Needs a
+// Uploads what its watcher finds to an Amazon S3 bucket, or to a store with the same protocol. Needs a
 // CloudComponent among the application's components. Owned and initialised as every process is.
 class UploaderS3 : public Reflected<UploaderS3, UploaderBase> {
 public:
@@ -20,8 +20,6 @@ public:
 
 private:
     bool HasCloudComponent() const;
-    ResultCode ReadConfig(const JsonDocument& config);
-    ResultCode FindWatcher();
 
     UploaderS3Config m_config; // constant after Initialize
 };

@@ -12,3 +12,14 @@ Reflection_DefineType(
     Reflection_Field(endpointOverride, "EndpointOverride", Reflection::OptionalAttribute()),
     Reflection_Field(region, "Region", Reflection::OptionalAttribute()),
     Reflection_Field(useVirtualAddressing, "UseVirtualAddressing", Reflection::OptionalAttribute()));
+
+ObjectStoreConfig UploaderS3Config::GetStore() const {
+    ObjectStoreConfig store;
+    store.endpointOverride = endpointOverride;
+    store.region = region;
+    store.useVirtualAddressing = useVirtualAddressing;
+    store.bucket = bucketName;
+    store.accessKey = accessKey;
+    store.secretKey = secretKey;
+    return store;
+}

@@ -3,29 +3,15 @@
 #include <exception>
 #include <memory>
 
-#include "Libs/Processes/Cloud/src/S3PackageUpload.h"
-
-namespace {
-
-ObjectStoreConfig StoreOf(const UploaderS3Config& config, const UploaderThreadBase& upload) {
-    ObjectStoreConfig store;
-    store.endpointOverride = config.endpointOverride;
-    store.region = config.region;
-    store.useVirtualAddressing = config.useVirtualAddressing;
-    store.bucket = config.bucketName;
-    store.accessKey = config.accessKey;
-    store.secretKey = config.secretKey;
-    store.connectTimeoutMs = upload.GetConnectTimeout();
-    store.requestTimeoutMs = upload.GetRequestTimeout();
-    return store;
-}
-
-} // namespace
+#include "Libs/Processes/Cloud/src/S3Upload.h"
 
 UploaderThreadS3::UploaderThreadS3(UploadPermission permission, const std::string& folder,
                                    const UploaderS3Config& config)
     : UploaderThreadBase(permission, folder, config.submissionFilename, config.timeBetweenRetries),
-      m_store(StoreOf(config, *this)) {}
+      m_store(config.GetStore()) {
+    m_store.connectTimeoutMs = GetConnectTimeout();
+    m_store.requestTimeoutMs = GetRequestTimeout();
+}
 
 UploaderThreadS3::~UploaderThreadS3() {
     WaitForEnd();
@@ -33,9 +19,8 @@ UploaderThreadS3::~UploaderThreadS3() {
 
 ResultCode UploaderThreadS3::UploadPackage(const std::vector<uint8_t>& package) {
     try {
-        const std::unique_ptr<IObjectStore> store = CreateObjectStore(m_store);
-        return PutPackage(*store, package);
-    } catch (const std::exception&) { // out of memory, mostly: this package fails, not the run
+        return PutPackage(*CreateObjectStore(m_store), package);
+    } catch (const std::exception&) { // out of memory: fails this upload, not the run
         return "Failed to put stream in S3 bucket";
     }
 }

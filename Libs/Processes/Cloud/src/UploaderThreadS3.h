@@ -4,10 +4,10 @@
 #include <vector>
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
-#include "Libs/Processes/Cloud/src/UploaderS3.h"
+#include "Libs/Processes/Cloud/src/UploaderS3Config.h"
 #include "Libs/Processes/Core/src/UploaderThreadBase.h"
 
-// One upload of one package to an S3 bucket, with a client of its own. See UploaderThreadBase for its life.
+// One upload of one package to an S3 bucket, with its own client. See UploaderThreadBase for its life.
 class UploaderThreadS3 final : public UploaderThreadBase {
 public:
     // Copies what it needs of the configuration.
@@ -17,5 +17,5 @@ public:
     ResultCode UploadPackage(const std::vector<uint8_t>& package) override;
 
 private:
-    const ObjectStoreConfig m_store;
+    ObjectStoreConfig m_store; // constant after construction
 };

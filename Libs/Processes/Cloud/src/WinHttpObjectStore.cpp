@@ -1,15 +1,252 @@
-#include "Libs/Processes/Cloud/src/WinHttpObjectStore.h"
+#include "Libs/Processes/Cloud/src/ObjectStore.h"
 
 #include <algorithm>
+#include <atomic>
 #include <cstdio>
-#include <new>
+#include <limits>
+#include <utility>
 
 #include <windows.h>
+// winhttp.h needs windows.h first
+#include <winhttp.h>
 
-#include "Libs/Processes/Cloud/src/Sha256.h"
-#include "Libs/Processes/Cloud/src/WinHttpExchange.h"
+#include "Libs/Processes/Cloud/src/S3Endpoint.h"
+#include "Libs/Processes/Cloud/src/SigV4.h"
+
+// The client of builds without the AWS SDK: signed requests over the system's own HTTP and certificates. Logs
+// neither secrets nor answers.
 
 namespace {
+
+template <auto Close>
+struct Closer {
+    void operator()(void* handle) const { Close(handle); }
+};
+using WinHttpHandle = std::unique_ptr<void, Closer<WinHttpCloseHandle>>;
+using EventHandle = std::unique_ptr<void, Closer<CloseHandle>>;
+
+constexpr std::size_t LargestPiece = std::size_t{64} << 10;
+
+// What WinHTTP's callback touches. Shared with it, since a step that was given up can end after the request
+// is gone.
+struct StepState {
+    EventHandle ended{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
+    std::atomic<bool> failed = false;
+    std::vector<uint8_t> piece; // WinHTTP reads it until the step ends
+
+    void End(bool hasFailed) {
+        failed = hasFailed;
+        SetEvent(ended.get());
+    }
+};
+
+// Owned by the request's WinHTTP context: deleted at its last notice.
+using StepContext = std::shared_ptr<StepState>;
+
+// On a thread of WinHTTP.
+void CALLBACK OnNotice(HINTERNET, DWORD_PTR contextValue, DWORD status, void*, DWORD) {
+    // WinHTTP carries pointers as integers. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    auto* const context = reinterpret_cast<StepContext*>(contextValue);
+    if (!context) {
+        return;
+    }
+    switch (status) {
+    case WINHTTP_CALLBACK_STATUS_SENDREQUEST_COMPLETE:
+    case WINHTTP_CALLBACK_STATUS_WRITE_COMPLETE:
+    case WINHTTP_CALLBACK_STATUS_HEADERS_AVAILABLE:
+        (*context)->End(false);
+        break;
+    case WINHTTP_CALLBACK_STATUS_REQUEST_ERROR:
+        (*context)->End(true);
+        break;
+    case WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING:
+        delete context;
+        break;
+    default:
+        break;
+    }
+}
+
+// For ASCII only, which is all that endpoints, encoded paths and headers hold.
+std::wstring Widen(std::string_view text) {
+    return {text.begin(), text.end()};
+}
+
+bool SetOption(void* handle, DWORD option, DWORD value) {
+    return WinHttpSetOption(handle, option, &value, sizeof(value)) != FALSE;
+}
+
+// One PUT, in the order Open, Send, Receive. Asynchronous, because the timeouts of synchronous calls start
+// again with every byte: a peer that sends byte by byte would hold such a call for ever. Each step has its
+// own limit here; a step that runs into it closes the request.
+class WinHttpPut {
+public:
+    WinHttpPut(uint32_t connectTimeoutMs, uint32_t requestTimeoutMs)
+        : m_connectTimeoutMs(connectTimeoutMs), m_requestTimeoutMs(requestTimeoutMs) {}
+
+    // Sends nothing yet. The path is percent-encoded.
+    ResultCode Open(const S3Endpoint& endpoint, const std::string& path);
+
+    // Also succeeds if the connection breaks during the body: the store may have refused early, and Receive
+    // shows its answer. Names and values are printable ASCII.
+    ResultCode Send(const std::vector<SigV4::Header>& headers, std::span<const uint8_t> body);
+
+    // Does not read the answer's body. A missing or unreasonable ETag is empty.
+    ResultCode Receive(uint32_t& status, std::string& eTag);
+
+private:
+    enum class Outcome { Done, Failed, TimedOut };
+
+    bool OpenSession();
+    bool SetTimeouts(void* handle) const;
+    bool Attach(WinHttpHandle request);
+    Outcome Wait(bool isStarted);
+    std::string QueryETag() const;
+
+    const uint32_t m_connectTimeoutMs;
+    const uint32_t m_requestTimeoutMs;
+    StepContext m_step;
+    DWORD_PTR m_context = 0; // WinHTTP's share of m_step, as the callback gets it
+    WinHttpHandle m_session;
+    WinHttpHandle m_connection;
+    WinHttpHandle m_request; // closed first
+};
+
+ResultCode WinHttpPut::Open(const S3Endpoint& endpoint, const std::string& path) {
+    if (!OpenSession()) {
+        return "Failed to open HTTP session";
+    }
+    m_connection.reset(WinHttpConnect(m_session.get(), Widen(endpoint.host).c_str(), endpoint.port, 0));
+    if (!m_connection) {
+        return "Failed to prepare HTTP connection";
+    }
+    const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | (endpoint.secure ? WINHTTP_FLAG_SECURE : 0);
+    WinHttpHandle request(WinHttpOpenRequest(m_connection.get(), L"PUT", Widen(path).c_str(), nullptr,
+                                             WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
+    // Without keep-alive the connection is closed after its only request.
+    constexpr DWORD Unwanted = WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_COOKIES |
+                               WINHTTP_DISABLE_AUTHENTICATION | WINHTTP_DISABLE_KEEP_ALIVE;
+    if (!request || !SetOption(request.get(), WINHTTP_OPTION_DISABLE_FEATURE, Unwanted) ||
+        !SetTimeouts(request.get()) || !Attach(std::move(request))) {
+        return "Failed to prepare HTTP request";
+    }
+    return Platform::Success;
+}
+
+bool WinHttpPut::OpenSession() {
+    for (const DWORD access :
+         {DWORD{WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY}, DWORD{WINHTTP_ACCESS_TYPE_DEFAULT_PROXY}}) {
+        if (!m_session) {
+            m_session.reset(WinHttpOpen(L"MorvaneCrashReporter", access, WINHTTP_NO_PROXY_NAME,
+                                        WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC));
+        }
+    }
+    constexpr DWORD Tls12 = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
+    constexpr DWORD Tls13 = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_3;
+    // Systems that do not know 1.3 refuse both together.
+    return m_session && (SetOption(m_session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, Tls12 | Tls13) ||
+                         SetOption(m_session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, Tls12));
+}
+
+// Wait's limits decide. These end an abandoned step on systems where closing the request does not, and bring
+// the connect timeout, which holds for each address of the store and does not cover the name's look-up.
+bool WinHttpPut::SetTimeouts(void* handle) const {
+    const auto clamp = [](uint32_t ms) {
+        return static_cast<int>(std::min<uint32_t>(ms, std::numeric_limits<int>::max()));
+    };
+    const int request = clamp(m_requestTimeoutMs);
+    return WinHttpSetTimeouts(handle, request, clamp(m_connectTimeoutMs), request, request) &&
+           SetOption(handle, WINHTTP_OPTION_RECEIVE_RESPONSE_TIMEOUT, m_requestTimeoutMs);
+}
+
+bool WinHttpPut::Attach(WinHttpHandle request) {
+    m_step = std::make_shared<StepState>();
+    m_step->piece.reserve(LargestPiece);
+    auto context = std::make_unique<StepContext>(m_step);
+    m_context = reinterpret_cast<DWORD_PTR>(context.get());
+    if (!m_step->ended ||
+        !WinHttpSetOption(request.get(), WINHTTP_OPTION_CONTEXT_VALUE, &m_context, sizeof(m_context)) ||
+        WinHttpSetStatusCallback(request.get(), &OnNotice,
+                                 WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES,
+                                 0) == WINHTTP_INVALID_STATUS_CALLBACK) {
+        return false;
+    }
+    static_cast<void>(context.release()); // from here on the last notice deletes it
+    m_request = std::move(request);
+    return true;
+}
+
+// isStarted: whether WinHTTP took the step; it gives no notice of one that it refused.
+WinHttpPut::Outcome WinHttpPut::Wait(bool isStarted) {
+    if (!isStarted) {
+        return Outcome::Failed;
+    }
+    if (WaitForSingleObject(m_step->ended.get(), m_requestTimeoutMs) != WAIT_OBJECT_0) {
+        m_request.reset(); // on Windows this also ends the step
+        return Outcome::TimedOut;
+    }
+    return m_step->failed ? Outcome::Failed : Outcome::Done;
+}
+
+ResultCode WinHttpPut::Send(const std::vector<SigV4::Header>& headers, std::span<const uint8_t> body) {
+    for (const SigV4::Header& header : headers) {
+        const std::wstring line = Widen(header.name + ": " + header.value);
+        if (!WinHttpAddRequestHeaders(m_request.get(), line.c_str(), static_cast<DWORD>(line.size()),
+                                      WINHTTP_ADDREQ_FLAG_ADD | WINHTTP_ADDREQ_FLAG_REPLACE)) {
+            return "Failed to add HTTP header";
+        }
+    }
+    if (Wait(WinHttpSendRequest(m_request.get(), WINHTTP_NO_ADDITIONAL_HEADERS, 0, WINHTTP_NO_REQUEST_DATA, 0,
+                                WINHTTP_IGNORE_REQUEST_TOTAL_LENGTH, m_context)) != Outcome::Done) {
+        return "Failed to send HTTP request";
+    }
+    while (!body.empty()) {
+        const auto piece = body.first(std::min(body.size(), LargestPiece));
+        m_step->piece.assign(piece.begin(), piece.end());
+        switch (Wait(WinHttpWriteData(m_request.get(), m_step->piece.data(), static_cast<DWORD>(piece.size()),
+                                      nullptr))) {
+        case Outcome::TimedOut:
+            return "Timed out while sending HTTP body";
+        case Outcome::Failed:
+            return Platform::Success; // the store may have said why
+        case Outcome::Done:
+            body = body.subspan(piece.size());
+        }
+    }
+    return Platform::Success;
+}
+
+ResultCode WinHttpPut::Receive(uint32_t& status, std::string& eTag) {
+    if (Wait(WinHttpReceiveResponse(m_request.get(), nullptr)) != Outcome::Done) {
+        return "Failed to receive HTTP response";
+    }
+    DWORD number = 0;
+    DWORD size = sizeof(number);
+    if (!WinHttpQueryHeaders(m_request.get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
+                             WINHTTP_HEADER_NAME_BY_INDEX, &number, &size, WINHTTP_NO_HEADER_INDEX)) {
+        return "HTTP response has no status";
+    }
+    status = number;
+    eTag = QueryETag();
+    return Platform::Success;
+}
+
+std::string WinHttpPut::QueryETag() const {
+    wchar_t text[256]; // a longer tag is no MD5
+    DWORD size = sizeof(text);
+    if (!WinHttpQueryHeaders(m_request.get(), WINHTTP_QUERY_ETAG, WINHTTP_HEADER_NAME_BY_INDEX, text, &size,
+                             WINHTTP_NO_HEADER_INDEX)) {
+        return {};
+    }
+    std::string eTag;
+    for (const wchar_t c : std::wstring_view(text, size / sizeof(wchar_t))) {
+        if (c < ' ' || c > '~') {
+            return {};
+        }
+        eTag += static_cast<char>(c);
+    }
+    return eTag;
+}
 
 std::string CurrentTimestamp() {
     SYSTEMTIME utc;
@@ -20,48 +257,60 @@ std::string CurrentTimestamp() {
     return text;
 }
 
-// Nothing that could end a header's line, and nothing that the wire and the signature could see differently.
-bool IsHeaderValue(const std::string& value) {
-    return !value.empty() &&
-           std::all_of(value.begin(), value.end(), [](char c) { return c >= ' ' && c <= '~'; });
-}
+class WinHttpObjectStore : public IObjectStore {
+public:
+    explicit WinHttpObjectStore(ObjectStoreConfig config) : m_config(std::move(config)) {}
 
-ResultCode CheckRequest(const PutObjectRequest& request) {
-    if (request.key.empty()) {
-        return "Object key is empty";
+    ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) override;
+
+private:
+    ResultCode MakeSignedPut(const PutObjectRequest& request, const S3Endpoint& endpoint,
+                             SigV4::Request& signedPut) const;
+
+    const ObjectStoreConfig m_config;
+};
+
+ResultCode WinHttpObjectStore::PutObject(const PutObjectRequest& request, std::string& eTag) {
+    if (!std::in_range<uint64_t>(request.contentLength) ||
+        static_cast<uint64_t>(request.contentLength) != request.body.size()) {
+        return "Announced length is not the length of the body"; // no store takes it
     }
-    if (request.contentLength < 0 || static_cast<uint64_t>(request.contentLength) != request.body.size()) {
-        return "Announced length is not the length of the body";
+    S3Endpoint endpoint;
+    RETURN_IF_FAILED(ResolveS3Endpoint(m_config, endpoint));
+    SigV4::Request signedPut;
+    RETURN_IF_FAILED(MakeSignedPut(request, endpoint, signedPut));
+
+    WinHttpPut put(m_config.connectTimeoutMs, m_config.requestTimeoutMs);
+    uint32_t status = 0;
+    std::string tag;
+    RETURN_IF_FAILED(put.Open(endpoint, signedPut.path));
+    RETURN_IF_FAILED(put.Send(signedPut.headers, request.body));
+    RETURN_IF_FAILED(put.Receive(status, tag));
+    if (status < 200 || status > 299) {
+        return "Store refused the object";
     }
-    if (!IsHeaderValue(request.contentMd5) || !IsHeaderValue(request.contentType)) {
-        return "Content header is missing or not printable";
-    }
+    eTag = std::move(tag);
     return Platform::Success;
 }
 
-} // namespace
-
-ResultCode MakeSignedPut(const PutObjectRequest& request, const ObjectStoreConfig& config,
-                         const S3Endpoint& endpoint, const std::string& timestamp,
-                         SigV4::Request& signedPut) {
+// Over http the signature covers the body. Over https the transport protects it, which saves a second hash.
+ResultCode WinHttpObjectStore::MakeSignedPut(const PutObjectRequest& request, const S3Endpoint& endpoint,
+                                             SigV4::Request& signedPut) const {
+    const SigV4::Scope scope = {CurrentTimestamp(), m_config.region};
+    const auto payloadHash =
+        endpoint.secure ? std::optional<std::string>(SigV4::UnsignedPayload) : SigV4::HashOf(request.body);
+    if (!payloadHash) {
+        return "Failed to hash the body";
+    }
     signedPut.method = "PUT";
     signedPut.path = SigV4::EncodePath(endpoint.bucketPath + request.key);
-    signedPut.payloadHash = SigV4::UnsignedPayload;
-    if (!endpoint.secure) {
-        const auto hash = Sha256::HashOf(request.body);
-        if (!hash) {
-            return "Failed to hash the body";
-        }
-        signedPut.payloadHash = Sha256::ToHex(*hash);
-    }
-    signedPut.headers = {{"Host", endpoint.HostHeader()},
-                         {"Content-Length", std::to_string(request.contentLength)},
-                         {"Content-MD5", request.contentMd5},
-                         {"Content-Type", request.contentType},
-                         {"x-amz-content-sha256", signedPut.payloadHash},
-                         {"x-amz-date", timestamp}};
+    signedPut.payloadHash = *payloadHash;
+    signedPut.headers = {
+        {"Host", endpoint.HostHeader()},        {"Content-Length", std::to_string(request.contentLength)},
+        {"Content-MD5", request.contentMd5},    {"Content-Type", request.contentType},
+        {"x-amz-content-sha256", *payloadHash}, {"x-amz-date", scope.timestamp}};
     const auto authorization =
-        SigV4::Authorization(signedPut, {config.accessKey, config.secretKey}, {timestamp, config.region});
+        SigV4::Authorization(signedPut, {m_config.accessKey, m_config.secretKey}, scope);
     if (!authorization) {
         return "Failed to sign the request";
     }
@@ -69,48 +318,7 @@ ResultCode MakeSignedPut(const PutObjectRequest& request, const ObjectStoreConfi
     return Platform::Success;
 }
 
-ResultCode WinHttpObjectStore::TryPutObject(const PutObjectRequest& request, std::string& eTag) const {
-    if (const ResultCode result = CheckRequest(request); !result) {
-        return result;
-    }
-    S3Endpoint endpoint;
-    if (const ResultCode result = ResolveS3Endpoint(m_config, endpoint); !result) {
-        return result;
-    }
-    SigV4::Request put;
-    if (const ResultCode result = MakeSignedPut(request, m_config, endpoint, CurrentTimestamp(), put);
-        !result) {
-        return result;
-    }
-    WinHttpExchange exchange(m_config.connectTimeoutMs, m_config.requestTimeoutMs);
-    if (const ResultCode result = exchange.Open(endpoint, put.path); !result) {
-        return result;
-    }
-    if (const ResultCode result = exchange.Send(put.headers, request.body); !result) {
-        return result;
-    }
-    uint32_t status = 0;
-    if (const ResultCode result = exchange.Receive(status, eTag); !result) {
-        return result;
-    }
-    if (status < 200 || status > 299) {
-        return "Store refused the object";
-    }
-    return Platform::Success;
-}
-
-ResultCode WinHttpObjectStore::PutObject(const PutObjectRequest& request, std::string& eTag) {
-    eTag.clear();
-    try {
-        const ResultCode result = TryPutObject(request, eTag);
-        if (!result) {
-            eTag.clear();
-        }
-        return result;
-    } catch (const std::bad_alloc&) {
-        return "Not enough memory for the upload";
-    }
-}
+} // namespace
 
 std::unique_ptr<IObjectStore> CreateObjectStore(const ObjectStoreConfig& config) {
     return std::make_unique<WinHttpObjectStore>(config);

@@ -1,4 +1,4 @@
-#include "Libs/Processes/Cloud/src/S3PackageUpload.h"
+#include "Libs/Processes/Cloud/src/S3Upload.h"
 
 #include <algorithm>
 #include <array>
@@ -36,7 +36,9 @@ ResultCode PutPackage(IObjectStore& store, std::span<const uint8_t> package) {
     if (!store.PutObject(RequestForPackage(package), eTag)) {
         return "Failed to put stream in S3 bucket";
     }
-    if (!ETagMatches(eTag, package)) {
+    // Hashed again, so that the check covers the bytes as they are after sending. A tag that is unquoted, in
+    // upper case or of several parts ("...-2") comes from a store that hashed something else.
+    if (eTag != "\"" + HexEncode(DigestOf(package)) + "\"") {
         return "MD5 of stream received by S3 doesn't match the MD5 we computed locally";
     }
     return Platform::Success;
@@ -53,13 +55,8 @@ PutObjectRequest RequestForPackage(std::span<const uint8_t> package) {
     return request;
 }
 
-bool ETagMatches(std::string_view eTag, std::span<const uint8_t> package) {
-    // Hashed anew, not taken from the request: the check covers the bytes as they are after the sending.
-    return eTag == "\"" + HexEncode(DigestOf(package)) + "\"";
-}
-
 int64_t AnnouncedLength(std::size_t packageSize) {
-    return static_cast<int32_t>(static_cast<uint32_t>(packageSize)); // narrowed on purpose, see the header
+    return static_cast<int32_t>(static_cast<uint32_t>(packageSize)); // deliberately narrowed, see the header
 }
 
 std::string Base64Encode(std::span<const uint8_t> bytes) {

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "Libs/Processes/Cloud/src/ObjectStore.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
+
+// What every client of the store does alike: how a package is named and announced, and how the answer is
+// judged. Any thread; no state. All may throw std::bad_alloc.
+
+// Sends the whole package in one request and checks the answer against the bytes that were sent. The same
+// bytes sent again land under the same key. After a failure the object may be in the bucket nevertheless.
+ResultCode PutPackage(IObjectStore& store, std::span<const uint8_t> package);
+
+// The key is the package's MD5 in 32 lower-case digits, so that the content is its address.
+PutObjectRequest RequestForPackage(std::span<const uint8_t> package);
+
+// The length that a request announces: taken as a signed 32-bit number. Packages are far below 2 GiB; a
+// larger one is announced wrongly and taken by no store.
+[[nodiscard]] int64_t AnnouncedLength(std::size_t packageSize);
+
+// With padding, without line breaks.
+[[nodiscard]] std::string Base64Encode(std::span<const uint8_t> bytes);

@@ -1,0 +1,162 @@
+#include "Libs/Processes/Cloud/src/SigV4.h"
+
+#include <algorithm>
+#include <array>
+
+#include <windows.h>
+// bcrypt.h needs windows.h first
+#include <bcrypt.h>
+
+#include "Libs/Tarnel/String/src/String_Ascii.h"
+
+namespace SigV4 {
+
+namespace {
+
+constexpr char Algorithm[] = "AWS4-HMAC-SHA256";
+
+using Digest = std::array<uint8_t, 32>;
+
+// BCRYPT_SHA256_ALG_HANDLE and BCRYPT_HMAC_SHA256_ALG_HANDLE, which not every compiler's header has.
+constexpr uintptr_t Sha256 = 0x41;
+constexpr uintptr_t HmacSha256 = 0xb1;
+
+std::optional<Digest> Hash(uintptr_t algorithm, std::span<const uint8_t> key,
+                           std::span<const uint8_t> bytes) {
+    // The interface takes inputs as writable and leaves them alone.
+    const auto input = [](std::span<const uint8_t> in) { return const_cast<PUCHAR>(in.data()); };
+    Digest digest;
+    const bool isHashed =
+        bytes.size() <= MAXDWORD &&
+        BCRYPT_SUCCESS(BCryptHash(reinterpret_cast<BCRYPT_ALG_HANDLE>(
+                                      algorithm), // NOLINT(performance-no-int-to-ptr): the interface
+                                  input(key), static_cast<ULONG>(key.size()), input(bytes),
+                                  static_cast<ULONG>(bytes.size()), digest.data(),
+                                  static_cast<ULONG>(digest.size())));
+    return isHashed ? std::optional(digest) : std::nullopt;
+}
+
+std::span<const uint8_t> BytesOf(std::string_view text) {
+    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
+
+std::string ToHex(const Digest& digest) {
+    static constexpr char Digits[] = "0123456789abcdef";
+    std::string text;
+    for (const uint8_t byte : digest) {
+        text += {Digits[byte >> 4], Digits[byte & 15]};
+    }
+    return text;
+}
+
+bool IsUnreserved(char c) {
+    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
+           c == '.' || c == '_' || c == '~';
+}
+
+// Without blanks at the ends; each inner run of blanks becomes one.
+std::string CanonicalValue(std::string_view value) {
+    std::string text;
+    for (const char c : value) {
+        const bool blank = c == ' ' || c == '\t';
+        if (!blank) {
+            text += c;
+        } else if (!text.empty() && text.back() != ' ') {
+            text += ' ';
+        }
+    }
+    if (text.ends_with(' ')) {
+        text.pop_back();
+    }
+    return text;
+}
+
+std::vector<Header> CanonicalHeaders(const std::vector<Header>& headers) {
+    std::vector<Header> canonical;
+    canonical.reserve(headers.size());
+    for (const Header& header : headers) {
+        canonical.push_back({String::LowerAscii(header.name), CanonicalValue(header.value)});
+    }
+    std::sort(canonical.begin(), canonical.end(),
+              [](const Header& left, const Header& right) { return left.name < right.name; });
+    return canonical;
+}
+
+// "host;x-amz-date"
+std::string SignedNames(const std::vector<Header>& canonical) {
+    std::string names;
+    for (const Header& header : canonical) {
+        names += (names.empty() ? "" : ";") + header.name;
+    }
+    return names;
+}
+
+std::string DayOf(const Scope& scope) {
+    return scope.timestamp.substr(0, 8);
+}
+
+std::string ScopeText(const Scope& scope) {
+    return DayOf(scope) + "/" + scope.region + "/" + scope.service + "/aws4_request";
+}
+
+std::string CanonicalRequest(const Request& request, const std::vector<Header>& canonicalHeaders) {
+    std::string text = request.method + "\n" + request.path + "\n" + request.query + "\n";
+    for (const Header& header : canonicalHeaders) {
+        text += header.name + ":" + header.value + "\n";
+    }
+    return text + "\n" + SignedNames(canonicalHeaders) + "\n" + request.payloadHash;
+}
+
+// Binds the secret to a day, a region and a service: a signing key that leaks is worth no more than that.
+std::optional<Digest> SigningKey(const std::string& secretKey, const Scope& scope) {
+    std::optional<Digest> key = Hash(HmacSha256, BytesOf("AWS4" + secretKey), BytesOf(DayOf(scope)));
+    for (const std::string_view part : {std::string_view(scope.region), std::string_view(scope.service),
+                                        std::string_view("aws4_request")}) {
+        if (key) {
+            key = Hash(HmacSha256, *key, BytesOf(part));
+        }
+    }
+    return key;
+}
+
+} // namespace
+
+std::string EncodePath(std::string_view path) {
+    static constexpr char Digits[] = "0123456789ABCDEF";
+    std::string encoded;
+    encoded.reserve(path.size());
+    for (const char c : path) {
+        if (IsUnreserved(c) || c == '/') {
+            encoded += c;
+        } else {
+            const auto byte = static_cast<uint8_t>(c);
+            encoded += {'%', Digits[byte >> 4], Digits[byte & 15]};
+        }
+    }
+    return encoded;
+}
+
+std::optional<std::string> HashOf(std::span<const uint8_t> bytes) {
+    const std::optional<Digest> digest = Hash(Sha256, {}, bytes);
+    return digest ? std::optional(ToHex(*digest)) : std::nullopt;
+}
+
+std::optional<std::string> Authorization(const Request& request, const Credentials& credentials,
+                                         const Scope& scope) {
+    const std::vector<Header> headers = CanonicalHeaders(request.headers);
+    const auto requestHash = HashOf(BytesOf(CanonicalRequest(request, headers)));
+    const auto key = SigningKey(credentials.secretKey, scope);
+    if (!requestHash || !key) {
+        return std::nullopt;
+    }
+    const std::string stringToSign =
+        std::string(Algorithm) + "\n" + scope.timestamp + "\n" + ScopeText(scope) + "\n" + *requestHash;
+    const auto signature = Hash(HmacSha256, *key, BytesOf(stringToSign));
+    if (!signature) {
+        return std::nullopt;
+    }
+    return std::string(Algorithm) + " Credential=" + credentials.accessKey + "/" + ScopeText(scope) +
+           ", SignedHeaders=" + SignedNames(headers) + ", Signature=" + ToHex(*signature);
+}
+
+} // namespace SigV4

@@ -1,0 +1,50 @@
+#include "Libs/Processes/Cloud/src/S3Upload.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+constexpr char Tag[] = "\"5d41402abc4b2a76b9719d911017c592\""; // of "hello"
+constexpr char Mismatch[] = "MD5 of stream received by S3 doesn't match the MD5 we computed locally";
+
+// Sends "hello" to a store that answers like this, and perhaps changes a byte meanwhile.
+std::string Put(const char* eTag, ResultCode result = {}, bool changesByte = false) {
+    struct Store : IObjectStore {
+        ResultCode PutObject(const PutObjectRequest& request, std::string& tag) override {
+            EXPECT_EQ(request.key, "5d41402abc4b2a76b9719d911017c592");
+            EXPECT_EQ(request.contentLength, 5);
+            *changed = newByte;
+            tag = eTag;
+            return result;
+        }
+        char* changed = nullptr;
+        char newByte = 'h';
+        const char* eTag = nullptr;
+        ResultCode result;
+    } store;
+    std::string package = "hello";
+    store.changed = package.data();
+    store.newByte = changesByte ? 'j' : 'h';
+    store.eTag = eTag;
+    store.result = result;
+    return PutPackage(store, {reinterpret_cast<const uint8_t*>(package.data()), package.size()}).Text();
+}
+
+} // namespace
+
+TEST(S3Upload, OnlyTheQuotedDigestConfirms) {
+    EXPECT_EQ(Put(Tag), "OK");
+    for (const char* eTag :
+         {"\"5D41402ABC4B2A76B9719D911017C592\"", "5d41402abc4b2a76b9719d911017c592", "",
+          "\"5d41402abc4b2a76b9719d911017c592-1\"", "\"5d41402abc4b2a76b9719d911017c592\" "}) {
+        EXPECT_EQ(Put(eTag), Mismatch) << eTag;
+    }
+    EXPECT_EQ(Put(Tag, {}, true), Mismatch);
+    EXPECT_EQ(Put(Tag, "The bucket is on fire"), "Failed to put stream in S3 bucket");
+}
+
+TEST(S3Upload, LengthsAreAnnouncedAsSigned32Bits) {
+    EXPECT_EQ(AnnouncedLength(2147483647), 2147483647);
+    EXPECT_EQ(AnnouncedLength(2147483648), -2147483648LL);
+    EXPECT_EQ(AnnouncedLength(4294967297), 1);
+}
