@@ -1,6 +1,8 @@
 #include "Tools/PackageTool/src/ConfigPartners.h"
 
 #include <algorithm>
+#include <functional>
+#include <optional>
 #include <set>
 
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
@@ -20,6 +22,13 @@ std::string PackageName(const std::string& configured) {
 std::string WithDefault(const std::string& folder, const char* defaultName) {
     return folder.empty() ? ComparableFolder(defaultName, FolderBase::ApplicationFolder)
                           : ComparableFolder(folder, FolderBase::CurrentFolder);
+}
+
+// Nothing for a watcher whose folder is missing, which is reported already.
+std::optional<std::string> WatchedFolder(const ConfigSection<WatcherConfig>* watcher) {
+    return watcher && watcher->At("Folder").IsString()
+               ? std::optional(ComparableFolder(watcher->config.folder, FolderBase::ApplicationFolder))
+               : std::nullopt;
 }
 
 // Compares the sections of one configuration with each other.
@@ -79,6 +88,29 @@ private:
                 const auto* watcher = FindWatcher(config.watcherName, packager.At("WatcherName"),
                                                   "No watcher process to provide submission for packager");
                 CheckSentinel(watcher, HeaderFile::Name, "packager " + Quoted(name) + " reads");
+                CheckPackagerFolder(packager, watcher);
+            }
+        }
+    }
+
+    // As the packager itself does it, and folders inside, whose submissions would be taken for new ones.
+    void CheckPackagerFolder(const ConfigSection<PackagerConfig>& packager,
+                             const ConfigSection<WatcherConfig>* watcher) {
+        const std::optional<std::string> watched = WatchedFolder(watcher);
+        if (!watched) {
+            return;
+        }
+        const std::string packaged = WithDefault(packager.config.packagedFolder, DefaultName::PackagedDumps);
+        const std::string work = WithDefault(packager.config.packageWorkFolder, DefaultName::PackageTemp);
+        if (const auto result = CheckPackagerFolders(packaged, work, *watched, std::equal_to()); !result) {
+            m_report(packager.At(packaged == *watched ? "PackagedFolder" : "PackageWorkFolder"),
+                     result.Text());
+        }
+        for (const auto& [key, folder] :
+             {std::pair("PackagedFolder", packaged), std::pair("PackageWorkFolder", work)}) {
+            if (folder.starts_with(*watched + "/")) {
+                m_report(packager.At(key),
+                         std::string(key) + " is inside the folder that the packager's watcher watches");
             }
         }
     }
@@ -155,14 +187,14 @@ private:
     // Some packager must fill the folder from which packages are sent, under the name that is looked for.
     void CheckUploadFolder(const ConfigSection<UploaderS3Config>& uploader,
                            const ConfigSection<WatcherConfig>* watcher) {
-        if (!watcher || m_sections.packagers.empty()) {
+        const std::optional<std::string> folder = WatchedFolder(watcher);
+        if (!folder || m_sections.packagers.empty()) {
             return;
         }
-        const std::string folder = ComparableFolder(watcher->config.folder, FolderBase::ApplicationFolder);
         std::string packaged;
         for (const auto& [name, packager] : m_sections.packagers) {
             packaged = WithDefault(packager.config.packagedFolder, DefaultName::PackagedDumps);
-            if (packaged != folder) {
+            if (packaged != *folder) {
                 continue;
             }
             const std::string written = PackageName(packager.config.submissionFilename);
@@ -175,7 +207,7 @@ private:
             return;
         }
         m_report(watcher->At("Folder"),
-                 "The uploader's watcher looks into " + folder + ", but the packager writes to " + packaged);
+                 "The uploader's watcher looks into " + *folder + ", but the packager writes to " + packaged);
     }
 
     void CheckQuotas() {
@@ -183,9 +215,11 @@ private:
         std::set<std::string> packaged;
         for (const auto& [name, packager] : m_sections.packagers) {
             packaged.insert(WithDefault(packager.config.packagedFolder, DefaultName::PackagedDumps));
-            if (const auto watcher = m_sections.watchers.find(packager.config.watcherName);
-                watcher != m_sections.watchers.end()) {
-                dumps.insert(ComparableFolder(watcher->second.config.folder, FolderBase::ApplicationFolder));
+            const auto watcher = m_sections.watchers.find(packager.config.watcherName);
+            const auto folder =
+                WatchedFolder(watcher == m_sections.watchers.end() ? nullptr : &watcher->second);
+            if (folder) {
+                dumps.insert(*folder);
             }
         }
         for (const auto& [name, quota] : m_sections.quotas) {

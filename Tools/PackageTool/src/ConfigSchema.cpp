@@ -7,7 +7,7 @@
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
-#include "Tools/PackageTool/src/ProcessClasses.h"
+#include "Tools/PackageTool/src/ConfigSections.h"
 
 #include <rapidjson/prettywriter.h>
 #include <rapidjson/stringbuffer.h>

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <set>
 
+#include "Libs/Processes/Core/src/ProcessClasses.h"
+#include "Libs/Shared/src/ConfigKeys.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Plan.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_PlanReader.h"
@@ -13,7 +15,6 @@ using JsonSerialization::ReadPlan;
 using Reflection::TypeKind;
 
 constexpr char Application[] = "Application";
-constexpr char Schema[] = "$schema"; // for editors
 
 // Walks a value and its plan side by side.
 class RecordReader {
@@ -68,13 +69,17 @@ private:
     }
 
     void ReportOtherMembers(const ReadPlan& plan, const JsonValue& value) {
+        const std::vector<std::string_view> known = ConfigKeys::Of(*plan.type);
         std::set<std::string> seen;
         for (const JsonValue::Member& member : value.GetObject()) {
             const std::string key = TextOf(member.name);
-            const bool isKnown = std::any_of(plan.fields.begin(), plan.fields.end(),
-                                             [&](const ReadPlan::Field& field) { return field.key == key; });
+            if (ConfigKeys::IsForPeople(key)) {
+                continue;
+            }
+            const bool isKnown = std::ranges::find(known, key) != known.end();
             if (!isKnown) {
-                m_report(member.name, "Unknown key " + Quoted(key));
+                m_report(member.name, "Unknown key " + Quoted(key) + ", did you mean " +
+                                          Quoted(ConfigKeys::Nearest(key, known)) + "?");
             } else if (!seen.insert(key).second) {
                 m_report(member.name, "Key " + Quoted(key) + " appears again; only the first counts");
             }
@@ -136,9 +141,7 @@ private:
         ReadAndReport(m_sections.application, *section, m_report);
         const auto processes = section->FindMember("Processes");
         if (processes != section->MemberEnd() && processes->value.IsObject()) {
-            for (const JsonValue::Member& member : processes->value.GetObject()) {
-                ReadClass(member);
-            }
+            ReadClasses(processes->value);
         }
         const auto components = section->FindMember("Components");
         if (components != section->MemberEnd() && components->value.IsArray()) {
@@ -148,10 +151,25 @@ private:
         }
     }
 
-    void ReadClass(const JsonValue::Member& member) {
-        const std::string className = TextOf(member.name);
-        const ProcessClass* const processClass = FindProcessClass(className);
-        if (!processClass) {
+    // The agent takes the last list of a class.
+    void ReadClasses(const JsonValue& processes) {
+        std::map<std::string, const JsonValue::Member*> lists;
+        for (const JsonValue::Member& member : processes.GetObject()) {
+            const std::string name = TextOf(member.name);
+            if (!lists.insert_or_assign(name, &member).second) {
+                m_report(member.name, "Class " + Quoted(name) + " appears again; only this list counts");
+            }
+        }
+        for (const auto& [name, list] : lists) {
+            ReadClass(name, *list);
+        }
+    }
+
+    void ReadClass(const std::string& className, const JsonValue::Member& member) {
+        const auto classes = ProcessClasses();
+        const auto processClass = std::ranges::find(classes, className, &ProcessClass::name);
+        const bool isKnown = processClass != classes.end();
+        if (!isKnown) {
             m_report(member.name, Quoted(className) + ": Failed to find maker for process");
         }
         if (!member.value.IsArray()) {
@@ -159,7 +177,9 @@ private:
         }
         for (const JsonValue& name : member.value.GetArray()) {
             if (name.IsString() &&
-                !m_sections.instances.emplace(TextOf(name), ProcessInstance{processClass, &name}).second) {
+                !m_sections.instances
+                     .emplace(TextOf(name), ProcessInstance{isKnown ? &*processClass : nullptr, &name})
+                     .second) {
                 m_report(name, Quoted(TextOf(name)) + " is the name of another process already");
             }
         }
@@ -200,16 +220,19 @@ private:
         for (const JsonValue::Member& member : m_document.GetObject()) {
             const std::string name = TextOf(member.name);
             const auto instance = m_sections.instances.find(name);
+            if (ConfigKeys::IsForPeople(name)) {
+                continue;
+            }
             if (!seen.insert(name).second) {
                 m_report(member.name, "Key " + Quoted(name) + " appears again; only the first counts");
-            } else if (instance != m_sections.instances.end()) {
-                if (instance->second.processClass && !instance->second.processClass->section) {
-                    m_report(member.name, "Unknown key " + Quoted(name) + ": a " +
-                                              std::string(instance->second.processClass->name) +
-                                              " has no section");
+            } else if (instance == m_sections.instances.end()) {
+                if (name != Application) {
+                    m_report(member.name, "Unknown key " + Quoted(name) + ": no process has this name");
                 }
-            } else if (name != Application && name != Schema) {
-                m_report(member.name, "Unknown key " + Quoted(name) + ": no process has this name");
+            } else if (instance->second.processClass && !instance->second.processClass->section) {
+                m_report(member.name, "Unknown key " + Quoted(name) + ": a " +
+                                          std::string(instance->second.processClass->name) +
+                                          " has no section");
             }
         }
     }
@@ -220,6 +243,21 @@ private:
 };
 
 } // namespace
+
+#define CLASS_WITH_SECTION(Class, Config) {#Class, &Reflection::TypeOf<Config>},
+#define CLASS_WITHOUT_SECTION(Class) {#Class, nullptr},
+#define COMPONENT_CLASS(Class) std::string_view(#Class),
+
+std::span<const ProcessClass> ProcessClasses() {
+    static constexpr ProcessClass Classes[] = {
+        MORVANE_PROCESS_CLASSES(CLASS_WITH_SECTION, CLASS_WITHOUT_SECTION)};
+    return Classes;
+}
+
+std::span<const std::string_view> ComponentClasses() {
+    static constexpr std::string_view Classes[] = {MORVANE_COMPONENT_CLASSES(COMPONENT_CLASS)};
+    return Classes;
+}
 
 void ReadConfigSections(const JsonDocument& document, const ConfigReport& report, ConfigSections& sections) {
     SectionReader(document, report, sections).Run();

@@ -2,14 +2,23 @@
 
 #include <functional>
 #include <map>
+#include <span>
 #include <string>
+#include <string_view>
 
 #include "Libs/Framework/Core/src/ApplicationConfig.h"
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
-#include "Tools/PackageTool/src/ProcessClasses.h"
+
+// A class that a configuration can name under Processes.
+struct ProcessClass {
+    std::string_view name;
+    const Reflection::TypeDescriptor& (*section)(); // its section's record; null if it reads none
+};
+std::span<const ProcessClass> ProcessClasses();
+std::span<const std::string_view> ComponentClasses(); // under Components
 
 // Called with the value or name that has a problem, and the problem.
 using ConfigReport = std::function<void(const JsonValue& where, std::string text)>;

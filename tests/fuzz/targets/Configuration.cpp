@@ -8,7 +8,7 @@
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Tools/PackageTool/src/ConfigCheck.h"
-#include "Tools/PackageTool/src/ProcessClasses.h"
+#include "Tools/PackageTool/src/ConfigSections.h"
 #include "tests/fuzz/Fuzz.h"
 
 namespace {
