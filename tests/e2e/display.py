@@ -8,8 +8,8 @@ import os
 import shutil
 import subprocess
 from contextlib import contextmanager
-from dataclasses import dataclass
 from pathlib import Path
+from types import SimpleNamespace
 
 import wine
 
@@ -26,20 +26,8 @@ SETTINGS = [
 ]
 
 
-@dataclass
-class Window:
+class Window(SimpleNamespace):
     """A window or a control, as WindowReader describes it; positions are pixels of the screen."""
-    fields: dict
-
-    def __getattr__(self, name):
-        try:
-            return self.fields[name]
-        except KeyError:
-            raise AttributeError(name) from None
-
-    @property
-    def controls(self):
-        return [Window(fields) for fields in self.fields["controls"]]
 
     def control(self, identifier):
         return next(control for control in self.controls if control.id == identifier)
@@ -98,7 +86,7 @@ class Display:
                               **{"stdout": subprocess.PIPE, **options})
 
     def _read(self, what):
-        return json.loads(self._wine(READER, what).stdout)
+        return json.loads(self._wine(READER, what).stdout, object_hook=lambda fields: Window(**fields))
 
     def _x(self, *command):
         return subprocess.run(command, env=self.variables(), check=True, timeout=30, stdout=subprocess.PIPE).stdout
@@ -119,7 +107,7 @@ class Display:
 
     def windows(self, title=""):
         """The visible windows whose title contains the text, the one in front first."""
-        return [window for window in map(Window, self._read("windows")) if window.text and title in window.text]
+        return [window for window in self._read("windows") if window.text and title in window.text]
 
     def wait_for_window(self, title, seconds=20):
         """Waits for a window with the title that is in front and has the focus."""
@@ -132,7 +120,7 @@ class Display:
 
     def clipboard(self):
         """{"formats": [numbers in order], "narrow": the bytes of the one form, "wide": the text of the other}"""
-        content = self._read("clipboard")
+        content = vars(self._read("clipboard"))
         if "narrow" in content:
             content["narrow"] = content["narrow"].encode("latin-1")
         return content

@@ -49,7 +49,7 @@ def assert_ended_in_order(agent):
 
 def shows_text(display, window, line):
     """Whether the line of the console, from 0, has more colours than its background."""
-    area = Window({"x": window.x + 8, "y": window.y + 24 + 16 * line, "width": 200, "height": 16})
+    area = Window(x=window.x + 8, y=window.y + 24 + 16 * line, width=200, height=16)
     picture = display.picture(f"console-line-{line}", area)
     return int(subprocess.run(["identify", "-format", "%k", picture], check=True, capture_output=True).stdout) > 1
 

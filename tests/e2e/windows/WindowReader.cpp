@@ -46,23 +46,17 @@ HWND FocusIn(HWND window) {
 std::string Described(HWND window) {
     RECT area = {};
     GetWindowRect(window, &area);
-    wchar_t className[128] = {};
-    GetClassNameW(window, className, 128);
     return "{" + Field("id", GetDlgCtrlID(window)) +
            Field("style", static_cast<unsigned>(GetWindowLongW(window, GWL_STYLE))) +
            Field("extendedStyle", static_cast<unsigned>(GetWindowLongW(window, GWL_EXSTYLE))) +
            Field("x", area.left) + Field("y", area.top) + Field("width", area.right - area.left) +
            Field("height", area.bottom - area.top) + Field("enabled", IsWindowEnabled(window)) +
-           Field("visible", IsWindowVisible(window)) + "\"class\": " + Quoted(className) +
-           ", \"text\": " + Quoted(TextOf(window));
+           "\"text\": " + Quoted(TextOf(window));
 }
 
 void PrintWindow(HWND window) {
-    DWORD process = 0;
-    GetWindowThreadProcessId(window, &process);
     HWND focus = FocusIn(window);
-    std::printf(R"(%s, %s%s"focus": %d, "controls": [)", Described(window).c_str(),
-                Field("process", process).c_str(),
+    std::printf(R"(%s, %s"focus": %d, "controls": [)", Described(window).c_str(),
                 Field("foreground", GetForegroundWindow() == window).c_str(),
                 focus && IsChild(window, focus) ? GetDlgCtrlID(focus) : 0);
     const char* separator = "";
