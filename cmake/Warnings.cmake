@@ -1,4 +1,4 @@
-# Every warning flag of the project stands here; an exception carries its reason.
+# Every warning flag of the project, and the reason of each exception.
 add_library(morvane_warnings INTERFACE)
 if(MSVC)
     target_compile_options(morvane_warnings INTERFACE
@@ -14,7 +14,7 @@ else()
         target_compile_options(morvane_warnings INTERFACE -Wduplicated-cond -Wduplicated-branches -Wlogical-op)
     endif()
     if(MINGW)
-        # GetProcAddress hands out every function under one type; the cast is how it is used.
+        # GetProcAddress returns every function as one type, which has to be cast.
         target_compile_options(morvane_warnings INTERFACE -Wno-cast-function-type)
     endif()
 endif()

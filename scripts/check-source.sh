@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# What a machine can see of the house rules: layout, layers, windows.h, wording. Prints every place that breaks one.
+# Checks the house rules that a machine can check. Prints every place that breaks one.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
@@ -12,7 +12,7 @@ report() { # rule, places that break it, if any
     failed=1
 }
 
-# Includes run downwards only. A folder may include itself, what stands before it here, and no more. Every test may use
+# Includes run downwards only. A folder may include itself, what comes before it here, and no more. Every test may use
 # tests/support.
 check_layers() {
     awk '
@@ -36,7 +36,7 @@ windows_headers() {
     grep -nHiE '^ *# *include *<windows\.h>' -- "${sources[@]}" | grep -E '^[^:]*\.h:' | grep -vE '^Libs/Tarnel/Platform/|(^|/)tests/' || true
 }
 
-# The brackets keep this line from finding itself.
+# The brackets keep these lines from matching themselves.
 wording() {
     git ls-files -z | xargs -0 grep -nIiE '\bspecificatio[n]\b|\bthe spe[c]\b|spec[.]md|\bParts? [0-9][.][0-9]' || true
 }
@@ -71,6 +71,6 @@ report "an include that runs upwards, or not from the root" "$(check_layers)"
 report "windows.h in a module's header outside Libs/Tarnel/Platform" "$(windows_headers)"
 report "words that the project never uses" "$(wording)"
 report "a test that no longer exists" "$(missing_tests)"
-report "not as clang-format lays it out (clang-format -i FILE mends it)" "$(layout)"
+report "not as clang-format lays it out (clang-format -i FILE fixes it)" "$(layout)"
 if ((failed)); then exit 1; fi
 echo "check-source: ${#sources[@]} sources are in order"

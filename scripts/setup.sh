@@ -4,10 +4,10 @@
 set -euo pipefail
 root=$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)
 
-# Package and the start of its version. The upstream version is pinned; Debian's own suffix is not, because
-# the archive keeps only the newest one, with its security fixes, and an exact pin would fail on the next fix.
+# Each package with the start of its version. The upstream version is pinned. Debian's suffix is not: the archive keeps only
+# the newest one, and an exact pin would fail after the next security fix.
 packages=(
-    ca-certificates=                    # trust for apt; dated versions, the newest is wanted
+    ca-certificates=                    # trust for apt; the newest is wanted
     git=1:2.39.                         # the files to check, the time of the commit in the archive
     cmake=3.25.1                        # build
     ninja-build=1.11.1
@@ -82,7 +82,7 @@ install_packages() {
     fi
 }
 
-# The prefix is made beside its final place and renamed when complete, so that an interrupted run leaves nothing half-made.
+# The prefix gets its name only when it is complete, so that an interrupted run leaves no half of one.
 make_wine_prefix() {
     local prefix=$root/build/wine fresh=$root/build/wine.new
     [ -e "$prefix/system.reg" ] && [ -d "$prefix/drive_c/windows/system32" ] && return 0

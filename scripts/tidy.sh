@@ -9,7 +9,7 @@ passed=build/tidy
 gcc=$(x86_64-w64-mingw32-g++-posix -print-file-name=include)
 gcc=${gcc%/include}
 
-# clang reads the cross compiler's commands with that compiler's headers; what only GCC knows is passed over.
+# clang reads the cross compiler's commands with that compiler's headers; options that only GCC knows are ignored.
 export TIDY_ARGUMENTS="-p $build --quiet \
   --extra-arg=--target=x86_64-w64-mingw32 --extra-arg=-Wno-unknown-warning-option --extra-arg=-Wno-error \
   --extra-arg=-Qunused-arguments --extra-arg=-isystem$gcc/include/c++ \

@@ -3,8 +3,8 @@
 
     scripts/release/archive.py BUILD_FOLDER VERSION CHANGELIST
 
-The same commit, built with the same packages, gives the same bytes: nothing of the clock, the file system or the folder
-goes in. All times are those of the last commit, or of SOURCE_DATE_EPOCH.
+The same commit, built with the same packages, gives the same bytes: it does not depend on the clock, the
+file system or the folder. All times are those of the last commit, or of SOURCE_DATE_EPOCH.
 """
 import os
 import subprocess

@@ -17,8 +17,8 @@ class Component:
     files: str = "*"  # which files of the packages, where these bring more than one component
 
 
-# A file belongs to the first component that names its package and its path. The public domain and the other terms
-# beside ZPL-2.1 are those of the files of that library that the programs take in.
+# A file belongs to the first component that names its package and its path. The terms beside ZPL-2.1 are those of the
+# files that the programs link.
 LINKED = (
     Component("zlib", ("libz-mingw-w64-dev",), "Zlib", "zlib.txt"),
     Component("libgcc", (terms.COMPILER,), "GPL-3.0-or-later WITH GCC-exception-3.1", "GCC-runtime.txt"),
@@ -31,11 +31,11 @@ LINKED = (
               " AND LicenseRef-mingw-w64-Lucent AND LicenseRef-mingw-w64-public-domain", "mingw-w64.txt"),
 )
 
-# What decides about the bytes beside sources and libraries.
+# What the bytes depend on, beside sources and libraries.
 TOOLS = {"gcc": terms.CXX_COMPILER, "binutils": "binutils-mingw-w64-x86-64"}
 
-# Compiled in from headers alone, so that no linker tells of them. Of the two licences in this package the second is for
-# headers that only an old compiler needs.
+# Compiled in from headers alone, so no linker lists them. The second licence of this package is for headers that only
+# old compilers need.
 HEADERS_ONLY = (Component("RapidJSON", ("rapidjson-dev",), "MIT", "RapidJSON.txt"),)
 
 
@@ -47,7 +47,7 @@ def _component_of(path, package):
 
 
 def _linked_files(dependency_file, build):
-    """What the linker's dependency file lists, a file a line, relative to the build folder."""
+    """The files in the linker's dependency file, one per line, relative to the build folder."""
     for line in dependency_file.read_text(encoding="utf-8").splitlines():
         if line.startswith("  "):
             yield Path(os.path.realpath(build / line.strip().removesuffix(" \\").replace("\\ ", " ")))

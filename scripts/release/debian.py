@@ -1,4 +1,4 @@
-"""What dpkg knows of the installed packages: who owns a file, which version is there, where its terms stand."""
+"""What dpkg knows about installed packages: the owner of a file, the version, the licence."""
 import subprocess
 from dataclasses import dataclass
 from pathlib import Path
@@ -29,7 +29,7 @@ def installed(name):
 
 
 def owners(files):
-    """The package of each file, by path; a file that no package brought ends the program with dpkg's message."""
+    """The package of each file, by path. A file of no package ends the program with dpkg's message."""
     found = {}
     for line in _dpkg_query("--search", *map(str, files)).splitlines():
         packages, path = line.split(": ", 1)
@@ -38,7 +38,7 @@ def owners(files):
 
 
 def file_of(package, ending):
-    """The one file of the package whose path ends so."""
+    """The only file of the package whose path has this ending."""
     paths = [path for path in _dpkg_query("--listfiles", package).splitlines() if path.endswith(ending)]
     if len(paths) != 1:
         raise SystemExit(f"release archive: {package} has {len(paths)} files that end in {ending}")

@@ -66,7 +66,7 @@ def _third_party(component):
         "filesAnalyzed": False,
         "licenseConcluded": component.licence,
         "licenseDeclared": component.licence,
-        "licenseComments": f"The terms stand in licenses/{component.terms}.",
+        "licenseComments": f"See licenses/{component.terms}.",
         "copyrightText": UNKNOWN,
         "externalRefs": [_package_url(package) for package in packages],
     }

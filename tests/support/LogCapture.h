@@ -27,7 +27,7 @@ public:
         EXP_SetLogEventCallback(&Collect);
     }
     ~LogCapture() { EXP_SetLogEventCallback(m_previous); }
-    LogCapture(const LogCapture&) = delete; // it stands for the installed callback
+    LogCapture(const LogCapture&) = delete; // it owns the installed callback
     LogCapture& operator=(const LogCapture&) = delete;
 
     std::vector<Entry> Entries() const {
