@@ -32,13 +32,10 @@ def run(*arguments, expect=GOOD, stdin=b"", cwd=None):
     return done.stdout.decode(), done.stderr.decode()
 
 
-def compose(entries, header=None, digests=None):
+def compose(entries):
     """A package by the format's page; entries: (name, stored bytes)."""
-    digests = digests or [hashlib.md5(data).hexdigest() for _, data in entries]
-    records = [{"File": name, "MD5": digest} for (name, _), digest in zip(entries, digests)]
-    header = header or submissions.header(Catalog={"Dump": None, "Log": None, "Attachments": records})
-    header["Catalog"] = {key: value for key, value in header["Catalog"].items() if value is not None}
-    header_bytes = json.dumps(header, ensure_ascii=False).encode()
+    records = [{"File": name, "MD5": hashlib.md5(data).hexdigest()} for name, data in entries]
+    header_bytes = json.dumps(submissions.header(Catalog={"Attachments": records}), ensure_ascii=False).encode()
     body = header_bytes + b"".join(
         b"%08X%s%s" % (len(data), hashlib.md5(data).hexdigest().encode(), data) for _, data in entries)
     return b"%08X%s%08X%s" % (len(body), hashlib.md5(body).hexdigest().encode(), len(header_bytes), body)
@@ -94,29 +91,23 @@ def test_pack_gives_the_agents_bytes(scratch, submission):
     assert read_package(by_agent).header["Source"] == "INTERNAL"
 
 
-def test_list_shows_what_a_package_holds(package, submission):
+def test_list_and_verify(scratch, package):
     data = package.read_bytes()
+    entries = read_package(data).entries
     text, _ = run("list", package)
     assert "Application   Game\n" in text and "Instance key  c\n" in text
-    for entry in read_package(data).entries:
+    for entry in entries:
         assert re.search(rf"^  {re.escape(entry.name)} +{len(entry.stored)} +{len(entry.original)}  "
                          rf"{hashlib.md5(entry.stored).hexdigest()}$", text, re.M), entry.name
-    listed = json.loads(run("list", package, "-", "--json", stdin=data)[0])["Packages"]
-    assert [report["File"] for report in listed] == [str(package), "-"]
-    assert listed[0]["Header"]["Changelist"] == 7 and listed[0]["Problems"] == []
-    assert [(entry["Name"], entry["UnpackedSize"]) for entry in listed[1]["Entries"]] == [
-        (entry.name, len(entry.original)) for entry in read_package(data).entries]
+    _, report = json.loads(run("list", package, "-", "--json", stdin=data)[0])["Packages"]
+    assert (report["File"], report["Header"]["Changelist"], report["Problems"]) == ("-", 7, [])
+    assert [(entry["Name"], entry["UnpackedSize"]) for entry in report["Entries"]] == [
+        (entry.name, len(entry.original)) for entry in entries]
 
-
-def test_verify_tells_good_from_damaged(scratch, package):
-    data = package.read_bytes()
     assert run("verify", package)[0] == f"{package}: good, 6 files\n"
-    changed = bytearray(data)
-    changed[-1] ^= 1
-    text, _ = run("verify", package, write(scratch / "changed.pkg", bytes(changed)), expect=PROBLEMS)
-    assert text.startswith(f"{package}: good") and "changed.pkg: offset 8: Body: the recorded digest is" in text
-    assert "changed.pkg: offset 0: The body is recorded as" in run(
-        "verify", write(scratch / "changed.pkg", data[:-1]), expect=PROBLEMS)[0]
+    changed = write(scratch / "changed.pkg", data[:-1] + bytes([data[-1] ^ 1]))
+    assert "changed.pkg: offset 8: Body: the recorded digest is" in run("verify", changed, expect=PROBLEMS)[0]
+    assert "-: offset 0: The body is recorded as" in run("verify", "-", stdin=data[:-1], expect=PROBLEMS)[0]
     assert "Failed to open input file" in run("verify", scratch / "nothing", package, expect=REFUSED)[1]
     not_gzip = compose([("a.txt", b"plain")])
     assert '"a.txt": Not a gzip stream' in run("verify", "-", stdin=not_gzip, expect=PROBLEMS)[0]
@@ -131,9 +122,8 @@ def test_unpack_gives_back_the_files(scratch, package, submission):
     assert json.loads((out / "header.json").read_bytes())["InstanceKey"] == "c"
 
     (out / "game.log").write_bytes(b"mine")
-    _, error = run("unpack", package, "--to", out, expect=REFUSED)
-    assert '"game.log" was not unpacked: There is already a file of that name' in error
-    assert (out / "game.log").read_bytes() == b"mine"
+    assert '"game.log" was not unpacked: There is already a file of that name' in run(
+        "unpack", package, "--to", out, expect=REFUSED)[1]
     run("unpack", package, "--to", out, "--force", "--limit", "1K", expect=PROBLEMS)
     assert (out / "game.log").read_bytes() == b"mine"  # only a complete file replaces one
     run("unpack", package, "--to", out, "--force")
@@ -160,12 +150,11 @@ def test_unpack_stays_in_its_folder(scratch):
 
 
 def test_unpack_stops_a_bomb(scratch):
-    bomb = gzip.compress(bytes(60 << 20))
-    package = write(scratch / "bomb.pkg", compose([("small.txt", gzip.compress(b"x")), ("bomb.bin", bomb)]))
+    package = write(scratch / "bomb.pkg", compose([("small.txt", gzip.compress(b"x")),
+                                                   ("bomb.bin", gzip.compress(bytes(60 << 20)))]))
     _, error = run("unpack", package, "--to", scratch / "out", "--limit", "10M", expect=PROBLEMS)
     assert '"bomb.bin": The unpacked content is over the limit' in error
     assert sorted(path.name for path in (scratch / "out").iterdir()) == ["header.json", "small.txt"]
-    run("verify", package, "--limit", "10M", expect=PROBLEMS)
     run("verify", package, "--limit=61M")
 
 
@@ -186,31 +175,24 @@ def test_pack_keeps_what_is_there(scratch, package, submission):
 def test_check_config_judges_the_documented_example_and_a_typo(scratch):
     example = re.search(r"```json\n(.*?)```", (ROOT / "docs" / "configuration.md").read_text(), re.S).group(1)
     good = write(scratch / "good.json", example.encode())
-    assert run("check-config", good)[0] == f"{good}: good\n"
     run("check-config", Site(scratch / "site").write_configuration())  # what these tests start the agent with
     typo = write(scratch / "typo.json", example.replace('"SentinelFile": "header.json"', '"Sentinel": 1').encode())
     line = example[:example.index('"SentinelFile": "header.json"')].count("\n") + 1
-    assert run("check-config", typo, expect=PROBLEMS)[0] == f'{typo}:{line}:5: Unknown key "Sentinel"\n'
+    problem = 'Unknown key "Sentinel", did you mean "SentinelFile"?'
+    assert run("check-config", good, typo, expect=PROBLEMS)[0] == f"{good}: good\n{typo}:{line}:5: {problem}\n"
     report = json.loads(run("check-config", "-", "--json", stdin=typo.read_bytes(), expect=PROBLEMS)[0])
-    assert report == {"Files": [{"File": "-", "Problems": [
-        {"Line": line, "Column": 5, "Text": 'Unknown key "Sentinel"'}]}]}
+    assert report == {"Files": [{"File": "-", "Problems": [{"Line": line, "Column": 5, "Text": problem}]}]}
 
 
-def test_schema_is_the_committed_one_and_names_every_class():
+def test_schema_is_the_committed_one():
     committed = (ROOT / "docs" / "configuration.schema.json").read_text()
     assert run("config-schema")[0] == committed, "docs/configuration.schema.json: write config-schema's output there"
-    application = json.loads(committed)["properties"]["Application"]["properties"]
-    registered = re.findall(r'RegisterMaker<\w+>\("(\w+)"\)', (ROOT / "app" / "src" / "Registrations.cpp").read_text())
-    named = [*application["Processes"]["properties"], *application["Components"]["items"]["enum"]]
-    assert sorted(named) == sorted(registered)
 
 
-def test_manners(scratch):
+def test_manners():
     assert "usage: PackageTool list" in run("--help")[0]
-    assert re.fullmatch(r"PackageTool \d+\.\d+\.\d+\.\d+\n", run("--version")[0])
-    for arguments in ([], ["bogus"], ["list"], ["unpack", "a"], ["list", "a", "--bogus"]):
-        out, error = run(*arguments, expect=USAGE)
-        assert not out and error.startswith("PackageTool: ")
+    out, error = run("list", expect=USAGE)
+    assert not out and error.startswith("PackageTool: list needs a file")
     assert "Standard input is empty" in run("list", "-", expect=REFUSED)[1]
     with open("/dev/full", "wb") as full:
         done = subprocess.run([TOOL, "--help"], stdout=full, stderr=subprocess.PIPE, timeout=20)

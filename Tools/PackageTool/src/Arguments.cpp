@@ -10,7 +10,7 @@ namespace {
 struct CommandRule {
     std::string_view name;
     bool takesFiles;
-    std::string_view options; // each followed by a blank
+    std::string_view options; // each with a blank after it
 };
 
 constexpr std::array Commands = {
@@ -22,7 +22,7 @@ constexpr std::array Commands = {
     CommandRule{"config-schema", false, ""},
 };
 
-// Goes through the words one by one.
+// Takes the words one by one.
 class Parser {
 public:
     Parser(const std::vector<std::string>& words, Arguments& arguments, std::string& error)
@@ -89,7 +89,7 @@ private:
                 return Fail(name + " needs a value");
             }
             return place != &limit || ParseSize(limit, m_arguments.limit) ||
-                   Fail("\"" + limit + "\" is no size: give bytes, or a number with K, M or G");
+                   Fail("\"" + limit + "\" is not a size: give bytes, or a number with K, M or G");
         }
         return Fail("unknown option " + name);
     }

@@ -6,7 +6,7 @@
 
 // What the command line asks for.
 struct Arguments {
-    std::string command;            // empty when help or version is all that is wanted
+    std::string command;            // empty if only help or version is wanted
     std::vector<std::string> files; // "-" is standard input
     bool help = false;
     bool version = false;
@@ -19,9 +19,9 @@ struct Arguments {
     uint64_t limit = uint64_t{4} << 30; // bytes of unpacked content for each package
 };
 
-// False with a sentence in error when the arguments (without the program's own name) make no sense. Options
-// may stand anywhere after or before the command; values follow as "--to X" or "--to=X"; behind "--" there
-// are files alone.
+// False, with a sentence in error, if the arguments (without the program's own name) make no sense. Options
+// may be before or after the command, with their values as "--to X" or "--to=X"; after "--" there are only
+// files.
 bool ParseArguments(const std::vector<std::string>& words, Arguments& arguments, std::string& error);
 
 // 300, 64K, 10M, 4G: bytes, in steps of 1024.

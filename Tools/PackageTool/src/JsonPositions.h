@@ -12,13 +12,13 @@ struct TextPosition {
     std::size_t column = 1;
 };
 
-// Walks through a text once and tells positions on the way; a byte order mark takes no column. The text must
+// Finds positions while it walks through a text once. A byte order mark takes no column. The text must
 // outlive it.
 class PositionCounter {
 public:
     explicit PositionCounter(std::string_view text);
 
-    // Of the byte at offset, which is not before the last one asked for.
+    // Of the byte at offset, which is not before the one of the last call.
     TextPosition At(std::size_t offset);
 
 private:
@@ -27,14 +27,14 @@ private:
     TextPosition m_position;
 };
 
-// Where the values and names of a parsed document stand in its text. Both must outlive it. Nesting costs no
-// stack.
+// Where the values and names of a parsed document are in its text. Both must outlive it. Deep nesting needs
+// no stack.
 class JsonPositions {
 public:
     // text is what document was parsed from, without error.
     JsonPositions(std::string_view text, const JsonDocument& document);
 
-    // The offset of a value or a member's name of the document; the text's start for others.
+    // The offset of a value or a member's name of the document; 0 for any other.
     std::size_t Find(const JsonValue& value) const;
 
 private:

@@ -68,19 +68,14 @@ TEST(ConfigCheck, KeysAndTypes) {
          "3:1: Unknown key \"Applications\": no process has this name"},
         {R"("Quota": {},)", R"("Quota": {}, "Quit": {},)",
          "10:14: Unknown key \"Quit\": a Shutdowner has no section"},
-        {R"("Quota": {},)", "", "4:45: \"Quota\": configuration section not found"},
-        {R"("Quota": {},)", R"("Quota": [],)",
-         "4:45: \"Quota\": configuration section found is not an object"},
     });
 }
 
 TEST(ConfigCheck, ClassesAndPartners) {
     ExpectProblems({
-        {R"("Shutdowner")", R"("Stopper")", "4:86: \"Stopper\": Failed to find maker for process"},
         {R"(["CloudComponent"])", R"(["Cloud"])",
          "4:18: \"Uploader\": UploaderS3 requires CloudComponent for initialization\n5:18: \"Cloud\": Failed "
          "to find maker for component"},
-        {R"(["Quit"])", R"(["Quota"])", "4:101: \"Quota\" is the name of another process already"},
         {R"("Packager": ["Packager"])", R"("Watcher": ["Dumps"], "Packager": ["Packager"])",
          "3:65: Class \"Watcher\" appears again; only this list counts\n8:1: Unknown key \"Packages\": no "
          "process has this name\n9:29: \"Packages\": No watcher process to provide submissions for uploader"},
@@ -88,8 +83,6 @@ TEST(ConfigCheck, ClassesAndPartners) {
          "7:29: \"Dump\": No watcher process to provide submission for packager"},
         {R"("WatcherName": "Packages")", R"("WatcherName": "Packager")",
          "9:29: \"Packager\" is a Packager, no Watcher"},
-        {R"("Folder": "dumps")", R"("Folder": "dumps", "MetricsCollectorName": "M")",
-         "6:54: \"M\": No metrics process to provide metrics collection for watcher"},
     });
 }
 
@@ -138,7 +131,6 @@ TEST(ConfigCheck, FoldersAndFilesThatDoNotMeet) {
 TEST(ConfigCheck, TextsThatAreNoConfiguration) {
     static constexpr const char* rows[][2] = {
         {"", "1:1: The document is empty."},
-        {"[]", "1:1: The configuration is not an object"},
         {"{}", "1:1: \"Application\": configuration section not found"},
         {"{\n  \"ä\": ,\n}", "2:8: Invalid value."},
         {"\xEF\xBB\xBF{,", "1:2: Missing a name for object member."},
@@ -146,7 +138,4 @@ TEST(ConfigCheck, TextsThatAreNoConfiguration) {
     for (const auto& [text, expected] : rows) {
         EXPECT_EQ(Problems(text), expected);
     }
-    const std::string brackets = std::string(500000, '[') + std::string(500000, ']');
-    EXPECT_EQ(Problems(Replaced("\"Quota\": {}", "\"Quota\": " + brackets)),
-              "4:45: \"Quota\": configuration section found is not an object");
 }
