@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "Libs/Framework/Core/src/ReflectedProcess.h"
+#include "Libs/Framework/Core/src/Reflected.h"
 
 // The built-in process "MessagePump": handles the window messages of its thread. Owned by WindowsApplication,
 // which adds it itself; no configuration names it.

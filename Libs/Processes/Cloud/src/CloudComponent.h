@@ -1,7 +1,7 @@
 #pragma once
 
 #include "Libs/Framework/Core/src/IApplicationComponent.h"
-#include "Libs/Framework/Core/src/ReflectedProcess.h"
+#include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
 // Brackets the use of the object store's client in this process. Owned by the application, which initialises

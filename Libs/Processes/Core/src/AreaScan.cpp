@@ -3,60 +3,38 @@
 #include <utility>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/BugHeader.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 
-ResultCode AreaScan::SetFolder(std::string folder) {
-    m_folder = std::move(folder);
-    m_folderOnDisk = PlatformHelpers::PathOnDisk(m_folder);
-    return m_listed.Set(m_folderOnDisk);
+namespace {
+
+using PlatformHelpers::PathInfo;
+
+ResultCode AddUpFiles(QuotaDecision::FolderRecord& record) {
+    return PlatformHelpers::EnumerateFolder(record.path + "\\", PlatformHelpers::EnumerateFiles,
+                                            [&](const PathInfo& file, bool&) {
+                                                record.valid = record.valid || file.name == HeaderFile::Name;
+                                                record.size += file.IsLink() ? 0 : file.size;
+                                                return ResultCode(Platform::Success);
+                                            });
 }
 
-ResultCode AreaScan::Run(const MeasuredFolder::Clock& clock) {
-    m_recordCount = 0;
-    const ResultCode listed = ListSubFolders(clock);
-    MeasureAll(clock);
-    QuotaDecision::SortByAge(GetRecords());
-    return listed;
-}
+} // namespace
 
-ResultCode AreaScan::ListSubFolders(const MeasuredFolder::Clock& clock) {
-    if (!m_listed.MustList(clock)) {
-        return Platform::Success;
-    }
-    const ResultCode result = ListAnew();
-    if (result) {
-        m_listed.SetListed();
-    }
-    return result;
-}
-
-ResultCode AreaScan::ListAnew() {
-    ++m_listing;
+ResultCode ScanArea(const std::string& folder, std::vector<QuotaDecision::FolderRecord>& records) {
+    records.clear();
     const ResultCode result = PlatformHelpers::EnumerateFolder(
-        m_folderOnDisk, PlatformHelpers::EnumerateFolders,
-        [this](const PlatformHelpers::PathInfo& entry, bool&) { return Meet(entry.name, entry.IsLink()); });
-    std::erase_if(m_subFolders, [this](const auto& known) { return known.second.listing != m_listing; });
+        folder, PlatformHelpers::EnumerateFolders, [&](const PathInfo& entry, bool&) {
+            QuotaDecision::FolderRecord record;
+            // The clock is read for each entry, after it: a folder that was made since the scan began would
+            // come from the future otherwise, and be enormously old.
+            record.age = QuotaDecision::AgeInSeconds(Platform::PreciseSystemTime(), entry.creationTime);
+            record.path = folder + entry.name;
+            if (entry.IsLink() || AddUpFiles(record)) {
+                records.push_back(std::move(record));
+            }
+            return ResultCode(Platform::Success);
+        });
+    QuotaDecision::SortByAge(records);
     return result;
-}
-
-ResultCode AreaScan::Meet(const std::string& name, bool isLink) {
-    auto found = m_subFolders.find(std::string_view(name));
-    if (found == m_subFolders.end()) {
-        MeasuredFolder folder;
-        if (const ResultCode result = folder.SetPaths(m_folder + name, m_folderOnDisk + name); !result) {
-            return result;
-        }
-        found = m_subFolders.emplace(name, KnownSubFolder{std::move(folder)}).first;
-    }
-    found->second.folder.SetLink(isLink);
-    found->second.listing = m_listing;
-    return Platform::Success;
-}
-
-void AreaScan::MeasureAll(const MeasuredFolder::Clock& clock) {
-    m_records.resize(m_subFolders.size());
-    for (auto& [name, known] : m_subFolders) {
-        if (known.folder.Measure(clock, m_listed.TimesTellOfEntries(), m_records[m_recordCount])) {
-            ++m_recordCount;
-        }
-    }
 }

@@ -1,103 +1,122 @@
 #include "Libs/Processes/Core/src/DiskQuota.h"
 
-#include <utility>
+#include <algorithm>
+#include <span>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Framework/Core/src/ExceptionToResult.h"
-#include "Libs/Processes/Core/src/FolderPath.h"
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/AreaScan.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 Reflection_DefinePolymorphicType(DiskQuota);
 
 ResultCode DiskQuota::Initialize(const JsonDocument& config, int, const char**) {
-    if (const ResultCode result = ReadConfigSection(config, GetName(), m_config); !result) {
-        return result;
+    RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config));
+    m_dumps.quota = m_config.dumpsQuota;
+    m_packaged.quota = m_config.packagedQuota;
+    RETURN_IF_FAILED(ResolveFolder(m_config.dumpsFolder, DefaultName::Dumps, m_dumps.folder));
+    RETURN_IF_FAILED(ResolveFolder(m_config.packagedFolder, DefaultName::PackagedQuota, m_packaged.folder));
+    if (!CreateFolder(m_dumps.folder, "dumps")) {
+        return "Failed to create dumps folder";
     }
-    if (const ResultCode result = ResolveFolder(m_config.dumpsFolder, DefaultName::Dumps); !result) {
-        return result;
-    }
-    if (const ResultCode result = ResolveFolder(m_config.packagedFolder, DefaultName::PackagedQuota);
-        !result) {
-        return result;
-    }
-    return OpenAreas();
+    return CreateFolder(m_packaged.folder, "packaged dumps")
+               ? Platform::Success
+               : ResultCode("Failed to create packaged dumps folder");
 }
 
-// The default packaged folder is the packager's: the file system takes no notice of the case.
-ResultCode DiskQuota::ResolveFolder(std::string& folder, const char* defaultName) const {
+ResultCode DiskQuota::ResolveFolder(const std::string& configured, const char* defaultName,
+                                    std::string& folder) const {
+    folder = configured;
     if (folder.empty()) {
         const ApplicationBase* application = GetApplication();
         folder = application ? application->GetApplicationFolder() : std::string();
-        if (const ResultCode result = PlatformHelpers::EnsureTrailingFolderSeparator(folder); !result) {
-            return result;
-        }
+        RETURN_IF_FAILED(PlatformHelpers::EnsureTrailingFolderSeparator(folder));
         folder += defaultName;
     }
     return PlatformHelpers::EnsureTrailingFolderSeparator(folder);
 }
 
-ResultCode DiskQuota::OpenAreas() {
-    ResultCode result = PlatformHelpers::CreateFolderTree(m_config.dumpsFolder);
+bool DiskQuota::CreateFolder(const std::string& folder, const char* kind) const {
+    const ResultCode result = PlatformHelpers::CreateFolderTree(folder);
     if (!result) {
-        PLATFORM_LOG(Platform::ErrorLog, " Failed to create quota %s dumps folder \"%s\". Error=%s",
-                     GetName(), m_config.dumpsFolder.c_str(), result.Text());
-        return "Failed to create dumps folder";
+        PLATFORM_LOG(Platform::ErrorLog, " Failed to create quota %s %s folder \"%s\". Error=%s", GetName(),
+                     kind, folder.c_str(), result.Text());
     }
-    result = PlatformHelpers::CreateFolderTree(m_config.packagedFolder);
-    if (!result) {
-        PLATFORM_LOG(Platform::ErrorLog, " Failed to create quota %s packaged dumps folder \"%s\". Error=%s",
-                     GetName(), m_config.packagedFolder.c_str(), result.Text());
-        return "Failed to create packaged dumps folder";
-    }
-    result = m_dumps.SetFolder(m_config.dumpsFolder);
-    return result ? m_packaged.SetFolder(m_config.packagedFolder) : result;
+    return result.Succeeded();
 }
 
 bool DiskQuota::ThreadMain() {
-    return RunRounds(m_config.timeBetweenChecks, [this] { Pass(); });
+    return RunRounds(m_config.timeBetweenChecks, [this] {
+        m_pausesLeft = Platform::AllRetryPauses;
+        CheckDumps();
+        CheckPackaged();
+    });
 }
 
-void DiskQuota::Pass() {
-    m_pausesLeft = LongestPauses;
-    Scan(m_dumps);
-    Scan(m_packaged);
-    const std::size_t dumpsLeft = RemoveAgingInvalid();
-    EnforceQuota(m_dumps.GetRecords().first(dumpsLeft), m_config.dumpsQuota);
-    EnforceQuota(m_packaged.GetRecords(), m_config.packagedQuota);
+void DiskQuota::CheckDumps() {
+    if (!MustScan(m_dumps)) {
+        return;
+    }
+    Records records;
+    const bool isWhole = Scan(m_dumps, records);
+    const bool isTidy = RemoveAgingInvalid(records);
+    const bool fits = EnforceQuota(records, m_dumps.quota);
+    // What is not valid yet may be too old in the next pass.
+    const bool isValid = std::ranges::all_of(records, &QuotaDecision::FolderRecord::valid);
+    m_dumps.isSettled = isWhole && isTidy && fits && isValid;
 }
 
-void DiskQuota::Scan(AreaScan& area) {
-    if (const ResultCode result =
-            ExceptionToResult([&] { return area.Run(PlatformHelpers::PreciseSystemTime); });
-        !result) {
-        PLATFORM_LOG(Platform::ErrorLog, " Failed to scan folder %s. Error=%s", area.GetFolder().c_str(),
-                     result.Text());
+void DiskQuota::CheckPackaged() {
+    if (MustScan(m_packaged)) {
+        Records records;
+        const bool isWhole = Scan(m_packaged, records);
+        m_packaged.isSettled = EnforceQuota(records, m_packaged.quota) && isWhole;
     }
 }
 
-// Moves the records that stay to the front, in their order, and returns how many they are.
-std::size_t DiskQuota::RemoveAgingInvalid() {
-    const auto records = m_dumps.GetRecords();
-    std::size_t stay = 0;
-    for (QuotaDecision::FolderRecord& record : records) {
+bool DiskQuota::MustScan(Area& area) {
+    if (!area.changes.Any(area.folder) && area.isSettled) {
+        return false;
+    }
+    area.isSettled = false; // until the pass has come through
+    return true;
+}
+
+bool DiskQuota::Scan(const Area& area, Records& records) {
+    const ResultCode result = ScanArea(area.folder, records);
+    if (!result) {
+        PLATFORM_LOG(Platform::ErrorLog, " Failed to scan folder %s. Error=%s", area.folder.c_str(),
+                     result.Text());
+    }
+    return result.Succeeded();
+}
+
+bool DiskQuota::RemoveAgingInvalid(Records& records) {
+    bool isTidy = true;
+    std::erase_if(records, [&](const QuotaDecision::FolderRecord& record) {
         if (!QuotaDecision::IsAgedOut(record, m_config.invalidGraceTime)) {
-            std::swap(records[stay++], record);
-            continue;
+            return false;
         }
-        if (const ResultCode result = Remove(record.path); result) {
+        const ResultCode result = Remove(record.path);
+        isTidy = isTidy && result;
+        if (result) {
             PLATFORM_LOG(Platform::InfoLog, " Removed aging invalid dump folder %s", record.path.c_str());
         } else {
             PLATFORM_LOG(Platform::ErrorLog, " Failed to remove aging invalid dump folder %s. Error=%s",
                          record.path.c_str(), result.Text());
         }
-    }
-    return stay;
+        return true;
+    });
+    return isTidy;
 }
 
-void DiskQuota::EnforceQuota(std::span<const QuotaDecision::FolderRecord> records, uint64_t quota) {
-    for (const auto& record : records.subspan(QuotaDecision::CountThatFit(records, quota))) {
-        if (const ResultCode result = Remove(record.path); result) {
+bool DiskQuota::EnforceQuota(const Records& records, uint64_t quota) {
+    bool fits = true;
+    for (const auto& record : std::span(records).subspan(QuotaDecision::CountThatFit(records, quota))) {
+        const ResultCode result = Remove(record.path);
+        fits = fits && result;
+        if (result) {
             PLATFORM_LOG(Platform::InfoLog, " Removed aging folder %s that puts us over our quota",
                          record.path.c_str());
         } else {
@@ -106,6 +125,7 @@ void DiskQuota::EnforceQuota(std::span<const QuotaDecision::FolderRecord> record
                          record.path.c_str(), result.Text());
         }
     }
+    return fits;
 }
 
 ResultCode DiskQuota::Remove(const std::string& folder) {
@@ -115,5 +135,5 @@ ResultCode DiskQuota::Remove(const std::string& folder) {
             Pause(milliseconds);
         }
     };
-    return ExceptionToResult([&] { return PlatformHelpers::RemoveFolder(folder, pause); });
+    return PlatformHelpers::RemoveFolder(folder, pause);
 }

@@ -1,18 +1,18 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
-#include <span>
 #include <string>
+#include <vector>
 
-#include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Framework/Core/src/ReflectedProcess.h"
-#include "Libs/Processes/Core/src/AreaScan.h"
+#include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
+#include "Libs/Processes/Core/src/QuotaDecision.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 
-// Keeps the dumps folder and the packaged folder each under its quota. A pass measures both, removes dump
-// folders that never became a submission in their grace time, and then of each area the oldest folders beyond
-// the quota. It asks nobody: who works in a folder must expect it to vanish. Owned by the application.
+// Keeps the dumps folder and the packaged folder each under its quota. A pass measures an area, removes dump
+// folders that did not become a submission in their grace time, and then the oldest folders beyond the quota.
+// It asks nobody: whoever works in a folder must expect it to vanish. An area in which nothing has changed
+// since a pass that left nothing to do is not measured again. Owned by the application.
 class DiskQuota : public Reflected<DiskQuota> {
 public:
     using Reflected::Reflected;
@@ -21,24 +21,36 @@ public:
     bool ThreadMain() override;
 
 private:
-    // Pauses for folders that somebody holds open, in milliseconds a pass: what one of them may take. With
-    // one for each a pass, and with it the end of the program, could take minutes; all others are tried again
-    // without pauses, and once more in the next pass.
-    static constexpr uint32_t LongestPauses = 1022;
+    using Records = std::vector<QuotaDecision::FolderRecord>;
 
-    ResultCode ResolveFolder(std::string& folder, const char* defaultName) const;
-    ResultCode OpenAreas();
-    void Pass();
-    static void Scan(AreaScan& area);
-    std::size_t RemoveAgingInvalid();
-    void EnforceQuota(std::span<const QuotaDecision::FolderRecord> records, uint64_t quota);
+    struct Area {
+        std::string folder; // with a trailing separator; constant after Initialize, like the quota
+        uint64_t quota = 0; // bytes
+        Platform::FolderChanges changes;
+        bool isSettled = false; // without a change there is nothing to do
+    };
+
+    ResultCode ResolveFolder(const std::string& configured, const char* defaultName,
+                             std::string& folder) const;
+    bool CreateFolder(const std::string& folder, const char* kind) const;
+    void CheckDumps();
+    void CheckPackaged();
+    static bool MustScan(Area& area);
+    static bool Scan(const Area& area, Records& records);
+
+    // Both return whether all that had to be removed is gone.
+    bool RemoveAgingInvalid(Records& records);
+    bool EnforceQuota(const Records& records, uint64_t quota);
     ResultCode Remove(const std::string& folder);
 
     DiskQuotaConfig m_config; // constant after Initialize
 
     // The process's thread alone, once it runs.
-    AreaScan m_dumps;
-    AreaScan m_packaged;
+    Area m_dumps;
+    Area m_packaged;
+
+    // Milliseconds of waiting for folders that somebody holds open: a pass waits as long as one of them may
+    // take. With that much for each, a pass could take minutes.
     uint32_t m_pausesLeft = 0;
 };
 Reflection_DeclarePolymorphicType(DiskQuota);

@@ -15,7 +15,6 @@ ResultCode FolderScan::Run() {
 
 void FolderScan::Visit(const PlatformHelpers::PathInfo& entry, bool& keepGoing) {
     if (m_config.ignoreReadOnlyFolders && entry.IsReadOnly()) {
-        m_hasLeftOvers = true;
         return;
     }
     if (!m_known.contains(entry.name)) {
@@ -28,7 +27,6 @@ void FolderScan::Visit(const PlatformHelpers::PathInfo& entry, bool& keepGoing) 
 
 bool FolderScan::VisitUnknown(const std::string& name) {
     if (!IsComplete(name)) {
-        m_hasLeftOvers = true;
         return true;
     }
     return Accept(name);
@@ -60,7 +58,6 @@ bool FolderScan::IsSentinelReadOnly() const {
 bool FolderScan::Accept(const std::string& name) {
     if (m_config.maxFolderScans >= 0) {
         if (m_accepted >= m_config.maxFolderScans) {
-            m_hasLeftOvers = true;
             return false;
         }
         ++m_accepted;

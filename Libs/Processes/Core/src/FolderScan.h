@@ -31,10 +31,6 @@ public:
     ResultCode Run();
     const std::vector<std::string>& GetNewNames() const { return m_newNames; }
 
-    // True if a later pass may accept more although the folder did not change: a sub-folder was incomplete,
-    // skipped, or over the limit.
-    bool HasLeftOvers() const { return m_hasLeftOvers; }
-
 private:
     static constexpr uint32_t EntriesBetweenYields = 1000;
 
@@ -50,5 +46,4 @@ private:
     std::string m_sentinel; // reused from entry to entry
     uint32_t m_visited = 0;
     int32_t m_accepted = 0;
-    bool m_hasLeftOvers = false;
 };

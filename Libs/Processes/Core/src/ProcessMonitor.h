@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Libs/Framework/Core/src/ReflectedProcess.h"
+#include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 
 // Ends the program when none of the watched programs has been seen for the whole shutdown delay, counted from

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "Libs/Framework/Core/src/ReflectedProcess.h"
+#include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Processes/Core/src/SingletonDecision.h"
 
 // Ends the program when another copy of it runs: another process whose image ends in the executable's name.

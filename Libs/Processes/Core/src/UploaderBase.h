@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Framework/Core/src/ReflectedProcess.h"
+#include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Processes/Core/src/IWatcher.h"
 #include "Libs/Processes/Core/src/UploaderThreadBase.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"

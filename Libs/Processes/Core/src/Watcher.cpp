@@ -82,7 +82,7 @@ ResultCode Watcher::ResolveFolder() {
         return "Failed to create watcher folder";
     }
     m_config.folder = std::move(folder);
-    return m_listed.Set(PlatformHelpers::PathOnDisk(m_config.folder));
+    return Platform::Success;
 }
 
 ResultCode Watcher::MakeMetrics() {
@@ -120,16 +120,9 @@ bool Watcher::ThreadMain() {
 }
 
 ResultCode Watcher::ScanOnce() {
-    if (!m_listed.MustList(PlatformHelpers::PreciseSystemTime)) {
-        Accept({});
-        return Platform::Success;
-    }
     FolderScan scan(m_config, m_known);
     RETURN_IF_FAILED(scan.Run());
     Accept(scan.GetNewNames());
-    if (!scan.HasLeftOvers()) {
-        m_listed.SetListed();
-    }
     return Platform::Success;
 }
 

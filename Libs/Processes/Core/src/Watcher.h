@@ -8,7 +8,6 @@
 #include "Libs/Framework/Core/src/ApplicationProcessBase.h"
 #include "Libs/Processes/Core/src/FolderScan.h"
 #include "Libs/Processes/Core/src/IWatcher.h"
-#include "Libs/Processes/Core/src/ListedFolder.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 
 // Scans one folder for complete submission folders and hands each to its consumer once. A folder is found on
@@ -48,7 +47,6 @@ private:
 
     // The watcher's thread alone, once it runs.
     KnownFolders m_known;
-    ListedFolder m_listed; // counts as listed when all in it is known
 
     std::mutex m_pendingLock;
     std::vector<TaskData> m_pending; // guarded by m_pendingLock

@@ -52,9 +52,11 @@ private:
 };
 
 bool CloseKernelHandle(NativeHandle handle);
-bool CloseSearchHandle(NativeHandle handle); // Windows only
+bool CloseSearchHandle(NativeHandle handle); // this and the next: Windows only
+bool CloseChangeHandle(NativeHandle handle);
 
 using KernelHandle = Handle<CloseKernelHandle>; // a file, a process, an event...
 using SearchHandle = Handle<CloseSearchHandle>;
+using ChangeHandle = Handle<CloseChangeHandle>;
 
 } // namespace Platform

@@ -203,6 +203,21 @@ private:
     SystemError m_error = NoError;
 };
 
+// Spares the listing of a folder in which nothing happens. Windows only. One thread.
+class FolderChanges {
+public:
+    // Whether anything in the folder or below it came, went, was written or got other attributes since the
+    // last call. True if the system can't tell, and at least every 16th time: some network drives report
+    // nothing, and a program may put another folder in its place. The folder must be the same in each call.
+    bool Any(const std::string& folder) noexcept;
+
+private:
+    static constexpr int MostQuietCalls = 15;
+
+    ChangeHandle m_notification;
+    int m_quietCalls = 0; // in a row
+};
+
 // Now, as a file time. The precise one: the other moves in steps of up to 16 ms and can be behind the
 // creation of a folder.
 uint64_t PreciseSystemTime();

@@ -136,6 +136,10 @@ bool CloseKernelHandle(NativeHandle handle) {
     return CloseHandle(handle) != 0;
 }
 
+bool CloseChangeHandle(NativeHandle handle) {
+    return FindCloseChangeNotification(handle) != 0;
+}
+
 bool CloseSearchHandle(NativeHandle handle) {
     return FindClose(handle) != 0;
 }
@@ -354,6 +358,26 @@ bool FolderListing::Next() noexcept try {
 } catch (const std::exception&) {
     m_error = NoMemory;
     return false;
+}
+
+// Asks for the next change before the caller lists the folder: no change falls between the two.
+bool FolderChanges::Any(const std::string& folder) noexcept {
+    if (m_notification && WaitForSingleObject(m_notification.Get(), 0) == WAIT_OBJECT_0) {
+        m_quietCalls = 0;
+        if (!FindNextChangeNotification(m_notification.Get())) { // the folder was deleted
+            static_cast<void>(m_notification.Close());
+        }
+        return true;
+    }
+    if (m_notification && ++m_quietCalls <= MostQuietCalls) {
+        return false;
+    }
+    constexpr DWORD Changes = FILE_NOTIFY_CHANGE_FILE_NAME | FILE_NOTIFY_CHANGE_DIR_NAME |
+                              FILE_NOTIFY_CHANGE_ATTRIBUTES | FILE_NOTIFY_CHANGE_SIZE |
+                              FILE_NOTIFY_CHANGE_LAST_WRITE;
+    m_quietCalls = 0;
+    m_notification = ChangeHandle(FindFirstChangeNotificationW(SystemPath(folder).Get(), TRUE, Changes));
+    return true;
 }
 
 uint64_t PreciseSystemTime() {
