@@ -1,8 +1,9 @@
 #include "Libs/Processes/Core/src/UploaderBase.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
-#include "Libs/Processes/Core/src/UploadDecisions.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
@@ -35,20 +36,24 @@ bool UploaderBase::ThreadMain() {
     return IsStopRequested();
 }
 
+// A folder that was taken is not offered again. So what a round took stays in m_found if the round fails
+// before it is pending.
 void UploaderBase::Collect(IWatcher& watcher) {
     AssertOnUploaderThread();
-    std::vector<TaskData> found;
-    (void)watcher.TakeTasks(found); // what it handed over before it failed won't be offered again
-    if (UploadDecisions::ShouldAskPermission(m_askPermission, m_pendingFolders.empty(), !found.empty(),
-                                             m_permission)) {
-        AskPermission();
+    if (m_found.empty()) {
+        static_cast<void>(watcher.TakeTasks(m_found)); // whatever came before a failure counts
     }
-    for (const TaskData& task : found) {
-        m_pendingFolders.push_back(task.GetInstanceHash());
+    if (m_askPermission && m_permission == UploadPermission::NotAsked && m_pendingFolders.empty() &&
+        !m_found.empty()) {
+        m_permission = AskPermission();
     }
+    m_pendingFolders.reserve(m_pendingFolders.size() + m_found.size());
+    std::ranges::move(m_found, std::back_inserter(m_pendingFolders));
+    m_found.clear();
 }
 
-void UploaderBase::AskPermission() {
+// Nothing but Yes allows: a question that failed refuses, whatever the answer says.
+UploadPermission UploaderBase::AskPermission() {
     UploadPermission answer = UploadPermission::Refused;
     ApplicationBase* const application = GetApplication();
     const ResultCode asked =
@@ -56,24 +61,20 @@ void UploaderBase::AskPermission() {
     if (!asked) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to get user's permission to upload crash report. Error=%s",
                      asked.Text());
+        return UploadPermission::Refused;
     }
-    m_permission = UploadDecisions::PermissionAfterAsking(asked, answer);
+    return answer == UploadPermission::Allowed ? answer : UploadPermission::Refused;
 }
 
 void UploaderBase::StartUploads() {
     AssertOnUploaderThread();
     ReapUploads();
-    while (UploadDecisions::MayStartUpload(IsStopRequested(), m_pendingFolders.size(), m_activeUploads.size(),
-                                           m_maxActiveUploads)) {
-        std::string folder;
-        const ResultCode result = UploadDecisions::TakeNextFolder(m_pendingFolders, folder);
-        if (!result) {
-            PLATFORM_LOG(Platform::ErrorLog, " Failed to get next pending folder. Error=%s", result.Text());
-            continue;
-        }
+    while (!IsStopRequested() && !m_pendingFolders.empty() && m_activeUploads.size() < m_maxActiveUploads) {
+        const std::string& folder = m_pendingFolders.back().GetInstanceHash();
         PLATFORM_LOG(Platform::InfoLog, " Starting upload thread for submission in folder %s",
                      folder.c_str());
         StartUploadThread(folder, m_permission);
+        m_pendingFolders.pop_back(); // after it was started: until then an exception keeps it pending
     }
 }
 
@@ -89,7 +90,7 @@ void UploaderBase::WaitForUploads() {
     PLATFORM_LOG(Platform::InfoLog, " Waiting for %d active uploads to complete",
                  static_cast<int>(m_activeUploads.size()));
     for (auto& upload : m_activeUploads) {
-        upload.reset(); // returns after the upload's thread has ended
+        upload.reset(); // waits for the upload's thread
     }
     m_activeUploads.clear();
 }

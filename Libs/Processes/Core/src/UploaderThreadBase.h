@@ -15,7 +15,7 @@
 // uploader's thread.
 //
 // Destruction waits for the thread without limit. The thread calls UploadPackage, so a derived class is final
-// and calls WaitForEnd first in its destructor, before anything that the upload uses is gone.
+// and its destructor begins with WaitForEnd, before anything that the upload uses is gone.
 class UploaderThreadBase {
 public:
     UploaderThreadBase(UploadPermission permission, std::string folder, std::string submissionFileName,
@@ -24,8 +24,8 @@ public:
     UploaderThreadBase(const UploaderThreadBase&) = delete; // the running thread holds the object's address
     UploaderThreadBase& operator=(const UploaderThreadBase&) = delete;
 
-    // Sends the whole package, opaque bytes, to the store. Called at most once, on the upload's own thread. A
-    // success means that the store is known to hold them: the folder is deleted then.
+    // Sends the whole package to the store. Called at most once, on the upload's own thread. A success means
+    // that the store has confirmed it: the folder is deleted then.
     virtual ResultCode UploadPackage(const std::vector<uint8_t>& package) = 0;
 
     // Starts the thread; once.
@@ -43,15 +43,15 @@ public:
     uint32_t GetTimeBetweenRetries() const { return m_timeBetweenRetriesMs; }
 
 protected:
-    // Any number of times; returns at once where no thread was started.
+    // Any number of times; returns at once if no thread was started.
     void WaitForEnd() const;
 
 private:
     void ThreadMain();
-    void UploadFolder();
+    ResultCode UploadFolder();
     void DeleteFolder() const;
 
-    // All constant after construction but the flag.
+    // All but the flag are constant after construction.
     const uint32_t m_connectTimeoutMs = 500;
     const uint32_t m_requestTimeoutMs = 30000;
     const uint32_t m_maxAttempts = 10;
