@@ -1,5 +1,5 @@
-"""The clients of the store, without the agent around them: one object against a real store, and against peers that no
-store resembles. Each client is the probe of a build: WinHTTP's under Wine, the AWS SDK's where the native build has it."""
+"""The clients of the store without the agent: one object against a real store, and against peers that no store
+resembles. Each client is the probe of a build: WinHTTP's under Wine, the AWS SDK's if the native build has it."""
 import hashlib
 import os
 import re
@@ -70,23 +70,18 @@ def test_an_object_arrives(probe, store, bucket, arguments):
 
 
 def test_a_large_object_arrives_four_times_at_once(probe, store):
-    body = bytes(range(256)) * (1 << 16)  # 16 MiB
+    body = bytes(16 << 20)
     outcomes = probe.put(body, endpoint=store.endpoint, parallel=4, requestTimeout=30000)
     assert [outcome[:2] for outcome in outcomes] == [(True, tag_of(body))] * 4
 
 
-@pytest.mark.parametrize("arguments, status", [
-    ({"secretKey": "wrong"}, 403), ({"md5": "AAAAAAAAAAAAAAAAAAAAAA=="}, 400), ({"bucket": "no-such-bucket"}, 404),
-    ({"region": "eu-west-1"}, 400),
-])
-def test_a_refusal_is_a_failure(probe, store, arguments, status):
-    probe.fails(b"x" * 1000, endpoint=store.endpoint, **arguments)
-    assert [upload["status"] for upload in store.uploads()] == [status]
-
-
-@pytest.mark.parametrize("length", [-5, 0, 4])
-def test_a_wrong_length_stores_nothing(probe, store, bucket, length):
-    probe.fails(b"hello", endpoint=store.endpoint, length=length)
+@pytest.mark.parametrize("arguments, statuses", [
+    ({"secretKey": "wrong"}, [403]), ({"md5": "AAAAAAAAAAAAAAAAAAAAAA=="}, [400]), ({"bucket": "no-such-bucket"}, [404]),
+    ({"region": "eu-west-1"}, [400]), ({"length": -5}, None), ({"length": 0}, None), ({"length": 4}, None),
+], ids=str)
+def test_a_refusal_is_a_failure(probe, store, bucket, arguments, statuses):
+    probe.fails(b"hello", endpoint=store.endpoint, **arguments)
+    assert statuses is None or [upload["status"] for upload in store.uploads()] == statuses
     assert not store.keys(bucket)
 
 

@@ -36,7 +36,7 @@ public:
         return schema;
     }
 
-    // defaults holds the values of a record that nothing was read into.
+    // defaults: the values of a record that nothing was read into, or null.
     JsonValue Record(const TypeDescriptor& type, const JsonValue* defaults) {
         JsonValue properties(rapidjson::kObjectType);
         JsonValue required(rapidjson::kArrayType);
@@ -66,7 +66,7 @@ public:
     JsonValue RecordWithDefaults() {
         JsonDocument defaults;
         if (!JsonSerialization::WriteRecord(Config(), defaults)) {
-            throw std::bad_alloc(); // the one way to fail
+            throw std::bad_alloc(); // the only way to fail
         }
         return Record(Reflection::TypeOf<Config>(), &defaults);
     }
@@ -128,7 +128,7 @@ private:
     JsonSerialization::DocumentAllocator& m_allocator;
 };
 
-// The records name classes as free text; the classes that there are complete better.
+// To the records a class is any text; naming the known ones lets editors complete them.
 void NameClasses(SchemaBuilder& builder, JsonValue& application) {
     JsonValue& processes = application["properties"]["Processes"];
     JsonValue names(rapidjson::kObjectType);
@@ -156,8 +156,8 @@ JsonValue Definitions(SchemaBuilder& builder) {
     return definitions;
 }
 
-// Any other key is a process's section; of which class depends on the application's section, which a schema
-// can't follow.
+// Any other key is a process's section. Its class depends on the application's section, which a schema can't
+// follow.
 JsonValue AnySection(SchemaBuilder& builder, const JsonValue& definitions) {
     JsonValue choices(rapidjson::kArrayType);
     for (const JsonValue::Member& definition : definitions.GetObject()) {

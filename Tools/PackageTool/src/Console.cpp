@@ -34,33 +34,6 @@ void PrintLogEntry(const wchar_t* logName, const char* data, uint32_t length, in
     PrintError(start == std::string_view::npos ? text : text.substr(start));
 }
 
-// Characters that a terminal acts on: the bytes of their UTF-8, read as one number.
-constexpr struct {
-    std::size_t length; // bytes
-    uint32_t first;
-    uint32_t last;
-} Controls[] = {
-    {1, 0x00, 0x1F},         {1, 0x7F, 0x7F},
-    {2, 0xC280, 0xC29F},                              // the second set of control characters
-    {2, 0xD89C, 0xD89C},                              // marks of writing direction from here on
-    {3, 0xE2808E, 0xE2808F}, {3, 0xE280A8, 0xE280AE}, // two line ends among them
-    {3, 0xE281A6, 0xE281A9},
-};
-
-// In bytes, of the control character at the start of text; 0 if there is none.
-std::size_t ControlLength(std::string_view text) {
-    uint32_t value = 0;
-    for (std::size_t length = 1; length <= std::min<std::size_t>(text.size(), 3); ++length) {
-        value = value << 8 | static_cast<unsigned char>(text[length - 1]);
-        for (const auto& control : Controls) {
-            if (control.length == length && value >= control.first && value <= control.last) {
-                return length;
-            }
-        }
-    }
-    return 0;
-}
-
 bool ReadStandardInput(std::vector<uint8_t>& bytes, std::string& reason) try {
     constexpr std::size_t Piece = 1 << 16;
     std::size_t read = 0;
@@ -157,12 +130,8 @@ bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string
 }
 
 std::string Printable(std::string_view text) {
-    std::string printable;
-    while (!text.empty()) {
-        const std::size_t control = ControlLength(text);
-        printable += control > 0 ? '?' : text[0];
-        text.remove_prefix(control > 0 ? control : 1);
-    }
+    std::string printable(text);
+    printable.resize(Platform::MaskControls(printable.data(), printable.size()));
     return printable;
 }
 

@@ -51,8 +51,7 @@ void PrintError(const std::string& file, const std::string& text); // file: text
 // False if reading failed or there was nothing to read; reason then says why. "-" is standard input.
 bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason);
 
-// For text from outside: control characters, line ends and marks of writing direction can make a terminal
-// show one name as another. Each becomes "?".
+// For text from outside: what a terminal would obey rather than show becomes "?".
 std::string Printable(std::string_view text);
 
 } // namespace Console

@@ -8,7 +8,6 @@
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
-#include "Libs/Processes/Core/src/PathIdentity.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 #include "Tools/PackageTool/src/Report.h"
@@ -41,7 +40,7 @@ std::string SubFolder(const std::string& file, std::set<std::string>& taken) {
     return candidate;
 }
 
-// Unpacks one package into one folder.
+// Unpacks one package into its folder.
 class Unpacking {
 public:
     Unpacking(const Arguments& arguments, const std::string& folder, const PackageReader& reader,
@@ -110,6 +109,23 @@ std::string UnpackText(const PackageReport& report) {
     return text;
 }
 
+// Empty, or the reason why nothing of the file is there.
+std::string WriteNew(const std::string& path, const UnpackFolder::Fill& fill) {
+    Platform::File file;
+    if (file.Open(path, Platform::FileWrite | Platform::FileCreateNew) != Platform::NoError) {
+        return "Failed to create the file";
+    }
+    bool isWritten = true;
+    const bool isFilled =
+        fill([&](UnpackFolder::Piece piece) { return isWritten = file.Write(piece) == Platform::NoError; });
+    isWritten = file.Close() && isWritten;
+    if (isWritten && isFilled) {
+        return {};
+    }
+    static_cast<void>(PlatformHelpers::RemoveFile(path)); // logs a failure
+    return isWritten ? UnpackFolder::NotWhole : "Failed to write the file";
+}
+
 } // namespace
 
 ExitCode RunUnpack(const Arguments& arguments) {
@@ -153,34 +169,21 @@ std::string UnpackFolder::Write(const std::string& name, const Fill& fill, std::
     if (reason.empty()) {
         reason = CheckTarget(target, exists);
     }
-    if (!reason.empty()) {
-        return reason;
+    if (reason.empty() && !exists) {
+        reason = WriteNew(target, fill);
+    } else if (reason.empty()) {
+        const std::string aside = Target::TemporaryPath(m_folder);
+        reason = WriteNew(aside, fill);
+        if (reason.empty() && !Target::Replace(aside, target)) {
+            reason = "Failed to replace the file";
+            static_cast<void>(PlatformHelpers::RemoveFile(aside)); // logs a failure
+        }
     }
-    const std::string written = exists ? Target::TemporaryPath(m_folder) : target;
-    Platform::File file;
-    if (file.Open(written, Platform::FileWrite | Platform::FileCreateNew) != Platform::NoError) {
-        return PlatformHelpers::PathExists(written) ? "There is already a file of that name"
-                                                    : "Failed to create the file";
+    if (reason.empty()) {
+        path = target;
+        m_written.push_back(target);
     }
-    bool isWritten = true;
-    const bool isFilled =
-        fill([&](Piece piece) { return isWritten = file.Write(piece) == Platform::NoError; });
-    isWritten = file.Close() && isWritten;
-    if (!isWritten) {
-        reason = "Failed to write the file";
-    } else if (!isFilled) {
-        reason = NotWhole;
-    } else if (exists) {
-        const ResultCode replaced = Target::Replace(written, target);
-        reason = replaced ? "" : replaced.Text();
-    }
-    if (!reason.empty()) {
-        static_cast<void>(PlatformHelpers::RemoveFile(written)); // logs a failure
-        return reason;
-    }
-    path = target;
-    m_written.push_back(target);
-    return {};
+    return reason;
 }
 
 std::string UnpackFolder::FreeName(const std::string& name) {
@@ -199,7 +202,7 @@ std::string UnpackFolder::MakeFolders(const std::string& name) const {
     for (std::size_t end = name.find_first_of("\\/"); end != std::string::npos;
          end = name.find_first_of("\\/", end + 1)) {
         const std::string folder = FolderPath::Join(m_folder, name.substr(0, end));
-        if (PathIdentity::IsLink(folder)) {
+        if (Platform::IsLink(folder)) {
             return "A link lies on the way";
         }
         PlatformHelpers::FileStatus status;
@@ -222,8 +225,7 @@ std::string UnpackFolder::CheckTarget(const std::string& target, bool& exists) {
         return "There is already a file of that name";
     }
     PlatformHelpers::FileStatus status;
-    if (!PathIdentity::IsLink(target) &&
-        (!PlatformHelpers::QueryFileStatus(target, status) || status.isFolder)) {
+    if (!Platform::IsLink(target) && (!PlatformHelpers::QueryFileStatus(target, status) || status.isFolder)) {
         return "There is already a folder of that name";
     }
     return {};
@@ -232,10 +234,12 @@ std::string UnpackFolder::CheckTarget(const std::string& target, bool& exists) {
 // Files of this package whose names are one name to the system, such as Ä.log and ä.log, must not replace
 // each other. Asked only for existing targets; each file is looked at once.
 bool UnpackFolder::IsOurs(const std::string& target) {
+    Platform::FileIdentity identity;
     for (const std::string& written : m_written) {
-        m_identities.insert(PathIdentity::IdentityOf(written));
+        if (Platform::QueryIdentity(written, identity) == Platform::NoError) {
+            m_identities.insert(identity);
+        }
     }
     m_written.clear();
-    const std::string identity = PathIdentity::IdentityOf(target);
-    return !identity.empty() && m_identities.contains(identity);
+    return Platform::QueryIdentity(target, identity) == Platform::NoError && m_identities.contains(identity);
 }

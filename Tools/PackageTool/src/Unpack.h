@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 #include "Tools/PackageTool/src/Arguments.h"
 #include "Tools/PackageTool/src/Console.h"
 
@@ -44,5 +45,5 @@ private:
     bool m_mayReplace;
     std::map<std::string, unsigned> m_given; // names in lower case, with "/"; and the next number to try
     std::vector<std::string> m_written;      // not in m_identities yet
-    std::set<std::string> m_identities;      // of the files written
+    std::set<Platform::FileIdentity> m_identities; // of the files written
 };

@@ -22,7 +22,7 @@ bool AllOf(std::string_view text, std::size_t longest, Accepts accepts) {
     return !text.empty() && text.size() <= longest && std::all_of(text.begin(), text.end(), accepts);
 }
 
-// Old buckets may have capitals and underscores; what would change the path's meaning is refused.
+// Old buckets may have capitals and underscores. What would change the path's meaning is refused.
 bool IsBucketName(std::string_view bucket) {
     return bucket != "." && bucket != ".." &&
            AllOf(bucket, 255, [](char c) { return IsAlphanumeric(c) || c == '.' || c == '-' || c == '_'; });
@@ -32,7 +32,7 @@ bool IsRegion(std::string_view region) {
     return AllOf(region, 63, [](char c) { return IsAlphanumeric(c) || c == '-'; });
 }
 
-// Stands between "Credential=" and "/" in a header whose parts are separated by commas.
+// Comes between "Credential=" and "/" in a header whose parts are separated by commas.
 bool IsAccessKey(std::string_view key) {
     return AllOf(key, 255, [](char c) { return c > ' ' && c < 0x7f && c != '/' && c != ','; });
 }
@@ -53,7 +53,7 @@ bool IsHostName(std::string_view host) {
     return true;
 }
 
-// "[::1]". The digits are left to the system that connects.
+// "[::1]". Connecting checks the digits.
 bool IsBracketedAddress(std::string_view host) {
     if (host.size() < 4 || host.front() != '[' || host.back() != ']') {
         return false;
@@ -64,7 +64,7 @@ bool IsBracketedAddress(std::string_view host) {
            });
 }
 
-// A name whose last label is a number is an IPv4 address, well-formed or not.
+// A name whose last label is a number counts as an IPv4 address, well-formed or not.
 bool IsAddress(std::string_view host) {
     return host.front() == '[' || AllOf(host.substr(host.rfind('.') + 1), 253, IsDigit);
 }
@@ -110,7 +110,7 @@ S3Endpoint AmazonEndpoint(const std::string& region) {
     S3Endpoint endpoint;
     endpoint.host = "s3." + String::LowerAscii(region) + ".amazonaws.com";
     if (region.starts_with("cn-")) {
-        endpoint.host += ".cn"; // China's regions are a partition of their own
+        endpoint.host += ".cn"; // China's regions have their own domain
     }
     return endpoint;
 }

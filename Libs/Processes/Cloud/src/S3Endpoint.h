@@ -7,16 +7,16 @@
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// Where the requests for one bucket go. Made of checked parts only, so that every field can stand in a
+// Where the requests for one bucket go. Made of checked parts only, so that every field can be put into a
 // request line or a header as it is.
 struct S3Endpoint {
     bool secure = true;
-    std::string host; // name, IPv4 address or bracketed IPv6 address: what is connected to
+    std::string host; // to connect to: a name, an IPv4 address or a bracketed IPv6 address
     uint16_t port = 443;
-    std::string bucketPath = "/"; // what leads the key: "/" or "/bucket/"
-    bool bucketInHost = false;    // the host starts with the bucket
+    std::string bucketPath = "/"; // comes before the key: "/" or "/bucket/"
+    bool bucketInHost = false;    // the bucket leads the host
 
-    // Host and, unless it is the scheme's own, port: "store.local:8080".
+    // Host and port, "store.local:8080"; without the port if it is the scheme's default.
     std::string HostHeader() const;
 };
 
@@ -24,9 +24,9 @@ struct S3Endpoint {
 // Amazon's regional one: "BUCKET.s3.us-east-1.amazonaws.com". An override is a scheme, a host and perhaps a
 // port: "http://127.0.0.1:8080", "https://[::1]/"; user, path, query and fragment are refused.
 //
-// The bucket goes before the host when the configuration says so and it can: it must be one lower-case DNS
-// label, because a certificate's wildcard covers one label only, and the host must be a name. Otherwise it
-// leads the path.
+// The bucket leads the host if the configuration says so and it can: it must be one lower-case DNS label,
+// because a certificate's wildcard covers one label only, and the host must be a name. Otherwise it leads the
+// path.
 ResultCode ResolveS3Endpoint(const ObjectStoreConfig& config, S3Endpoint& endpoint);
 
 // Lower-case letters, digits and inner hyphens; 1 to 63 of them.

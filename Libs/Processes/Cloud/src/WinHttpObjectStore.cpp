@@ -12,31 +12,30 @@
 
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
 #include "Libs/Processes/Cloud/src/SigV4.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Handle.h"
 
 // The client of builds without the AWS SDK: signed requests over the system's own HTTP and certificates. Logs
 // neither secrets nor answers.
 
 namespace {
 
-template <auto Close>
-struct Closer {
-    void operator()(void* handle) const { Close(handle); }
-};
-using WinHttpHandle = std::unique_ptr<void, Closer<WinHttpCloseHandle>>;
-using EventHandle = std::unique_ptr<void, Closer<CloseHandle>>;
+bool CloseWinHttp(void* handle) {
+    return WinHttpCloseHandle(handle) != FALSE;
+}
+using WinHttpHandle = Platform::Handle<CloseWinHttp>;
 
 constexpr std::size_t LargestPiece = std::size_t{64} << 10;
 
 // What WinHTTP's callback touches. Shared with it, since a step that was given up can end after the request
 // is gone.
 struct StepState {
-    EventHandle ended{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
+    Platform::KernelHandle ended{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     std::atomic<bool> failed = false;
     std::vector<uint8_t> piece; // WinHTTP reads it until the step ends
 
     void End(bool hasFailed) {
         failed = hasFailed;
-        SetEvent(ended.get());
+        SetEvent(ended.Get());
     }
 };
 
@@ -109,25 +108,26 @@ private:
     DWORD_PTR m_context = 0; // WinHTTP's share of m_step, as the callback gets it
     WinHttpHandle m_session;
     WinHttpHandle m_connection;
-    WinHttpHandle m_request; // closed first
+    WinHttpHandle m_request; // destroyed first
 };
 
 ResultCode WinHttpPut::Open(const S3Endpoint& endpoint, const std::string& path) {
     if (!OpenSession()) {
         return "Failed to open HTTP session";
     }
-    m_connection.reset(WinHttpConnect(m_session.get(), Widen(endpoint.host).c_str(), endpoint.port, 0));
+    m_connection =
+        WinHttpHandle(WinHttpConnect(m_session.Get(), Widen(endpoint.host).c_str(), endpoint.port, 0));
     if (!m_connection) {
         return "Failed to prepare HTTP connection";
     }
     const DWORD flags = WINHTTP_FLAG_ESCAPE_DISABLE | (endpoint.secure ? WINHTTP_FLAG_SECURE : 0);
-    WinHttpHandle request(WinHttpOpenRequest(m_connection.get(), L"PUT", Widen(path).c_str(), nullptr,
+    WinHttpHandle request(WinHttpOpenRequest(m_connection.Get(), L"PUT", Widen(path).c_str(), nullptr,
                                              WINHTTP_NO_REFERER, WINHTTP_DEFAULT_ACCEPT_TYPES, flags));
     // Without keep-alive the connection is closed after its only request.
     constexpr DWORD Unwanted = WINHTTP_DISABLE_REDIRECTS | WINHTTP_DISABLE_COOKIES |
                                WINHTTP_DISABLE_AUTHENTICATION | WINHTTP_DISABLE_KEEP_ALIVE;
-    if (!request || !SetOption(request.get(), WINHTTP_OPTION_DISABLE_FEATURE, Unwanted) ||
-        !SetTimeouts(request.get()) || !Attach(std::move(request))) {
+    if (!request || !SetOption(request.Get(), WINHTTP_OPTION_DISABLE_FEATURE, Unwanted) ||
+        !SetTimeouts(request.Get()) || !Attach(std::move(request))) {
         return "Failed to prepare HTTP request";
     }
     return Platform::Success;
@@ -137,15 +137,15 @@ bool WinHttpPut::OpenSession() {
     for (const DWORD access :
          {DWORD{WINHTTP_ACCESS_TYPE_AUTOMATIC_PROXY}, DWORD{WINHTTP_ACCESS_TYPE_DEFAULT_PROXY}}) {
         if (!m_session) {
-            m_session.reset(WinHttpOpen(L"MorvaneCrashReporter", access, WINHTTP_NO_PROXY_NAME,
-                                        WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC));
+            m_session = WinHttpHandle(WinHttpOpen(L"MorvaneCrashReporter", access, WINHTTP_NO_PROXY_NAME,
+                                                  WINHTTP_NO_PROXY_BYPASS, WINHTTP_FLAG_ASYNC));
         }
     }
     constexpr DWORD Tls12 = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_2;
     constexpr DWORD Tls13 = WINHTTP_FLAG_SECURE_PROTOCOL_TLS1_3;
     // Systems that do not know 1.3 refuse both together.
-    return m_session && (SetOption(m_session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, Tls12 | Tls13) ||
-                         SetOption(m_session.get(), WINHTTP_OPTION_SECURE_PROTOCOLS, Tls12));
+    return m_session && (SetOption(m_session.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, Tls12 | Tls13) ||
+                         SetOption(m_session.Get(), WINHTTP_OPTION_SECURE_PROTOCOLS, Tls12));
 }
 
 // Wait's limits decide. These end an abandoned step on systems where closing the request does not, and bring
@@ -165,8 +165,8 @@ bool WinHttpPut::Attach(WinHttpHandle request) {
     auto context = std::make_unique<StepContext>(m_step);
     m_context = reinterpret_cast<DWORD_PTR>(context.get());
     if (!m_step->ended ||
-        !WinHttpSetOption(request.get(), WINHTTP_OPTION_CONTEXT_VALUE, &m_context, sizeof(m_context)) ||
-        WinHttpSetStatusCallback(request.get(), &OnNotice,
+        !WinHttpSetOption(request.Get(), WINHTTP_OPTION_CONTEXT_VALUE, &m_context, sizeof(m_context)) ||
+        WinHttpSetStatusCallback(request.Get(), &OnNotice,
                                  WINHTTP_CALLBACK_FLAG_ALL_COMPLETIONS | WINHTTP_CALLBACK_FLAG_HANDLES,
                                  0) == WINHTTP_INVALID_STATUS_CALLBACK) {
         return false;
@@ -181,8 +181,8 @@ WinHttpPut::Outcome WinHttpPut::Wait(bool isStarted) {
     if (!isStarted) {
         return Outcome::Failed;
     }
-    if (WaitForSingleObject(m_step->ended.get(), m_requestTimeoutMs) != WAIT_OBJECT_0) {
-        m_request.reset(); // on Windows this also ends the step
+    if (WaitForSingleObject(m_step->ended.Get(), m_requestTimeoutMs) != WAIT_OBJECT_0) {
+        static_cast<void>(m_request.Close()); // on Windows this also ends the step
         return Outcome::TimedOut;
     }
     return m_step->failed ? Outcome::Failed : Outcome::Done;
@@ -191,19 +191,19 @@ WinHttpPut::Outcome WinHttpPut::Wait(bool isStarted) {
 ResultCode WinHttpPut::Send(const std::vector<SigV4::Header>& headers, std::span<const uint8_t> body) {
     for (const SigV4::Header& header : headers) {
         const std::wstring line = Widen(header.name + ": " + header.value);
-        if (!WinHttpAddRequestHeaders(m_request.get(), line.c_str(), static_cast<DWORD>(line.size()),
+        if (!WinHttpAddRequestHeaders(m_request.Get(), line.c_str(), static_cast<DWORD>(line.size()),
                                       WINHTTP_ADDREQ_FLAG_ADD | WINHTTP_ADDREQ_FLAG_REPLACE)) {
             return "Failed to add HTTP header";
         }
     }
-    if (Wait(WinHttpSendRequest(m_request.get(), WINHTTP_NO_ADDITIONAL_HEADERS, 0, WINHTTP_NO_REQUEST_DATA, 0,
+    if (Wait(WinHttpSendRequest(m_request.Get(), WINHTTP_NO_ADDITIONAL_HEADERS, 0, WINHTTP_NO_REQUEST_DATA, 0,
                                 WINHTTP_IGNORE_REQUEST_TOTAL_LENGTH, m_context)) != Outcome::Done) {
         return "Failed to send HTTP request";
     }
     while (!body.empty()) {
         const auto piece = body.first(std::min(body.size(), LargestPiece));
         m_step->piece.assign(piece.begin(), piece.end());
-        switch (Wait(WinHttpWriteData(m_request.get(), m_step->piece.data(), static_cast<DWORD>(piece.size()),
+        switch (Wait(WinHttpWriteData(m_request.Get(), m_step->piece.data(), static_cast<DWORD>(piece.size()),
                                       nullptr))) {
         case Outcome::TimedOut:
             return "Timed out while sending HTTP body";
@@ -217,12 +217,12 @@ ResultCode WinHttpPut::Send(const std::vector<SigV4::Header>& headers, std::span
 }
 
 ResultCode WinHttpPut::Receive(uint32_t& status, std::string& eTag) {
-    if (Wait(WinHttpReceiveResponse(m_request.get(), nullptr)) != Outcome::Done) {
+    if (Wait(WinHttpReceiveResponse(m_request.Get(), nullptr)) != Outcome::Done) {
         return "Failed to receive HTTP response";
     }
     DWORD number = 0;
     DWORD size = sizeof(number);
-    if (!WinHttpQueryHeaders(m_request.get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
+    if (!WinHttpQueryHeaders(m_request.Get(), WINHTTP_QUERY_STATUS_CODE | WINHTTP_QUERY_FLAG_NUMBER,
                              WINHTTP_HEADER_NAME_BY_INDEX, &number, &size, WINHTTP_NO_HEADER_INDEX)) {
         return "HTTP response has no status";
     }
@@ -234,7 +234,7 @@ ResultCode WinHttpPut::Receive(uint32_t& status, std::string& eTag) {
 std::string WinHttpPut::QueryETag() const {
     wchar_t text[256]; // a longer tag is no MD5
     DWORD size = sizeof(text);
-    if (!WinHttpQueryHeaders(m_request.get(), WINHTTP_QUERY_ETAG, WINHTTP_HEADER_NAME_BY_INDEX, text, &size,
+    if (!WinHttpQueryHeaders(m_request.Get(), WINHTTP_QUERY_ETAG, WINHTTP_HEADER_NAME_BY_INDEX, text, &size,
                              WINHTTP_NO_HEADER_INDEX)) {
         return {};
     }
