@@ -6,7 +6,7 @@
 
 #include "Libs/Framework/Core/src/ApplicationFolders.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
-#include "Libs/Framework/Core/src/ThreadWait.h"
+#include "Libs/Framework/Core/src/Thread.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"

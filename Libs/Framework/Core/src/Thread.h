@@ -3,26 +3,26 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <vector>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Receipt.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// One operating-system thread around a callable: created suspended, started by Resume, joined through its
-// handle. Always owned by a std::shared_ptr. Creation, Resume, Suspend, SetName, Finish and
-// EnterBackgroundMode belong to the thread that owns it; GetStatus and Join may be called from any thread. No
-// exception leaves the thread: one that escapes the callable is logged and ends it with exit code 1.
-// Destroying a Thread that was never resumed lets it end without calling the function; destroying one that
-// runs does not wait for it.
+// One operating-system thread around a callable: created suspended, started by Resume. Always owned by a
+// std::shared_ptr. GetStatus and Join may be called from any thread, the rest only from the thread that owns
+// it. No exception leaves the thread: one that escapes the callable is logged and ends it with exit code 1.
+// Destroying a Thread that was never resumed ends it without a call of the function; destroying one that runs
+// does not wait for it.
 class Thread : public std::enable_shared_from_this<Thread> {
 public:
     enum class Status : int {
         Ended = 0,         // with an exit code of its own
         Running = 1,       // also before the first Resume
         EndedNormally = 2, // the function returned
-        Failed = 3,        // no thread, or an exit code that stands for a crash
+        Failed = 3,        // no thread, or the exit code of a crash
     };
 
-    // Keeps a thread in background scheduling mode as long as the receipt lives; keeps the Thread alive too.
+    // Keeps a thread in background scheduling mode, and its Thread alive, as long as the receipt lives.
     class BackgroundModeReceipt;
 
     explicit Thread(std::function<void()> function);
@@ -39,15 +39,15 @@ public:
     // Waits without limit while the status is Running: resume first.
     void Join() const;
 
-    // Lets a thread that was started run to its end, also out of a suspension, and waits for it. Returns at
-    // once for one that never was.
+    // Waits for the end of a thread that was started, and resumes it if it is suspended. Returns at once if
+    // it never was started.
     void Finish();
 
     void* GetHandle() const { return m_handle; }
     uint32_t GetThreadId() const { return m_id; }
 
-    // The receipt is given out also when the system refuses the mode. Windows takes a thread's background
-    // mode from that thread alone: asked for before the first Resume, it is taken up when the thread starts.
+    // Call it before the first Resume: Windows grants background mode only to the thread itself, which takes
+    // it up before it calls the function. Returns a receipt even if the system refuses the mode.
     std::shared_ptr<Platform::Receipt> EnterBackgroundMode();
 
     // What an exit code says about the end of a thread.
@@ -63,3 +63,6 @@ private:
     bool m_started = false;
     uint32_t m_suspensions = 1; // the thread runs at 0
 };
+
+// Waits without limit until every thread has ended. handles are those of Thread::GetHandle.
+ResultCode WaitForThreads(const std::vector<void*>& handles);
