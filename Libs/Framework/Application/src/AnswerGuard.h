@@ -1,42 +1,38 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 
-// Tells an answer from a key or click that was meant for the game under a dialog that has just come up. Pure;
-// times are the system's tick count in milliseconds, which may wrap around. One a dialog, used by its thread.
-//
-// A click counts once the dialog has been in sight for a while; a key, once it has had the keyboard for a
-// while. Whatever comes before is dropped, and whoever is still hammering has to pause before anything
-// counts. A key held down since before that goes on being dropped until it is let go.
+// Tells an answer from a key or click that was meant for the game under a dialog that has just come up: a
+// click counts once the dialog has been in sight for a while; a key, once the dialog has had the keyboard
+// for a while and if it was not held down already. Times are GetTickCount64's. One a dialog, on its thread.
 class AnswerGuard {
 public:
-    static constexpr uint32_t SettleTime = 1000;
-    static constexpr uint32_t PauseTime = 500;
+    static constexpr uint64_t SettleTime = 1000; // milliseconds
 
-    void Shown(uint32_t now);
+    void Shown(uint64_t now) { m_shown = now; }
 
     // Whether the dialog has the keyboard now; may be told again and again.
-    void SetForeground(bool foreground, uint32_t now);
+    void SetKeyboard(bool hasKeyboard, uint64_t now) {
+        if (!hasKeyboard) {
+            m_keyboard.reset();
+        } else if (!m_keyboard) {
+            m_keyboard = now;
+        }
+    }
 
-    // Whether the dialog may see this press. `repeated`: the key was already down.
-    bool AcceptsKey(unsigned key, bool repeated, uint32_t now);
-    bool AcceptsClick(uint32_t now);
+    bool AcceptsClick(uint64_t pressed) const { return HasSettled(m_shown, pressed); }
+
+    // `repeated`: the key was down before.
+    bool AcceptsKey(bool repeated, uint64_t pressed) const {
+        return !repeated && HasSettled(m_keyboard, pressed);
+    }
 
 private:
-    // One source of input, and since when it may be meant for the dialog.
-    struct Gate {
-        uint32_t since = 0;
-        uint32_t lastDropped = 0;
-        bool open = false;
-        bool dropped = false; // something, since `since`
+    static bool HasSettled(const std::optional<uint64_t>& since, uint64_t pressed) {
+        return since && pressed >= *since + SettleTime;
+    }
 
-        void Restart(uint32_t now);
-        void Drop(uint32_t now);
-        bool Accepts(uint32_t now);
-    };
-
-    Gate m_clicks;
-    Gate m_keys;
-    bool m_foreground = false;
-    unsigned m_acceptedKey = 0; // the latest, whose repetitions are accepted too
+    std::optional<uint64_t> m_shown;    // since when it is in sight
+    std::optional<uint64_t> m_keyboard; // since when it has the keyboard
 };

@@ -1,25 +1,21 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
-#include <span>
 #include <string>
-#include <string_view>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// The texts of the permission dialog, out of the string tables of a module.
+// The texts of the permission dialog, from the string tables of a module. Languages are Windows language
+// identifiers.
 namespace PermissionTexts {
 
-// The string at a place (0 to 15) of one block of a string table: sixteen strings, each behind its length.
-// Empty for a string of no length, which is how a block says that it has none, and for a block cut short.
-std::optional<std::wstring_view> StringInBlock(std::span<const wchar_t> block, unsigned place);
+// The language of the dialog that suits an interface language best: the same one in any region (0x0c07,
+// German of Austria, gives 0x0407, German); for Chinese the one of the same script (0x0c04, Hong Kong, gives
+// 0x7c04). 0 if there is none. Windows' own choice knows only the exact region or English.
+uint16_t LanguageFor(uint16_t interfaceLanguage);
 
 // Text `id` (PERMISSION_TEXT_...) in the given language. With language 0, or one that the module does not
-// have, the system chooses. `text` is untouched by a failure.
+// have, the system chooses. A failure leaves `text` unchanged.
 ResultCode Load(void* module, uint16_t language, unsigned id, std::wstring& text);
-
-// The language in which the user sees Windows itself.
-uint16_t InterfaceLanguage();
 
 } // namespace PermissionTexts

@@ -4,12 +4,65 @@
 
 #include <new>
 #include <string>
-#include <vector>
+#include <string_view>
 
-#include "Libs/Framework/Application/src/LogLineEndings.h"
 #include "Libs/Framework/Application/src/PermissionDialog.h"
 #include "Libs/Framework/Core/src/CommandLine.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
+
+Reflection_DefinePolymorphicType(WindowsApplicationPump);
+
+namespace {
+
+// A log entry as whole lines: every line feed gets a carriage return before it, except at the very start, and
+// a text that does not end in a line feed gets a line end.
+std::string WithLineEndings(std::string_view text) {
+    std::string lines;
+    lines.reserve(text.size() + 2); // an entry rarely has line feeds of its own
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n' && i > 0 && text[i - 1] != '\r') {
+            lines += '\r';
+        }
+        lines += text[i];
+    }
+    if (!lines.empty() && lines.back() != '\n') {
+        lines += "\r\n";
+    }
+    return lines;
+}
+
+} // namespace
+
+ResultCode WindowsApplicationPump::Initialize(const JsonDocument&, int, const char**) {
+    HINSTANCE instance = GetModuleHandleW(nullptr);
+    m_instance = instance;
+
+    WNDCLASSEXW windowClass = {};
+    windowClass.cbSize = sizeof(windowClass);
+    windowClass.style = CS_VREDRAW | CS_HREDRAW;
+    windowClass.lpfnWndProc = &DefWindowProcW;
+    windowClass.hInstance = instance;
+    windowClass.lpszClassName = L"BugHelperClass";
+    if (!RegisterClassExW(&windowClass)) {
+        return "Failed to register window class";
+    }
+    m_window = CreateWindowExW(0, windowClass.lpszClassName, L"BugHelper", 0, 0, 0, 1, 1, HWND_MESSAGE,
+                               nullptr, instance, nullptr);
+    return Platform::Success;
+}
+
+bool WindowsApplicationPump::ThreadMain() {
+    return RunRounds(m_pollInterval, [window = static_cast<HWND>(m_window)] {
+        MSG message;
+        while (PeekMessageW(&message, window, 0, 0, PM_NOREMOVE)) {
+            if (GetMessageW(&message, window, 0, 0)) {
+                TranslateMessage(&message);
+                DispatchMessageW(&message);
+            }
+        }
+    });
+}
 
 WindowsApplication* WindowsApplication::s_this = nullptr;
 std::recursive_mutex WindowsApplication::s_logLock;
@@ -37,7 +90,7 @@ WindowsApplication::~WindowsApplication() {
         const std::lock_guard lock(s_logLock);
         s_this = nullptr;
     }
-    m_console.reset(); // while everything that its stop request uses still stands
+    m_console.reset(); // its stop request uses the members below
 }
 
 ResultCode WindowsApplication::Initialize(int argc, const char** argv) {
@@ -56,10 +109,6 @@ ResultCode WindowsApplication::Run() {
     return ApplicationBase::Run();
 }
 
-ResultCode WindowsApplication::Shutdown() {
-    return ApplicationBase::Shutdown();
-}
-
 ResultCode WindowsApplication::AskUploadPermission(UploadPermission& answer) {
     answer = UploadPermission::Refused;
     PLATFORM_ASSERT(m_messagePumpProc);
@@ -76,11 +125,13 @@ ResultCode WindowsApplication::AskUploadPermission(UploadPermission& answer) {
 }
 
 ResultCode WindowsApplication::GetVersion(PlatformHelpers::ModuleVersion& version, uint32_t& changelist) {
-    std::vector<char> path(32768);
-    if (GetModuleFileNameA(nullptr, path.data(), static_cast<DWORD>(path.size())) == 0) {
+    std::wstring path(32768, L'\0');
+    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
+    std::string name;
+    if (path.empty() || Platform::WideToUtf8(path, name) != Platform::EncodingOutcome::Done) {
         return "Failed to get module file name";
     }
-    return PlatformHelpers::GetModuleVersion(path.data(), version, changelist);
+    return PlatformHelpers::GetModuleVersion(name, version, changelist);
 }
 
 void WindowsApplication::RequestShutdownFromConsole() {
@@ -94,13 +145,13 @@ void WindowsApplication::RequestShutdownFromConsole() {
 void WindowsApplication::OnLogEvent(const wchar_t* logName, const char* data, uint32_t length, int) {
     const std::lock_guard lock(s_logLock);
     if (!s_this) {
-        return; // the entry crossed the end of the application
+        return; // another thread logged while the application ended
     }
     try {
-        const std::string lines = WithWindowsLineEndings({data, length});
+        const std::string lines = WithLineEndings({data, length});
         s_this->PassOn(logName, lines.c_str(), static_cast<uint32_t>(lines.size()));
     } catch (const std::bad_alloc&) {
-        s_this->PassOn(logName, data, length); // rather an unfinished line than none
+        s_this->PassOn(logName, data, length); // better a line without an end than none
     }
 }
 

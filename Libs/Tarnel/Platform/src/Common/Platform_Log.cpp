@@ -161,6 +161,7 @@ void WriteEntry(const wchar_t* logName, std::size_t messageLength, const char* f
     const auto written =
         static_cast<std::size_t>(std::max(std::vsnprintf(message, room, format, arguments), 0));
     const std::size_t length = MaskControls(message, std::min(written, room - 1));
+    message[length] = 0;
     LogWrite(logName, entry.Data(), static_cast<uint32_t>(TimePrefix::Length + length));
 }
 
