@@ -9,7 +9,7 @@
 #include "Libs/Framework/Application/src/PermissionDialog.h"
 #include "Libs/Framework/Core/src/CommandLine.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Path.h"
 
 Reflection_DefinePolymorphicType(WindowsApplicationPump);
 
@@ -125,13 +125,11 @@ ResultCode WindowsApplication::AskUploadPermission(UploadPermission& answer) {
 }
 
 ResultCode WindowsApplication::GetVersion(PlatformHelpers::ModuleVersion& version, uint32_t& changelist) {
-    std::wstring path(32768, L'\0');
-    path.resize(GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size())));
-    std::string name;
-    if (path.empty() || Platform::WideToUtf8(path, name) != Platform::EncodingOutcome::Done) {
+    const std::string path = Platform::OwnProgramPath();
+    if (path.empty()) {
         return "Failed to get module file name";
     }
-    return PlatformHelpers::GetModuleVersion(name, version, changelist);
+    return PlatformHelpers::GetModuleVersion(path, version, changelist);
 }
 
 void WindowsApplication::RequestShutdownFromConsole() {
