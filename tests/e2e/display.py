@@ -119,11 +119,7 @@ class Display:
         wine.wait_until(lambda: not self.windows(title), seconds, f"no window {title!r}")
 
     def clipboard(self):
-        """{"formats": [numbers in order], "narrow": the bytes of the one form, "wide": the text of the other}"""
-        content = vars(self._read("clipboard"))
-        if "narrow" in content:
-            content["narrow"] = content["narrow"].encode("latin-1")
-        return content
+        return self._read("clipboard")
 
     def picture(self, name, window=None):
         """Saves a picture of the window, or of the whole screen, under build/."""
@@ -142,6 +138,14 @@ class Display:
     def press(self, *keys):
         """Keys by their X names: "alt+d", "Return"."""
         self._x("xdotool", "key", "--clearmodifiers", *keys)
+
+    @contextmanager
+    def held(self, key):
+        self._x("xdotool", "keydown", key)
+        try:
+            yield
+        finally:
+            self._x("xdotool", "keyup", key)
 
     def click(self, place):
         self._x("xdotool", "mousemove", str(place[0]), str(place[1]), "click", "1")

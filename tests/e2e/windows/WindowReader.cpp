@@ -1,7 +1,7 @@
 // Prints as JSON what a user or a screen reader finds on the desktop.
 //
 //   WindowReader windows      every visible top-level window with its controls, in front first
-//   WindowReader clipboard    the clipboard's formats, in their order, and its text in both forms
+//   WindowReader clipboard    the clipboard's text
 #include <cstdio>
 #include <string>
 #include <string_view>
@@ -80,36 +80,13 @@ void PrintWindows() {
     std::printf("]\n");
 }
 
-std::wstring BytesAsCharacters(const char* text) {
-    std::wstring characters;
-    for (; *text; ++text) {
-        characters += static_cast<wchar_t>(static_cast<unsigned char>(*text));
-    }
-    return characters;
-}
-
-// Bytes of the narrow form are printed as the characters 0 to 255.
 bool PrintClipboard() {
     if (!OpenClipboard(nullptr)) {
         return false;
     }
-    std::printf("{\"formats\": [");
-    const char* separator = "";
-    for (UINT format = EnumClipboardFormats(0); format; format = EnumClipboardFormats(format)) {
-        std::printf("%s%u", separator, format);
-        separator = ", ";
-    }
-    std::printf("]");
-    if (HANDLE narrow = GetClipboardData(CF_TEXT)) {
-        const std::wstring text = BytesAsCharacters(static_cast<const char*>(GlobalLock(narrow)));
-        std::printf(", \"narrow\": %s", Quoted(text).c_str());
-        GlobalUnlock(narrow);
-    }
-    if (HANDLE wide = GetClipboardData(CF_UNICODETEXT)) {
-        std::printf(", \"wide\": %s", Quoted(static_cast<const wchar_t*>(GlobalLock(wide))).c_str());
-        GlobalUnlock(wide);
-    }
-    std::printf("}\n");
+    HANDLE text = GetClipboardData(CF_UNICODETEXT);
+    std::printf("%s\n", text ? Quoted(static_cast<const wchar_t*>(GlobalLock(text))).c_str() : "\"\"");
+    GlobalUnlock(text);
     CloseClipboard();
     return true;
 }

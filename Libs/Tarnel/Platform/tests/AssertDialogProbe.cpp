@@ -1,145 +1,145 @@
 // Fails checks with the dialogs switched on and prints what becomes of them. The end-to-end tests start it,
 // answer its dialogs and read its lines.
 //
-//   AssertDialogProbe [OPTION...]
-//     --assert           a failed assert (default)
-//     --data             bad data
-//     --message TEXT     what the check says
-//     --rounds N         reach the failing site N times (default 1)
-//     --other-thread     while the dialog is up, fail a check on another thread too
-//     --same-thread      while the dialog is up, fail a check in its own message loop too
-//     --under-debugger   run as the debuggee of a second copy
+//   AssertDialogProbe [--data] [--rounds N] [--other-thread] [--same-thread] [--under-debugger]
+//
+// fails an assert, or a data check, N times at one place; while its dialog is up, also one on another thread
+// or in the dialog's own message loop. --under-debugger runs it as the debuggee of a second copy.
 //
 //   AssertDialogProbe --nameless PROGRAM [ARGUMENT...]
 //
 // runs another program as its debuggee, with an empty text where a command line has the program's name. That
 // makes the agent fail a check.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <string>
 #include <string_view>
 #include <thread>
+#include <vector>
 
 #include <windows.h>
 
+#include <shellapi.h>
+
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_Encoding.h"
-#include "Libs/Tarnel/Platform/tests/DebugLoop.h"
 
 namespace {
-
-struct Options {
-    bool isData = false;
-    const char* message = "the message";
-    int rounds = 1;
-    bool onOtherThread = false;
-    bool onSameThread = false;
-    bool underDebugger = false;
-};
 
 std::thread g_otherThread;
 UINT_PTR g_timer = 0;
 
-void Say(const char* text) {
-    std::printf("probe: %s\n", text);
+void Say(const char* who, const char* text) {
+    std::printf("%s: %s\n", who, text);
     std::fflush(stdout);
 }
 
-bool Parse(int count, char** arguments, Options& options) {
-    for (int i = 1; i < count; ++i) {
-        const std::string_view name = arguments[i];
-        const auto value = [&] { return i + 1 < count ? arguments[++i] : ""; };
-        if (name == "--data") {
-            options.isData = true;
-        } else if (name == "--assert") {
-            options.isData = false;
-        } else if (name == "--message") {
-            options.message = value();
-        } else if (name == "--rounds") {
-            options.rounds = static_cast<int>(std::strtol(value(), nullptr, 10));
-        } else if (name == "--other-thread") {
-            options.onOtherThread = true;
-        } else if (name == "--same-thread") {
-            options.onSameThread = true;
-        } else if (name == "--under-debugger") {
-            options.underDebugger = true;
-        } else {
-            std::printf("probe: unknown option %s\n", arguments[i]);
-            return false;
+// Says what the debuggee sends to its debugger and where it breaks. Returns how it is to go on.
+DWORD OnEvent(const DEBUG_EVENT& event, HANDLE process, const char*& image) {
+    switch (event.dwDebugEventCode) {
+    case CREATE_PROCESS_DEBUG_EVENT:
+        image = static_cast<const char*>(event.u.CreateProcessInfo.lpBaseOfImage);
+        CloseHandle(event.u.CreateProcessInfo.hFile);
+        return DBG_CONTINUE;
+    case LOAD_DLL_DEBUG_EVENT:
+        CloseHandle(event.u.LoadDll.hFile);
+        return DBG_CONTINUE;
+    case EXCEPTION_DEBUG_EVENT: {
+        const EXCEPTION_RECORD& record = event.u.Exception.ExceptionRecord;
+        const auto* address = static_cast<const char*>(record.ExceptionAddress);
+        if (record.ExceptionCode != EXCEPTION_BREAKPOINT) {
+            return DBG_EXCEPTION_NOT_HANDLED;
         }
+        // Every debuggee breaks once in the system when it starts.
+        if (address >= image && address < image + (1 << 24)) {
+            Say("debugger", "break in the program");
+        }
+        return DBG_CONTINUE;
     }
-    return true;
-}
-
-// The same command line without the option that asks for the debugger.
-std::wstring DebuggeeCommandLine() {
-    constexpr std::wstring_view Option = L" --under-debugger";
-    std::wstring commandLine = GetCommandLineW();
-    commandLine.erase(commandLine.find(Option), Option.size());
-    return commandLine;
-}
-
-int RunNameless(int count, char** arguments) {
-    std::wstring program;
-    std::wstring commandLine = L"\"\"";
-    bool isText = Platform::Utf8ToWide(arguments[0], program) == Platform::EncodingOutcome::Done;
-    for (int i = 1; i < count; ++i) {
-        std::wstring argument;
-        isText &= Platform::Utf8ToWide(arguments[i], argument) == Platform::EncodingOutcome::Done;
-        commandLine += L" \"" + argument + L"\"";
+    case OUTPUT_DEBUG_STRING_EVENT: {
+        const OUTPUT_DEBUG_STRING_INFO& text = event.u.DebugString;
+        std::vector<char> bytes(std::size_t{text.nDebugStringLength} + 1);
+        ReadProcessMemory(process, text.lpDebugStringData, bytes.data(), text.nDebugStringLength, nullptr);
+        Say("debugger", bytes.data());
+        return DBG_CONTINUE;
     }
-    return isText ? RunUnderDebugger(program.c_str(), commandLine) : -1;
+    default:
+        return DBG_CONTINUE;
+    }
 }
 
-// Timers run in the message loop of the dialog, so they are a sure sign that it is up.
+// Its exit code.
+int RunUnderDebugger(const wchar_t* program, std::wstring commandLine) {
+    STARTUPINFOW startup = {};
+    startup.cb = sizeof(startup);
+    PROCESS_INFORMATION process = {};
+    if (!CreateProcessW(program, commandLine.data(), nullptr, nullptr, TRUE, DEBUG_ONLY_THIS_PROCESS, nullptr,
+                        nullptr, &startup, &process)) {
+        return -1;
+    }
+    const char* image = nullptr;
+    DEBUG_EVENT event = {};
+    while (event.dwDebugEventCode != EXIT_PROCESS_DEBUG_EVENT && WaitForDebugEvent(&event, INFINITE)) {
+        ContinueDebugEvent(event.dwProcessId, event.dwThreadId, OnEvent(event, process.hProcess, image));
+    }
+    return static_cast<int>(event.u.ExitProcess.dwExitCode);
+}
+
+// Timers run in the message loop of the dialog, so it is up then.
 void CALLBACK OnOtherThread(HWND, UINT, UINT_PTR, DWORD) {
     KillTimer(nullptr, g_timer);
     g_otherThread = std::thread([] {
-        Say("other thread asks");
+        Say("probe", "other thread asks");
         PLATFORM_ASSERT_MESSAGE(false, "from another thread");
-        Say("other thread went on");
+        Say("probe", "other thread went on");
     });
 }
 
 void CALLBACK OnSameThread(HWND, UINT, UINT_PTR, DWORD) {
     KillTimer(nullptr, g_timer);
     PLATFORM_ASSERT_MESSAGE(false, "from the same thread");
-    Say("same thread went on");
+    Say("probe", "same thread went on");
 }
 
-void FailCheck(const Options& options) {
-    for (int round = 0; round < options.rounds; ++round) {
-        Say("asks");
-        if (options.isData) {
-            PLATFORM_DATA_ERROR(round < 0, "%s", options.message);
+void FailChecks(bool isData, int rounds) {
+    for (int round = 0; round < rounds; ++round) {
+        Say("probe", "asks");
+        if (isData) {
+            PLATFORM_DATA_ERROR(round < 0, "Grüße an 太郎");
         } else {
-            PLATFORM_ASSERT_MESSAGE(round < 0, "%s", options.message);
+            PLATFORM_ASSERT_MESSAGE(round < 0, "Grüße an 太郎");
         }
-        Say("went on");
+        Say("probe", "went on");
     }
 }
 
 } // namespace
 
-int main(int count, char** arguments) {
-    if (count > 2 && std::string_view(arguments[1]) == "--nameless") {
-        return RunNameless(count - 2, arguments + 2);
+int main() {
+    int count = 0;
+    wchar_t** const arguments = CommandLineToArgvW(GetCommandLineW(), &count);
+    const std::vector<std::wstring> given(arguments + 1, arguments + count);
+    const auto has = [&](std::wstring_view option) {
+        return std::ranges::find(given, option) != given.end();
+    };
+    if (has(L"--nameless")) {
+        std::wstring commandLine = L"\"\"";
+        std::for_each(given.begin() + 2, given.end(),
+                      [&](const std::wstring& argument) { commandLine += L" \"" + argument + L"\""; });
+        return RunUnderDebugger(given[1].c_str(), commandLine);
     }
-    Options options;
-    if (!Parse(count, arguments, options)) {
-        return 64;
-    }
-    if (options.underDebugger) {
-        return RunUnderDebugger(nullptr, DebuggeeCommandLine());
+    if (has(L"--under-debugger")) {
+        std::wstring commandLine = GetCommandLineW();
+        return RunUnderDebugger(nullptr, commandLine.replace(commandLine.find(L"--under-debugger"), 16, L""));
     }
     EXP_GetAssertState()->showDialogs = 1;
-    if (options.onOtherThread || options.onSameThread) {
-        g_timer = SetTimer(nullptr, 0, 50, options.onOtherThread ? OnOtherThread : OnSameThread);
+    if (has(L"--other-thread") || has(L"--same-thread")) {
+        g_timer = SetTimer(nullptr, 0, 50, has(L"--other-thread") ? OnOtherThread : OnSameThread);
     }
-    FailCheck(options);
+    FailChecks(has(L"--data"), has(L"--rounds") ? std::stoi(given.back()) : 1);
     if (g_otherThread.joinable()) {
         g_otherThread.join();
     }
-    Say("ended");
+    Say("probe", "ended");
     return 0;
 }

@@ -1,11 +1,9 @@
-#include "Libs/Tarnel/Platform/src/Windows/Platform_AssertDialog.h"
-
+#include <cstring>
 #include <cwchar>
 
 #include <windows.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Windows/Platform_Clipboard.h"
 #include "Libs/Tarnel/Platform/src/Windows/Platform_DialogTemplate.h"
 
 namespace Platform {
@@ -20,8 +18,8 @@ enum ControlId : uint16_t {
     CopyButton = 1006,
 };
 
-// Guarded by the assertion state's lock. No heap here: the check may have failed for want of memory. Widening
-// never takes more units than the report has bytes.
+// Guarded by the assertion state's lock. No heap here: the check may have failed because memory ran out.
+// The wide form never has more units than the report has bytes.
 constinit wchar_t g_reportText[AssertReportSize] = {};
 
 void BuildTemplate(DialogTemplate& dialog, AssertKind kind) {
@@ -68,6 +66,26 @@ void Prepare(HWND dialog, AssertKind kind) {
     SendMessageW(dialog, WM_NEXTDLGCTL, reinterpret_cast<WPARAM>(GetDlgItem(dialog, first)), TRUE);
 }
 
+// As UTF-16 alone: the system makes the narrow forms for programs that ask for them. False if another program
+// holds the clipboard or memory is short.
+bool CopyToClipboard(HWND owner, const wchar_t* text) {
+    const std::size_t size = (std::wcslen(text) + 1) * sizeof(wchar_t);
+    HGLOBAL memory = GlobalAlloc(GHND, size);
+    bool isTaken = false;
+    if (void* copy = memory ? GlobalLock(memory) : nullptr) {
+        std::memcpy(copy, text, size);
+        GlobalUnlock(memory);
+        if (OpenClipboard(owner)) {
+            isTaken = EmptyClipboard() && SetClipboardData(CF_UNICODETEXT, memory); // it owns the memory then
+            CloseClipboard();
+        }
+    }
+    if (!isTaken) {
+        GlobalFree(memory);
+    }
+    return isTaken;
+}
+
 bool OnButton(HWND dialog, int id) {
     switch (id) {
     case AbortButton:
@@ -102,7 +120,7 @@ INT_PTR CALLBACK OnMessage(HWND dialog, UINT message, WPARAM wordParameter, LPAR
     case WM_INITDIALOG:
         SetWindowLongPtrW(dialog, DWLP_USER, longParameter);
         Prepare(dialog, KindOf(dialog));
-        return FALSE; // the focus is set already
+        return FALSE; // Prepare has set the focus
     case WM_COMMAND:
         return HIWORD(wordParameter) == BN_CLICKED && OnButton(dialog, LOWORD(wordParameter));
     case WM_CTLCOLORDLG:
@@ -117,28 +135,25 @@ INT_PTR CALLBACK OnMessage(HWND dialog, UINT message, WPARAM wordParameter, LPAR
     }
 }
 
-int ShowUnowned(const char* report, int kind) {
-    return ShowAssertDialog(nullptr, report, kind);
-}
-
-} // namespace
-
-int ShowAssertDialog(void* ownerWindow, const char* report, int kind) {
-    // First the text: a check that fails from here on writes a report of its own over this one.
+// With a message loop of its own on the calling thread. -1 if no dialog can be shown, for instance without a
+// desktop. Called inside the assertion state's lock, so there is one dialog at a time in the process.
+int ShowAssertDialog(const char* report, int kind) {
+    // First the text: a check that fails from here on writes its own report over this one.
     if (MultiByteToWideChar(CP_UTF8, 0, report, -1, g_reportText, AssertReportSize) == 0) {
         g_reportText[0] = 0;
     }
     DialogTemplate dialog;
     BuildTemplate(dialog, static_cast<AssertKind>(kind));
-    // Wide, so that texts keep their characters whatever the code page; the template is the same for both.
-    const INT_PTR answer =
-        DialogBoxIndirectParamW(GetModuleHandleW(nullptr), static_cast<LPCDLGTEMPLATEW>(dialog.Template()),
-                                static_cast<HWND>(ownerWindow), OnMessage, kind);
-    return static_cast<int>(answer);
+    // The wide call, so that texts keep their characters whatever the code page; the template is the same.
+    return static_cast<int>(DialogBoxIndirectParamW(GetModuleHandleW(nullptr),
+                                                    static_cast<LPCDLGTEMPLATEW>(dialog.Template()), nullptr,
+                                                    OnMessage, kind));
 }
 
+} // namespace
+
 AssertDialog AssertSystem::BuiltInDialog() {
-    return ShowUnowned;
+    return ShowAssertDialog;
 }
 
 } // namespace Platform

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <span>
 
 namespace Platform {
 
@@ -38,9 +37,6 @@ public:
 
     // For DialogBoxIndirectParam; lives as long as the builder.
     const void* Template() const { return m_buffer.data(); }
-
-    // The same with its length.
-    std::span<const std::byte> Bytes() const { return {m_buffer.data(), m_usedBufferLength}; }
 
 private:
     static constexpr std::size_t HeaderSize = 18;
