@@ -6,7 +6,7 @@
 
 #include "Libs/Framework/Application/src/ConsoleWindow.h"
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "Libs/Framework/Core/src/ReflectedProcess.h"
+#include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 // The built-in process "MessagePump": handles the window messages of its thread. Owned by WindowsApplication,
