@@ -166,10 +166,8 @@ private:
     }
 
     void ReadClass(const std::string& className, const JsonValue::Member& member) {
-        const auto classes = ProcessClasses();
-        const auto processClass = std::ranges::find(classes, className, &ProcessClass::name);
-        const bool isKnown = processClass != classes.end();
-        if (!isKnown) {
+        const ProcessClass* const processClass = FindProcessClass(className);
+        if (!processClass) {
             m_report(member.name, Quoted(className) + ": Failed to find maker for process");
         }
         if (!member.value.IsArray()) {
@@ -177,9 +175,7 @@ private:
         }
         for (const JsonValue& name : member.value.GetArray()) {
             if (name.IsString() &&
-                !m_sections.instances
-                     .emplace(TextOf(name), ProcessInstance{isKnown ? &*processClass : nullptr, &name})
-                     .second) {
+                !m_sections.instances.emplace(TextOf(name), ProcessInstance{processClass, &name}).second) {
                 m_report(name, Quoted(TextOf(name)) + " is the name of another process already");
             }
         }
@@ -252,6 +248,12 @@ std::span<const ProcessClass> ProcessClasses() {
     static constexpr ProcessClass Classes[] = {
         MORVANE_PROCESS_CLASSES(CLASS_WITH_SECTION, CLASS_WITHOUT_SECTION)};
     return Classes;
+}
+
+const ProcessClass* FindProcessClass(std::string_view name) {
+    const auto classes = ProcessClasses();
+    const auto found = std::ranges::find(classes, name, &ProcessClass::name);
+    return found == classes.end() ? nullptr : &*found;
 }
 
 std::span<const std::string_view> ComponentClasses() {

@@ -18,6 +18,7 @@ struct ProcessClass {
     const Reflection::TypeDescriptor& (*section)(); // its section's record; null if it reads none
 };
 std::span<const ProcessClass> ProcessClasses();
+const ProcessClass* FindProcessClass(std::string_view name); // null if there is none
 std::span<const std::string_view> ComponentClasses(); // under Components
 
 // Called with the value or name that has a problem, and the problem.
