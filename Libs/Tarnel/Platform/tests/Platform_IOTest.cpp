@@ -62,7 +62,9 @@ TEST(PlatformIO, EveryCallTakesEveryName) {
         EXPECT_FALSE(Exists(folder + "/b"));
     }
     EXPECT_EQ(NamesIn(scratch.Path()).size(), 4u); // two spellings of one name are two folders
-    for (SystemPath path = deep + "/" + Decomposed; NamesIn(scratch.Path()).size() > 3;
+    // The standard library can't delete it, and tries for ever.
+    EXPECT_EQ(RemoveEmptyFolder(scratch.Path() + "ends in a dot."), NoError);
+    for (SystemPath path = deep + "/" + Decomposed; NamesIn(scratch.Path()).size() > 2;
          path = path.Parent()) {
         ASSERT_EQ(RemoveEmptyFolder(path), NoError);
     }
