@@ -1,16 +1,17 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
 
-// MD5 (RFC 1321) and its lower-case hexadecimal form. It names and checks packages; it guards nothing against
-// an attacker.
+// MD5 (RFC 1321) and its lower-case hexadecimal form. It names and checks packages; it protects nothing
+// against an attacker.
 namespace Crypto {
 
-// One digest in the making. Start, any number of Updates, Finish, then Digest; Start begins anew. Plain data:
-// a copy goes on independently. One thread at a time.
+// One digest in the making: any number of Updates, Finish, then Digest. Start begins again. Plain data: a
+// copy continues on its own. One thread at a time.
 class MD5 {
 public:
     static constexpr std::size_t DigestSize = 16;
@@ -19,25 +20,29 @@ public:
     MD5() { Start(); }
 
     void Start();
-    void Update(const void* data, uint32_t length);
 
-    // Wipes all but the digest. Further calls do nothing until Start.
+    // Does nothing after Finish.
+    void Update(const void* data, uint32_t length);
+    void Update(std::span<const uint8_t> bytes);
+
+    // Wipes everything but the digest.
     void Finish();
 
     // All zero until Finish.
     std::span<const uint8_t, DigestSize> Digest() const { return m_digest; }
-    bool IsFinished() const { return m_finished; }
 
 private:
-    friend struct MD5TestAccess; // sets the length counter, so that its carry is tested without hashing 512
-                                 // MiB
-
     uint32_t m_state[4];
     uint32_t m_bitCount[2]; // low word, high word
     uint8_t m_buffer[BlockSize];
     uint8_t m_digest[DigestSize];
     bool m_finished;
 };
+
+using MD5Digest = std::array<uint8_t, MD5::DigestSize>;
+
+// Two lower-case digits for each byte.
+std::string ToHex(std::span<const uint8_t> bytes);
 
 // Room for 32 digits and the terminator.
 inline constexpr std::size_t MD5TextSize = 33;
@@ -50,7 +55,8 @@ void MD5ToText(std::span<const uint8_t, MD5::DigestSize> digest, char* out_buffe
 // The text form for data of less than 4 GiB; out_buffer as for MD5ToText.
 void MD5OfBuffer(const void* data, uint32_t length, char* out_buffer, std::size_t out_buffer_size);
 
-// The text form for data of any length.
-std::string MD5OfBytes(std::span<const uint8_t> bytes);
+// Data of any length.
+MD5Digest MD5DigestOf(std::span<const uint8_t> bytes);
+std::string MD5OfBytes(std::span<const uint8_t> bytes); // as text
 
 } // namespace Crypto

@@ -4,7 +4,7 @@
 
 namespace Types {
 
-// The smallest and largest value of an arithmetic type, as constants of that very type. Min of a
+// The smallest and largest value of an arithmetic type, as constants of that type. Min of a
 // floating-point type is its most negative value.
 template <class T>
 struct Limits {
