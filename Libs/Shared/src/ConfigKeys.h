@@ -3,7 +3,7 @@
 #include <string_view>
 #include <vector>
 
-#include "Libs/Tarnel/Reflection/src/Reflection_TypeDescriptor.h"
+#include "Libs/Tarnel/Reflection/src/Reflection_TypeLookup.h"
 
 // Which keys a section of the configuration may have. All may throw std::bad_alloc.
 namespace ConfigKeys {

@@ -6,8 +6,7 @@
 #include "Libs/Processes/Core/src/ProcessClasses.h"
 #include "Libs/Shared/src/ConfigKeys.h"
 #include "Libs/Shared/src/JsonConfig.h"
-#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Plan.h"
-#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_PlanReader.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 
 namespace {
 

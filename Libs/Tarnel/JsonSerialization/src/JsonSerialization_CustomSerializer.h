@@ -1,16 +1,43 @@
 #pragma once
 
+#include <map>
 #include <string>
+#include <string_view>
 
-#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Context.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
-#include "Libs/Tarnel/Reflection/src/Reflection_Attribute.h"
-#include "Libs/Tarnel/String/src/String_Global.h"
+#include "Libs/Tarnel/Reflection/src/Reflection_TypeLookup.h"
 
-// The readers and writers of single values: those of the built-in types, and those that other modules add for
-// types of their own.
+// The readers and writers of single values: those of the built-in types, and those that other modules
+// register for their own types.
 namespace JsonSerialization {
+
+// What readers and writers can ask for by name while a document is read or written. Does not own the
+// services, which must outlive it. One thread.
+class Context {
+public:
+    Context() = default; // for reading
+    explicit Context(DocumentAllocator& allocator) { SetService(AllocatorName(), &allocator); }
+
+    // Replaces a service of that name.
+    void SetService(String::GlobalID name, void* service) { m_services[name] = service; }
+
+    // Null if there is none.
+    void* FindService(String::GlobalID name) const {
+        const auto found = m_services.find(name);
+        return found != m_services.end() ? found->second : nullptr;
+    }
+
+    // The allocator of the document that is written. Null if the context has none.
+    DocumentAllocator* FindAllocator() const {
+        return static_cast<DocumentAllocator*>(FindService(AllocatorName()));
+    }
+
+private:
+    static String::GlobalID AllocatorName() { return String::GlobalID::OfText("DocumentAllocator"); }
+
+    std::map<String::GlobalID, void*> m_services;
+};
 
 struct ReadSource {
     const JsonValue& value;
@@ -27,15 +54,27 @@ struct ValueSerializer {
     Reflection::SerializeFunction writer = nullptr;
 };
 
-// For all values of that type. Takes effect for types that have not been read or written yet: register at
-// start-up. Any thread. Throws std::bad_alloc.
+// Replaces what was registered for the type. Plans keep the functions that they found when they were built,
+// so register at start-up. Any thread. Throws std::bad_alloc.
 void RegisterValueSerializer(String::GlobalID type, const ValueSerializer& serializer);
 
-// Empty when there is none for that type.
+// Both functions are null if none is registered for that type.
 ValueSerializer FindValueSerializer(String::GlobalID type);
 
-// For custom readers: takes strings alone, no null.
+// For custom readers: takes strings only, not null.
 ResultCode ReadString(const JsonValue& value, std::string& text);
+
+// Copies the text into the document.
+ResultCode SetText(const WriteTarget& target, std::string_view text);
+
+// The types whose JSON form is a string; type must be of that kind. These throw std::bad_alloc.
+ResultCode ReadNarrow(const Reflection::TypeDescriptor& type, void* object, const ReadSource& source);
+ResultCode ReadWide(const Reflection::TypeDescriptor& type, void* object, const ReadSource& source);
+ResultCode WriteWide(const Reflection::TypeDescriptor& type, const void* object, const WriteTarget& target);
+ResultCode ReadEnum(const Reflection::TypeDescriptor& type, void* object, const ReadSource& source);
+
+// A value without an enumerator is written as "UNKNOWN_ENUM_VALUE", and is a failure.
+ResultCode WriteEnum(const Reflection::TypeDescriptor& type, const void* object, const WriteTarget& target);
 
 inline constexpr ResultCode OutOfMemory = "Out of memory";
 inline constexpr ResultCode NoAllocator = "No allocator in context";

@@ -53,8 +53,8 @@ std::string_view KeyOf(const FieldDescriptor& field) {
 
 } // namespace
 
-// Builds a plan with all that it leads to, aside from the cache: a build that runs out of memory leaves no
-// half plan behind, and a type may lead back to itself.
+// Builds a plan and the plans it needs outside the cache: a build that runs out of memory leaves nothing half
+// built, and a type may contain itself.
 template <class Function>
 class PlanCache<Function>::Builder {
 public:

@@ -8,32 +8,32 @@
 #include <vector>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Locks.h"
-#include "Libs/Tarnel/Reflection/src/Reflection_TypeDescriptor.h"
+#include "Libs/Tarnel/Reflection/src/Reflection_TypeLookup.h"
 
 namespace JsonSerialization {
 
-// How one type is read (Function is Reflection::DeserializeFunction) or written (SerializeFunction), worked
-// out once so that documents are walked without asking the reflection. Does not change once it is built.
+// How one type is read (Function is Reflection::DeserializeFunction) or written (SerializeFunction). Built
+// once per type, so that documents are walked without asking the reflection, and never changed afterwards.
 template <class Function>
 struct Plan {
     struct Field {
         std::string_view key; // the name in the data
         std::size_t offset = 0;
         bool isOptional = false;
-        Function custom = nullptr; // takes the field in place of its type's plan
+        Function custom = nullptr; // replaces the plan for this field
         const Plan* plan = nullptr;
     };
 
     const Reflection::TypeDescriptor* type = nullptr;
-    Function function = nullptr; // the type's own or registered one; goes before everything else
-    std::vector<Field> fields;   // of a record: the base's first, each in declaration order
+    Function function = nullptr; // the type's own or a registered one; if there is one, the rest is unused
+    std::vector<Field> fields;   // of a record: those of the base first
     const Plan* element = nullptr;
 };
 
 using ReadPlan = Plan<Reflection::DeserializeFunction>;
 using WritePlan = Plan<Reflection::SerializeFunction>;
 
-// The plans built so far. Any thread; plans live as long as the cache.
+// The plans built so far, which live as long as the cache. Any thread.
 template <class Function>
 class PlanCache {
 public:

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Context.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_CustomSerializer.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Plan.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
@@ -8,18 +8,18 @@
 
 namespace JsonSerialization {
 
-// Reads and writes reflected types as JSON by plans that it keeps. One per process, reached by GetSerializer.
-// Any thread may call, each on objects of its own. Nothing throws: without memory the result is "Out of
-// memory".
+// Reads and writes reflected types as JSON. Keeps the plans it has built; one per process, reached by
+// GetSerializer. Any thread may call it, each with its own objects. Nothing throws: without memory the result
+// is "Out of memory".
 class Serializer {
 public:
     using TypeFunction = const Reflection::TypeDescriptor& (*)(); // Reflection::TypeOf<T>
 
-    // Stops at the first failure: what was read before stays read. A field that may be absent keeps its value
-    // then.
+    // Stops at the first failure and keeps what was read before it. An optional field that is absent keeps
+    // its value.
     ResultCode Read(TypeFunction type, void* object, const JsonValue& value, Context& context);
 
-    // Fills value, which takes its memory from the context's allocator.
+    // Fills value, with memory of the context's allocator; the document has its own.
     ResultCode Write(TypeFunction type, const void* object, JsonValue& value, Context& context);
     ResultCode Write(TypeFunction type, const void* object, JsonDocument& document);
 
@@ -29,6 +29,10 @@ private:
 };
 
 Serializer& GetSerializer();
+
+// Reads or writes an object of the plan's type. These throw std::bad_alloc and std::length_error.
+ResultCode ReadByPlan(const ReadPlan& plan, void* object, const ReadSource& source);
+ResultCode WriteByPlan(const WritePlan& plan, const void* object, const WriteTarget& target);
 
 template <class T>
 ResultCode ReadRecord(const JsonValue& value, T& record) {

@@ -1,24 +1,24 @@
 #pragma once
 
+#include <algorithm>
 #include <forward_list>
-#include <string_view>
 #include <variant>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
-#include "Libs/Tarnel/String/src/String_Global.h"
+#include "Libs/Tarnel/String/src/String_GlobalPalette.h"
 
 namespace JsonSerialization {
-struct ReadSource;  // the JSON value at hand and its context; defined by the serializer
+struct ReadSource;  // the JSON value to read and its context; defined by the serializer
 struct WriteTarget; // the JSON value to fill and its context
 } // namespace JsonSerialization
 
 namespace Reflection {
 
-// Replace the serializer's own way with a type or a field. Must not throw.
+// Replace the serializer's own way of reading or writing a type or a field. Must not throw.
 using DeserializeFunction = ResultCode (*)(void* object, const JsonSerialization::ReadSource& source);
 using SerializeFunction = ResultCode (*)(const void* object, const JsonSerialization::WriteTarget& target);
 
-// A remark on a field or a type, told from others by the identity of its registered name.
+// A remark on a field or a type, identified by its registered name.
 struct Attribute {
     String::GlobalID type;
     std::variant<std::monostate, String::Global, SerializeFunction, DeserializeFunction> value;
@@ -26,7 +26,10 @@ struct Attribute {
 using AttributeList = std::forward_list<Attribute>;
 
 // The attribute of that identity, or null.
-const Attribute* FindAttribute(const AttributeList& attributes, String::GlobalID type);
+inline const Attribute* FindAttribute(const AttributeList& attributes, String::GlobalID type) {
+    const auto found = std::ranges::find(attributes, type, &Attribute::type);
+    return found != attributes.end() ? &*found : nullptr;
+}
 
 namespace AttributeName {
 inline constexpr char Optional[] = "OptionalAttribute";
@@ -39,12 +42,38 @@ inline constexpr char Name[] = "NameAttribtue"; // the registered name, misspell
 } // namespace AttributeName
 
 // The attributes as declarations write them.
-Attribute OptionalAttribute();               // the field may be absent from the data and then keeps its value
-Attribute IgnoreAttribute();                 // neither read nor written
-Attribute NoWriteAttribute();                // read alone
-Attribute NoReadAttribute();                 // written alone
-Attribute NameAttribute(const char* inData); // the field's name in the data, in place of its own
-Attribute SerializationAttribute(SerializeFunction function);
-Attribute DeserializationAttribute(DeserializeFunction function);
+
+// The field may be absent from the data, and then keeps its value.
+inline Attribute OptionalAttribute() {
+    return {String::GlobalID(AttributeName::Optional), {}};
+}
+
+// The field is neither read nor written.
+inline Attribute IgnoreAttribute() {
+    return {String::GlobalID(AttributeName::Ignore), {}};
+}
+
+// The field is read only.
+inline Attribute NoWriteAttribute() {
+    return {String::GlobalID(AttributeName::NoWrite), {}};
+}
+
+// The field is written only.
+inline Attribute NoReadAttribute() {
+    return {String::GlobalID(AttributeName::NoRead), {}};
+}
+
+// The field's name in the data, instead of its own.
+inline Attribute NameAttribute(const char* inData) {
+    return {String::GlobalID(AttributeName::Name), String::Global(inData)};
+}
+
+inline Attribute SerializationAttribute(SerializeFunction function) {
+    return {String::GlobalID(AttributeName::Serialization), function};
+}
+
+inline Attribute DeserializationAttribute(DeserializeFunction function) {
+    return {String::GlobalID(AttributeName::Deserialization), function};
+}
 
 } // namespace Reflection

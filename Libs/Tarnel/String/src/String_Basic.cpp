@@ -6,7 +6,7 @@ namespace String {
 
 namespace {
 
-// Never written: its capacity of 0 sends every assignment to the heap.
+// Never written: its capacity of 0 makes every assignment allocate.
 struct alignas(8) EmptyValue {
     BasicHeader header = {0, 0};
     char32_t terminator = 0;

@@ -8,11 +8,31 @@
 #include <utility>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/String/src/String_Encoding.h"
 
 extern "C" const void* EXP_GetEmptyBasicString(); // the characters of the empty value, aligned for any type
 
 namespace String {
+
+// How the units of a text are read.
+enum class Encoding : uint32_t { ASCII, UTF8, UTF16, UTF32, WIDE_CHAR };
+
+// The character type that carries an encoding.
+template <Encoding>
+struct CharOf {
+    using Type = char;
+};
+template <>
+struct CharOf<Encoding::UTF16> {
+    using Type = char16_t;
+};
+template <>
+struct CharOf<Encoding::UTF32> {
+    using Type = char32_t;
+};
+template <>
+struct CharOf<Encoding::WIDE_CHAR> {
+    using Type = wchar_t;
+};
 
 // Lies right in front of the characters.
 struct BasicHeader {
@@ -20,14 +40,15 @@ struct BasicHeader {
     uint32_t length;   // characters
 };
 
-// Takes blocks from the general heap. Null when there is no memory.
+// Takes blocks from the general heap. Null if there is no memory.
 struct HeapAllocator {
     static void* Allocate(std::size_t bytes);
     static void Free(void* block);
 };
 
-// A text of its own on the heap, one pointer wide. Empty texts own nothing: they all point at one shared
-// value. A failed allocation is asserted and leaves the text empty. One thread at a time.
+// A heap text, one pointer wide, which modules loaded into the process share; the agent itself uses
+// std::string. Empty texts own nothing: they all point at one shared value. A failed allocation is asserted
+// and leaves the text empty. One thread at a time.
 template <Encoding TextEncoding, class Allocator = HeapAllocator>
 class BasicT {
 public:
@@ -37,13 +58,13 @@ public:
     BasicT() = default;
     explicit BasicT(const Char* text) { Assign(text); }
     explicit BasicT(View text) { Assign(text); }
-    BasicT(const BasicT& other) { Assign(other.AsView()); }
+    BasicT(const BasicT& other) { Assign(View(other)); }
     BasicT(BasicT&& other) noexcept : m_sz(std::exchange(other.m_sz, GetEmptyString())) {}
     ~BasicT() { Release(); }
 
     BasicT& operator=(const BasicT& other) {
         if (this != &other) {
-            Assign(other.AsView());
+            Assign(View(other));
         }
         return *this;
     }
@@ -60,16 +81,10 @@ public:
         if (text.empty()) {
             Release();
         } else if (Reserve(text.size())) {
+            PLATFORM_ASSERT(this->m_sz != GetEmptyString());
             std::memmove(m_sz, text.data(), text.size() * sizeof(Char));
-            SetLength(text.size());
-        }
-    }
-
-    // Cuts the text to at most that many characters. Not for the empty text.
-    void Truncate(uint32_t length) {
-        PLATFORM_ASSERT(this->m_sz != GetEmptyString());
-        if (m_sz != GetEmptyString() && length < Length()) {
-            SetLength(length);
+            m_sz[text.size()] = 0;
+            Header()->length = static_cast<uint32_t>(text.size());
         }
     }
 
@@ -77,21 +92,14 @@ public:
     uint32_t Length() const { return Header()->length; }
     uint32_t Capacity() const { return Header()->capacity; }
     bool IsEmpty() const { return Length() == 0; }
-    View AsView() const { return {m_sz, Length()}; }
+    operator View() const { return {m_sz, Length()}; } // as std::string
 
-    friend bool operator==(const BasicT& left, const BasicT& right) {
-        return left.AsView() == right.AsView();
-    }
+    friend bool operator==(const BasicT& left, const BasicT& right) { return View(left) == View(right); }
 
 private:
     static Char* GetEmptyString() { return static_cast<Char*>(const_cast<void*>(EXP_GetEmptyBasicString())); }
 
     BasicHeader* Header() const { return reinterpret_cast<BasicHeader*>(m_sz) - 1; }
-
-    void SetLength(std::size_t length) {
-        m_sz[length] = 0;
-        Header()->length = static_cast<uint32_t>(length);
-    }
 
     void Release() {
         if (m_sz != GetEmptyString()) {
@@ -100,7 +108,7 @@ private:
         }
     }
 
-    // Room for that many characters and the terminator; the present text is lost when there was none.
+    // Makes room for that many characters and the terminator. Loses the present text if it must allocate.
     bool Reserve(std::size_t length) {
         if (length < Capacity()) {
             return true;

@@ -1,7 +1,6 @@
-#include "Libs/Tarnel/Reflection/src/Reflection_Builder.h"
+#include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/String/src/String_Functions.h"
 
 namespace Reflection {
 
@@ -27,10 +26,25 @@ void DescribeRecord(TypeDescriptor& descriptor, const char* szType, std::size_t 
 }
 
 void DescribeEnum(TypeDescriptor& descriptor, const char* szEnumType, std::size_t size) {
-    PLATFORM_ASSERT(!String::IsNullOrEmpty(szEnumType));
+    PLATFORM_ASSERT_TEXT(szEnumType && *szEnumType, "!String::IsNullOrEmpty(szEnumType)");
     descriptor.kind = TypeKind::Enumeration;
     descriptor.name = String::Global(szEnumType);
     descriptor.size = size;
 }
 
+const char* EncodingName(String::Encoding encoding) {
+    for (const EnumeratorDescriptor& enumerator : TypeOf<String::Encoding>().enumerators) {
+        if (enumerator.value == static_cast<uint32_t>(encoding)) {
+            return enumerator.name.Text();
+        }
+    }
+    return "";
+}
+
 } // namespace Reflection
+
+Reflection_DefineEnum(String::Encoding, Reflection_Enumerator(String::Encoding::ASCII, "String::ASCII"),
+                      Reflection_Enumerator(String::Encoding::UTF8, "String::UTF8"),
+                      Reflection_Enumerator(String::Encoding::UTF16, "String::UTF16"),
+                      Reflection_Enumerator(String::Encoding::UTF32, "String::UTF32"),
+                      Reflection_Enumerator(String::Encoding::WIDE_CHAR, "String::WIDE_CHAR"));

@@ -1,0 +1,50 @@
+#include "Libs/Tarnel/String/src/String_GlobalPalette.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "tests/support/AssertCapture.h"
+#include "tests/support/OnThreads.h"
+
+using String::Global;
+using String::GlobalID;
+
+TEST(GlobalID, IsTheHashOfTheText) {
+    EXPECT_EQ(GlobalID(nullptr).Value(), 0xFFFFFFFF);
+    EXPECT_EQ(GlobalID("").Value(), 0x811C9DC5);
+    EXPECT_EQ(GlobalID("int8").Value(), 0x6491FA92);
+    EXPECT_NE(GlobalID("int8"), GlobalID::OfText("INT8"));
+}
+
+TEST(GlobalPalette, KeepsTextsOfEqualIdentityApart) {
+    EXPECT_EQ(Global("costarring").Id(), Global("liquid").Id());
+    EXPECT_STREQ(Global("costarring").Text(), "costarring");
+    EXPECT_STREQ(Global("liquid").Text(), "liquid");
+    EXPECT_EQ(Global("costarring"), Global("costarring"));
+}
+
+TEST(GlobalPalette, ReportsBrokenRules) {
+    const AssertCapture capture;
+    EXPECT_NE(String::GetGlobalPalette().Intern(nullptr, 3), nullptr);
+    EXPECT_EQ(String::PaletteAllocator().Allocate(24, 12), nullptr);
+    EXPECT_EQ(String::PaletteAllocator().Allocate(12, 8), nullptr);
+    const std::vector<std::string> expected = {"!\"sz || uiLength == 0\"|",
+                                               "uiAlign && !(uiAlign & (uiAlign - 1))|",
+                                               "(uiBytes % uiAlignment) == 0|"};
+    EXPECT_EQ(capture.Texts(), expected);
+}
+
+// Texts of 1024 bytes and more are formatted on the heap.
+TEST(GlobalPalette, GivesAllThreadsTheSameNodes) {
+    std::vector<std::vector<const char*>> texts(4);
+    TestSupport::OnThreads(4, [&texts](int t) {
+        for (int length = 1; length < 1100; ++length) {
+            const Global text = String::FormatGlobal("%*d", length, 7);
+            EXPECT_EQ(text.View(), std::string(static_cast<std::size_t>(length) - 1, ' ') + "7");
+            texts[static_cast<std::size_t>(t)].push_back(text.Text());
+        }
+    });
+    EXPECT_EQ(texts, std::vector(4, texts[0]));
+}
