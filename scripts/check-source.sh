@@ -52,8 +52,8 @@ missing_tests() {
 
 tests_there() {
     {
-        git ls-files -z -- '*Test.cpp' | xargs -0 cat | tr -d '\n' | grep -oE '\bTEST(_[FP])?\(\w+, *\w+\)' |
-            sed -E 's/.*\((\w+), *(\w+)\)/\1.\2/'
+        git ls-files -z -- '*Test.cpp' | xargs -0 cat | tr '\n' ' ' | grep -oE '\bTEST(_[FP])?\(\w+, +\w+\)' |
+            sed -E 's/.*\((\w+), +(\w+)\)/\1.\2/'
         git grep -oE '^def test_\w+' -- 'tests/e2e/test_*.py' | sed -E 's|(tests/e2e/)(.*):def (.*)|\2::\3\n\3\n\2\n\1\2|'
     } | sort -u
 }

@@ -155,6 +155,13 @@ TEST_F(WatcherTest, TakingExchangesTheLists) {
     EXPECT_EQ(Take(), Lines{"mine"});
 }
 
+TEST_F(WatcherTest, ShutsDownAfterOneCheckIfAsked) {
+    ConfigureWatcher(R"("Folder":"d","ShutdownAfterCheck":true)");
+    const std::string a = MakeComplete("app/d/a");
+    ASSERT_TRUE(m_application->Run()); // returns by itself
+    EXPECT_EQ(Take(), Lines{a});
+}
+
 TEST_F(WatcherTest, AVanishedFolderIsScannedOnceItIsBack) {
     ConfigureWatcher(R"("Folder":"d")");
     ASSERT_TRUE(PlatformHelpers::RemoveFolder(m_scratch.PathOf("app\\d")));
@@ -164,19 +171,29 @@ TEST_F(WatcherTest, AVanishedFolderIsScannedOnceItIsBack) {
     EXPECT_TRUE(Await([&] { return Take() == Lines{a}; }));
 }
 
-// With one check, so that its thread's work can be done here. A round that fails does not count as one.
 TEST_F(WatcherTest, WithoutMemoryAFolderIsTakenLaterAndOnce) {
     const Lines folders = {MakeComplete("app/d/a"), MakeComplete("app/d/b")};
     bool hasFailed = true;
     for (std::size_t nth = 0; hasFailed; ++nth) {
         m_application = std::make_shared<ApplicationBase>();
-        ConfigureWatcher(R"("Folder":"d","ShutdownAfterCheck":true)");
-        {
+        ConfigureWatcher(R"("Folder":"d")");
+        const auto process = m_application->GetProcess("Dumps 1");
+        std::thread watching([&] {
             const TestSupport::FailingMemory memory(nth);
-            EXPECT_TRUE(m_application->GetProcess("Dumps 1")->ThreadMain());
+            process->ThreadMain();
             hasFailed = memory.HasFailed();
-        }
-        EXPECT_EQ(Take(), folders) << nth;
+        });
+        Lines taken;
+        const auto takeMore = [&] { std::ranges::copy(Take(), std::back_inserter(taken)); };
+        EXPECT_TRUE(Await([&] {
+            takeMore();
+            return taken.size() >= folders.size();
+        }));
+        process->RequestShutdown();
+        watching.join();
+        takeMore();
+        std::ranges::sort(taken);
+        EXPECT_EQ(taken, folders) << nth;
     }
 }
 
