@@ -70,6 +70,11 @@ class Site:
     def all_sent(self):
         return not self.waiting_dumps() and not self.waiting_packages()
 
+    def left_on_disk(self):
+        """What there is in the three folders, sorted."""
+        return sorted(path for folder in (self.dumps, self.packaged, self.work) if folder.is_dir()
+                      for path in folder.iterdir())
+
     def wait_all_sent(self, seconds=30):
         wait_until(self.all_sent, seconds, "every submission packaged and sent")
 

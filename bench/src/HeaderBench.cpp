@@ -3,6 +3,7 @@
 #include <string>
 
 #include "Libs/Processes/Core/src/BugHeader.h"
+#include "Libs/Processes/Core/src/SubmissionFolder.h"
 #include "bench/src/Bench.h"
 #include "bench/src/HeaderText.h"
 
@@ -54,7 +55,7 @@ int main(int argc, char** argv) {
     }
     const auto read = [&] {
         BugHeader header;
-        Require(HeaderFile::Read(options.scratch, header), header);
+        Require(SubmissionFolder(options.scratch).ReadHeader(header), header);
     };
 
     const Bench::Best parsing = Bench::Interleave(

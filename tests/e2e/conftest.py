@@ -2,10 +2,12 @@
 
 With several workers (pytest -n) each has a prefix, a display, a store and scratch folders of its own.
 """
+import ctypes
 import os
 import re
 import shutil
 import signal
+import subprocess
 import zlib
 
 import pytest
@@ -22,7 +24,15 @@ wine.PREFIX = wine.SCRATCH / "wine"
 
 
 @pytest.fixture(scope="session", autouse=True)
-def prefix():
+def may_mount():
+    """Moves the run into a mount namespace of its own, so that what tests mount ends with it."""
+    new_namespace = 0x20000
+    return (ctypes.CDLL(None).unshare(new_namespace) == 0
+            and subprocess.run(["mount", "--make-rprivate", "/"], check=False).returncode == 0)
+
+
+@pytest.fixture(scope="session", autouse=True)
+def prefix(may_mount):  # Wine's server must see the mounts
     for program in (EXECUTABLE, GAME):
         assert program.is_file(), f"{program} is missing: ./test.sh builds it"
     wine.make_prefix()
@@ -58,6 +68,14 @@ def scratch(request):
     shutil.rmtree(folder, ignore_errors=True)
     folder.mkdir(parents=True)
     return folder
+
+
+@pytest.fixture
+def mount_disk(may_mount):
+    """mount_disk(folder, options) gives an existing folder a disk of its own."""
+    if not may_mount:
+        pytest.skip("needs the right to mount (root with CAP_SYS_ADMIN)")
+    return lambda folder, options: subprocess.run(["mount", "-t", "tmpfs", "-o", options, "tmpfs", folder], check=True)
 
 
 @pytest.fixture(scope="session")

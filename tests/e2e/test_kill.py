@@ -34,3 +34,4 @@ def test_twenty_kills_lose_nothing(site, store, bucket):
         site.wait_all_sent(120)
         assert beside.quit() == 0
     assert sorted(names_in(store, bucket)) == sorted(names)
+    assert site.left_on_disk() == []

@@ -27,4 +27,4 @@ def test_a_thousand_submissions_arrive(site, store, bucket):
     assert len(uploads) == COUNT, "one request each"
     assert max(upload["in_flight"] for upload in uploads) == 4
     assert beside.agent.stderr == b""
-    assert not list(site.dumps.iterdir()) and not list(site.packaged.iterdir()) and not list(site.work.iterdir())
+    assert site.left_on_disk() == []

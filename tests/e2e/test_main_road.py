@@ -58,9 +58,7 @@ def test_a_crash_arrives_whole_and_the_agent_ends(site, store, bucket, kind, mes
         content = package.entry(f"attachment{number}.txt").original
         assert content == attachment_content(number, ATTACHMENT_SIZE)
 
-    assert not list(site.dumps.iterdir())
-    assert not list(site.packaged.iterdir())
-    assert not list(site.work.iterdir())
+    assert site.left_on_disk() == []
 
 
 def test_the_road_is_as_promised(site, store, bucket):

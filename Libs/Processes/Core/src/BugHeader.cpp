@@ -110,33 +110,20 @@ ResultCode ToText(const BugHeader& header, std::string& text) {
 
 ResultCode Parse(std::string_view text, BugHeader& header) {
     JsonDocument document;
-    if (!JsonSerialization::ParseText(text, document) ||
-        !JsonSerialization::ReadRecord(document, header).Succeeded()) {
-        return "Failed to parse json header data in dump folder!";
+    const char* failure = JsonSerialization::ParseText(text, document).error;
+    if (!failure) {
+        const ResultCode result = JsonSerialization::ReadRecord(document, header);
+        if (result) {
+            return Platform::Success;
+        }
+        failure = result.Text();
     }
-    return Platform::Success;
-}
-
-ResultCode Read(const std::string& folder, BugHeader& header) {
-    std::vector<uint8_t> bytes;
-    switch (Platform::ReadWholeFile(FolderPath::Join(folder, Name), bytes)) {
-    case Platform::ReadOutcome::OpenFailed:
-        return "Failed to open json header data in dump folder!";
-    case Platform::ReadOutcome::Empty:
-        return "Invalid header of size 0 in dump folder!";
-    case Platform::ReadOutcome::ReadFailed:
-        return "Failed to read json header data in dump folder!";
-    case Platform::ReadOutcome::Done:
-        break;
-    }
-    return Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, header);
+    return std::string_view(failure) == "Out of memory" ? ResultCode("Out of memory") : NoHeader;
 }
 
 ResultCode Write(const std::string& folder, const BugHeader& header) {
     std::string text;
-    if (const ResultCode result = ToText(header, text); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(ToText(header, text));
     const std::span bytes(reinterpret_cast<const uint8_t*>(text.data()), text.size());
     switch (Platform::WriteWholeFile(FolderPath::Join(folder, Name), bytes)) {
     case Platform::WriteOutcome::OpenFailed:
@@ -147,10 +134,6 @@ ResultCode Write(const std::string& folder, const BugHeader& header) {
         break;
     }
     return Platform::Success;
-}
-
-ResultCode ReadRaw(const std::string& folder, std::vector<uint8_t>& bytes) {
-    return Platform::ReadFileBytes(FolderPath::Join(folder, Name), bytes);
 }
 
 } // namespace HeaderFile

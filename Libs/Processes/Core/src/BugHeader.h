@@ -100,16 +100,12 @@ namespace HeaderFile {
 
 inline constexpr char Name[] = "header.json";
 
-// The header's records from the file's text. After a failure the header may be partly filled.
+// The header's records from the file's text. NoHeader if the text is none; "Out of memory" is no verdict on
+// the text. After a failure the header may be partly filled.
+inline constexpr char NoHeader[] = "Failed to parse json header data in dump folder!";
 ResultCode Parse(std::string_view text, BugHeader& header);
-
-// The same from the file in the folder, whose trailing separator may be missing.
-ResultCode Read(const std::string& folder, BugHeader& header);
 
 // Compact JSON, in the order of the declaration; replaces an existing header.
 ResultCode Write(const std::string& folder, const BugHeader& header);
-
-// The file's bytes, unparsed.
-ResultCode ReadRaw(const std::string& folder, std::vector<uint8_t>& bytes);
 
 } // namespace HeaderFile

@@ -26,29 +26,24 @@ void FolderScan::Visit(const PlatformHelpers::PathInfo& entry, bool& keepGoing) 
 }
 
 bool FolderScan::VisitUnknown(const std::string& name) {
-    if (!IsComplete(name)) {
+    if (!IsComplete(m_config.folder + name, m_config.sentinelFile)) {
         return true;
     }
     return Accept(name);
 }
 
-bool FolderScan::IsComplete(std::string_view name) {
-    m_sentinel.assign(m_config.folder).append(name).append(1, FolderPath::Separator);
-    m_sentinel.append(m_config.sentinelFile);
-    if (!PlatformHelpers::PathExists(m_sentinel)) {
-        m_sentinel.append(".gz");
-        if (!PlatformHelpers::PathExists(m_sentinel)) {
+bool FolderScan::IsComplete(const std::string& folder, const std::string& sentinelFile) {
+    std::string sentinel = FolderPath::Join(folder, sentinelFile);
+    if (!PlatformHelpers::PathExists(sentinel)) {
+        sentinel += ".gz";
+        if (!PlatformHelpers::PathExists(sentinel)) {
             return false;
         }
     }
-    return IsSentinelReadOnly();
-}
-
-bool FolderScan::IsSentinelReadOnly() const {
     PlatformHelpers::FileStatus status;
-    if (const ResultCode result = PlatformHelpers::QueryFileStatus(m_sentinel, status); !result) {
+    if (const ResultCode result = PlatformHelpers::QueryFileStatus(sentinel, status); !result) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to query file \"%s\" for readonly status. Error=%s",
-                     m_sentinel.c_str(), result.Text());
+                     sentinel.c_str(), result.Text());
         return false;
     }
     return status.isReadOnly;

@@ -31,19 +31,19 @@ public:
     ResultCode Run();
     const std::vector<std::string>& GetNewNames() const { return m_newNames; }
 
+    // Whether the folder's sentinel, or else the one with ".gz" added, is there and read-only.
+    static bool IsComplete(const std::string& folder, const std::string& sentinelFile);
+
 private:
     static constexpr uint32_t EntriesBetweenYields = 1000;
 
     void Visit(const PlatformHelpers::PathInfo& entry, bool& keepGoing);
     bool VisitUnknown(const std::string& name);
-    bool IsComplete(std::string_view name);
-    bool IsSentinelReadOnly() const;
     bool Accept(const std::string& name);
 
     const WatcherConfig& m_config;
     const KnownFolders& m_known;
     std::vector<std::string> m_newNames;
-    std::string m_sentinel; // reused from entry to entry
     uint32_t m_visited = 0;
     int32_t m_accepted = 0;
 };

@@ -1,40 +1,37 @@
 #include "Libs/Processes/Core/src/PackageWriter.h"
 
+#include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
+#include "Libs/Processes/Core/src/SubmissionFolder.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 namespace {
 
-std::vector<std::string> EntryPaths(const Catalog& catalog, const std::string& workFolder) {
-    std::vector<std::string> paths;
-    for (const Attachment* attachment : catalog.FilesInPackageOrder()) {
-        paths.push_back(FolderPath::Join(workFolder, attachment->file + ".gz"));
-    }
-    return paths;
-}
+constexpr char NotOpened[] = "Failed to open package file for writing";
 
-// Files that can't be measured count nothing: reading them will say why.
-std::size_t BodySize(std::size_t headerSize, const std::vector<std::string>& paths) {
+// A file that can't be measured counts nothing: reading it will say why.
+std::size_t BodySize(std::size_t headerSize, const std::vector<const Attachment*>& files,
+                     const std::string& workFolder) {
     uint64_t size = headerSize;
-    for (const std::string& path : paths) {
-        PlatformHelpers::FileStatus status;
-        if (PlatformHelpers::PathExists(path) && PlatformHelpers::QueryFileStatus(path, status).Succeeded()) {
-            size += PackageFormat::EntryPrefixSize + status.size;
+    for (const Attachment* file : files) {
+        Platform::FileInfo info;
+        if (Platform::QueryInfo(FolderPath::Join(workFolder, file->file + ".gz"), info) ==
+            Platform::NoError) {
+            size += PackageFormat::EntryPrefixSize + info.size;
         }
     }
     return static_cast<std::size_t>(size);
 }
 
-// Read-only marks a package as finished. Asked for beforehand, since not every system keeps a program with
-// all rights from writing to such a file.
-bool IsFinished(const std::string& path) {
-    PlatformHelpers::FileStatus status;
-    return PlatformHelpers::PathExists(path) && PlatformHelpers::QueryFileStatus(path, status).Succeeded() &&
-           status.isReadOnly;
+ResultCode ReadPrepared(const SubmissionFolder& work, const std::string& name, const char* ending,
+                        std::vector<uint8_t>& bytes) {
+    Platform::File file;
+    RETURN_IF_FAILED(work.OpenFile(name, ending, file));
+    return ReadAttachment(file, bytes);
 }
 
 bool HoldsExactly(const std::string& path, const std::vector<uint8_t>& bytes) {
@@ -43,76 +40,80 @@ bool HoldsExactly(const std::string& path, const std::vector<uint8_t>& bytes) {
 }
 
 ResultCode Write(const std::string& path, const std::vector<uint8_t>& package) {
-    constexpr ResultCode NotOpened = "Failed to open package file for writing";
-    if (IsFinished(path)) {
-        return HoldsExactly(path, package) ? Platform::Success : NotOpened;
-    }
     switch (Platform::WriteWholeFile(path, package, Platform::WriteDurability::FlushToDisk)) {
+    case Platform::WriteOutcome::Done:
+        return Platform::Success;
     case Platform::WriteOutcome::OpenFailed:
         return NotOpened;
-    case Platform::WriteOutcome::WriteFailed:
+    default:
         return "Failed to write package file";
-    case Platform::WriteOutcome::Done:
-        break;
     }
-    return Platform::Success;
+}
+
+// Without a word in the log: the failure that leads here has its own. A folder that holds anything else
+// stays.
+void RemoveHalfPackage(const std::string& folder, const std::string& path) {
+    const Platform::SystemPath file = path;
+    const Platform::SystemPath parent = folder;
+    static_cast<void>(Platform::RetryWhileHeld([&] { return Platform::RemoveFile(file); }));
+    static_cast<void>(Platform::RetryWhileHeld([&] { return Platform::RemoveEmptyFolder(parent); }));
 }
 
 } // namespace
+
+// Asked before writing, since not every system keeps a program with all rights from writing to such a file.
+bool IsFinishedPackage(const std::string& path) {
+    Platform::FileInfo info;
+    return Platform::QueryInfo(path, info) == Platform::NoError && info.IsReadOnly();
+}
 
 ResultCode PackageWriter::Generate(const std::string& name) const {
     PLATFORM_LOG(Platform::InfoLog, " Starting packaging of file %s...", name.c_str());
     const std::string workFolder = FolderPath::Join(m_config.packageWorkFolder, name);
     const std::string targetFolder = FolderPath::Join(m_config.packagedFolder, name);
     const std::string path = FolderPath::Join(targetFolder, m_config.submissionFilename);
-    {
-        std::vector<uint8_t> package;
-        if (const ResultCode result = Compose(workFolder, package); !result) {
-            return result;
-        }
-        if (const ResultCode result = PlatformHelpers::EnsureFolderExists(targetFolder); !result) {
-            return result;
-        }
-        if (const ResultCode result = Write(path, package); !result) {
-            return result;
-        }
+    std::vector<uint8_t> package;
+    RETURN_IF_FAILED(Compose(workFolder, package));
+    RETURN_IF_FAILED(PlatformHelpers::EnsureFolderExists(targetFolder));
+    const ResultCode result = ExceptionToResult([&] { return WriteAndFinish(path, package, workFolder); });
+    if (!result && !IsFinishedPackage(path)) {
+        RemoveHalfPackage(targetFolder, path);
     }
-    // A work folder that can't be removed must not keep the finished package from being sent.
-    const ResultCode removal = m_keepWorkFolder ? Platform::Success : RemoveWorkFolder(workFolder);
-    const ResultCode completion = PlatformHelpers::MakeFileReadOnly(path);
-    return completion ? removal : completion;
+    return result;
+}
+
+ResultCode PackageWriter::WriteAndFinish(const std::string& path, const std::vector<uint8_t>& package,
+                                         const std::string& workFolder) const {
+    if (!IsFinishedPackage(path)) {
+        RETURN_IF_FAILED(Write(path, package));
+    } else if (!HoldsExactly(path, package)) {
+        return NotOpened;
+    }
+    if (!m_keepWorkFolder) {
+        // A work folder that can't be deleted is logged; the package is sent all the same.
+        static_cast<void>(PlatformHelpers::RemoveFolder(workFolder));
+    }
+    return PlatformHelpers::MakeFileReadOnly(path);
 }
 
 ResultCode PackageWriter::Compose(const std::string& workFolder, std::vector<uint8_t>& package) const {
-    std::vector<uint8_t> headerBytes;
-    if (const ResultCode result = HeaderFile::ReadRaw(workFolder, headerBytes); !result) {
-        return result;
-    }
-    BugHeader header;
-    if (const ResultCode result = HeaderFile::Read(workFolder, header); !result) {
-        return result;
-    }
-    const std::vector<std::string> paths = EntryPaths(header.catalog, workFolder);
-    PackageFormat::Composer composer;
-    if (const ResultCode result = composer.Start(headerBytes, BodySize(headerBytes.size(), paths)); !result) {
-        return result;
-    }
-    for (const std::string& path : paths) {
-        std::vector<uint8_t> data;
-        if (const ResultCode result = Platform::ReadFileBytes(path, data); !result) {
-            return result;
-        }
-        if (const ResultCode result = composer.AppendEntry(data); !result) {
-            return result;
-        }
-    }
-    package = composer.Take();
-    return Platform::Success;
-}
-
-ResultCode PackageWriter::RemoveWorkFolder(const std::string& workFolder) const {
     if (workFolder.empty()) {
         return "Submission folder is invalid";
     }
-    return PlatformHelpers::RemoveFolder(workFolder);
+    const SubmissionFolder work(workFolder);
+    std::vector<uint8_t> headerBytes;
+    RETURN_IF_FAILED(ReadPrepared(work, HeaderFile::Name, "", headerBytes));
+    BugHeader header;
+    RETURN_IF_FAILED(
+        HeaderFile::Parse({reinterpret_cast<const char*>(headerBytes.data()), headerBytes.size()}, header));
+    const std::vector<const Attachment*> files = header.catalog.FilesInPackageOrder();
+    PackageFormat::Composer composer;
+    RETURN_IF_FAILED(composer.Start(headerBytes, BodySize(headerBytes.size(), files, workFolder)));
+    for (const Attachment* file : files) {
+        std::vector<uint8_t> data;
+        RETURN_IF_FAILED(ReadPrepared(work, file->file, ".gz", data));
+        RETURN_IF_FAILED(composer.AppendEntry(data));
+    }
+    package = composer.Take();
+    return Platform::Success;
 }

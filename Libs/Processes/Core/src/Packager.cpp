@@ -1,31 +1,41 @@
 #include "Libs/Processes/Core/src/Packager.h"
 
+#include <utility>
+
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/IWatcher.h"
+#include "Libs/Processes/Core/src/LeftOvers.h"
 #include "Libs/Processes/Core/src/PackageWriter.h"
-#include "Libs/Processes/Core/src/PathIdentity.h"
+#include "Libs/Processes/Core/src/SubmissionFolder.h"
 #include "Libs/Processes/Core/src/SubmissionPackager.h"
 #include "Libs/Shared/src/JsonConfig.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 Reflection_DefinePolymorphicType(Packager);
 
+namespace {
+
+bool IsSameFolder(const std::string& left, const std::string& right) {
+    Platform::FileIdentity leftIdentity;
+    Platform::FileIdentity rightIdentity;
+    return Platform::QueryIdentity(left, leftIdentity) == Platform::NoError &&
+           Platform::QueryIdentity(right, rightIdentity) == Platform::NoError &&
+           leftIdentity == rightIdentity;
+}
+
+} // namespace
+
 ResultCode Packager::Initialize(const JsonDocument& config, int, const char**) {
-    if (const ResultCode result = ReadConfigSection(config, GetName(), m_config); !result) {
-        return result;
-    }
-    if (const ResultCode result = PrepareFolders(); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config));
+    RETURN_IF_FAILED(PrepareFolders());
     if (m_config.submissionFilename.empty()) {
         m_config.submissionFilename = DefaultName::Package;
     }
-    if (const ResultCode result = CompileBlacklist(); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(CompileBlacklist());
     const ApplicationBase* application = GetApplication();
     m_watcherProcPtr = application ? application->GetProcess(m_config.watcherName) : nullptr;
     if (!m_watcherProcPtr) {
@@ -40,13 +50,14 @@ ResultCode Packager::Initialize(const JsonDocument& config, int, const char**) {
     return Platform::Success;
 }
 
+// The watcher is initialised now, whichever of the two came first.
 ResultCode Packager::PostInitialize() {
-    std::string watched; // the watcher knows it now, whichever of the two came first
     if (const auto* watcher = Reflection::Query<IFileStoreWatcher>(*m_watcherProcPtr)) {
-        watcher->GetFolder(watched);
+        watcher->GetFolder(m_dumpsFolder);
+        watcher->GetSentinelFileName(m_sentinelFile);
     }
-    return CheckPackagerFolders(m_config.packagedFolder, m_config.packageWorkFolder, watched,
-                                &PathIdentity::IsSameFolder);
+    return CheckPackagerFolders(m_config.packagedFolder, m_config.packageWorkFolder, m_dumpsFolder,
+                                &IsSameFolder);
 }
 
 ResultCode Packager::PrepareFolders() {
@@ -56,9 +67,9 @@ ResultCode Packager::PrepareFolders() {
     if (!PrepareFolder(m_config.packageWorkFolder, DefaultName::PackageTemp, " work").Succeeded()) {
         return "Failed to create package work folder";
     }
-    // Two texts for one folder must not make it look like a work folder that may go.
+    // The same folder can be written in two ways, and then nothing in it may be deleted as work.
     m_sharesFolder = m_config.packageWorkFolder == m_config.packagedFolder ||
-                     PathIdentity::IsSameFolder(m_config.packageWorkFolder, m_config.packagedFolder);
+                     IsSameFolder(m_config.packageWorkFolder, m_config.packagedFolder);
     return Platform::Success;
 }
 
@@ -100,58 +111,71 @@ bool Packager::ThreadMain() {
     if (!pWatcher) {
         return IsStopRequested();
     }
+    bool isFirstRound = true;
     return RunRounds(m_config.timeBetweenChecks, [&] {
+        if (std::exchange(isFirstRound, false)) {
+            LeftOvers::Remove(m_config, m_dumpsFolder, m_sentinelFile);
+        }
         std::vector<TaskData> tasks;
         if (pWatcher->TakeTasks(tasks)) {
-            WorkThrough(tasks);
+            ProcessAll(tasks);
         }
     });
 }
 
-// Folders of tasks that a stop leaves undone stay on disk for the next run.
-void Packager::WorkThrough(std::vector<TaskData>& tasks) const {
+// The folders of tasks that a stop leaves undone stay on disk for the next run.
+void Packager::ProcessAll(std::vector<TaskData>& tasks) const {
     while (!tasks.empty() && !IsStopRequested()) {
-        Process(tasks.back().GetInstanceHash());
+        const std::string folder = tasks.back().GetInstanceHash();
         tasks.pop_back();
+        const ResultCode result = ExceptionToResult([&] {
+            Process(folder);
+            return Platform::Success;
+        });
+        if (!result) {
+            PLATFORM_LOG(Platform::ErrorLog, " Failed to delete submission dump folder \"%s\". Error=%s",
+                         folder.c_str(), result.Text());
+        }
     }
 }
 
 void Packager::Process(const std::string& submissionFolder) const {
-    std::string name;
-    if (const ResultCode result = Package(submissionFolder, name); !result) {
-        DiscardWork(name);
+    const std::string name = FolderPath::LastComponent(submissionFolder).value_or("");
+    const std::string workFolder = FolderPath::Join(m_config.packageWorkFolder, name);
+    const auto discardWork = [&] { // logs a failure; the next attempt replaces what stays
+        if (!name.empty() && !m_sharesFolder && PlatformHelpers::PathExists(workFolder)) {
+            static_cast<void>(PlatformHelpers::RemoveFolder(workFolder));
+        }
+    };
+    discardWork(); // of a run that was cut short
+    const ResultCode result = Package(submissionFolder);
+    if (!result) {
+        discardWork();
+        if (m_config.keepFailedSubmissions && !SubmissionFault::Is(result)) {
+            return;
+        }
     }
-    if (const ResultCode result = PlatformHelpers::RemoveFolder(submissionFolder); !result) {
+    if (const ResultCode removal = PlatformHelpers::RemoveFolder(submissionFolder); !removal) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to delete submission dump folder \"%s\". Error=%s",
-                     submissionFolder.c_str(), result.Text());
+                     submissionFolder.c_str(), removal.Text());
     }
 }
 
-ResultCode Packager::Package(const std::string& submissionFolder, std::string& name) const {
-    DiscardWork(FolderPath::LastComponent(submissionFolder).value_or("")); // of a run that was cut short
-    ResultCode result = ExceptionToResult(
-        [&] { return SubmissionPackager(m_config, m_blacklist).Prepare(submissionFolder, name); });
-    if (!result) {
+ResultCode Packager::Package(const std::string& submissionFolder) const {
+    std::string name;
+    bool isPrepared = false;
+    const ResultCode result = ExceptionToResult([&] {
+        RETURN_IF_FAILED(SubmissionPackager(m_config, m_blacklist).Prepare(submissionFolder, name));
+        isPrepared = true;
+        return PackageWriter(m_config, m_sharesFolder).Generate(name);
+    });
+    if (!result && !isPrepared) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to package dump folder \"%s\", error: \"%s\"",
                      submissionFolder.c_str(), result.Text());
-        return result;
-    }
-    result = ExceptionToResult([&] { return PackageWriter(m_config, m_sharesFolder).Generate(name); });
-    if (!result) {
+    } else if (!result) {
         PLATFORM_LOG(Platform::ErrorLog,
                      " Failed to generate package file for submission \"%s\", error: \"%s\"", name.c_str(),
                      result.Text());
     }
     return result;
-}
-
-// What can't be removed is logged there and replaced when the submission comes again.
-void Packager::DiscardWork(const std::string& name) const {
-    if (name.empty() || m_sharesFolder) {
-        return;
-    }
-    const std::string workFolder = FolderPath::Join(m_config.packageWorkFolder, name);
-    if (PlatformHelpers::PathExists(workFolder)) {
-        static_cast<void>(PlatformHelpers::RemoveFolder(workFolder));
-    }
 }

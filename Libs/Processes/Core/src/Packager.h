@@ -10,9 +10,10 @@
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 
 // Takes complete submission folders from a watcher and turns each into a package in the packaged folder. A
-// folder is deleted after its attempt, whether or not that succeeded, so a failing submission is not met
-// again. Cut short at any step and started again it makes the same package: the folder goes only when the
-// package is on the disk. Two packagers must not share a work folder.
+// folder is deleted after its attempt, whether or not that succeeded, so that a failing submission is not
+// tried again; the configuration can keep those that only the machine made fail. Killed at any step and
+// started again it makes the same package: the folder is deleted only after the package is on the disk. Two
+// packagers must not share a work folder.
 class Packager : public ApplicationProcessBase {
 public:
     using ApplicationProcessBase::ApplicationProcessBase;
@@ -25,15 +26,16 @@ private:
     ResultCode PrepareFolders();
     ResultCode PrepareFolder(std::string& folder, const char* defaultName, const char* kind) const;
     ResultCode CompileBlacklist();
-    void WorkThrough(std::vector<TaskData>& tasks) const;
+    void ProcessAll(std::vector<TaskData>& tasks) const;
     void Process(const std::string& submissionFolder) const;
-    ResultCode Package(const std::string& submissionFolder, std::string& name) const;
-    void DiscardWork(const std::string& name) const;
+    ResultCode Package(const std::string& submissionFolder) const;
 
-    // Constant after Initialize.
+    // Constant after PostInitialize.
     PackagerConfig m_config;
     AttachmentBlacklist m_blacklist;
     bool m_sharesFolder = false; // the work folder is the packaged folder
     std::shared_ptr<IApplicationProcess> m_watcherProcPtr;
+    std::string m_dumpsFolder; // the watcher's
+    std::string m_sentinelFile;
 };
 Reflection_DeclarePolymorphicType(Packager);

@@ -17,7 +17,8 @@ Reflection_DefineType(
     Reflection_Field(packagedFolder, "PackagedFolder", Reflection::OptionalAttribute()),
     Reflection_Field(packageWorkFolder, "PackageWorkFolder", Reflection::OptionalAttribute()),
     Reflection_Field(submissionFilename, "SubmissionFilename", Reflection::OptionalAttribute()),
-    Reflection_Field(source, "Source", Reflection::OptionalAttribute()));
+    Reflection_Field(source, "Source", Reflection::OptionalAttribute()),
+    Reflection_Field(keepFailedSubmissions, "KeepFailedSubmissions", Reflection::OptionalAttribute()));
 
 Reflection_DefineType(DiskQuotaConfig,
                       Reflection_Field(invalidGraceTime, "InvalidGraceTime", Reflection::OptionalAttribute()),

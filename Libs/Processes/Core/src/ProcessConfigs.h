@@ -42,6 +42,8 @@ struct PackagerConfig {
     std::string packageWorkFolder;
     std::string submissionFilename; // empty is DefaultName::Package
     BugSource source = BugSource::External;
+    bool keepFailedSubmissions =
+        false; // true: one that the machine kept from being packaged waits for the next run
 };
 Reflection_DeclareType(PackagerConfig);
 

@@ -22,9 +22,9 @@ constexpr char FullHeader[] =
 
 TEST(BugHeader, WhatIsReadIsWrittenAgainToTheByte) {
     const TestSupport::ScratchFolder folder{"ヘッダー"};
-    folder.MakeFile("header.json", FullHeader + std::string("\n\n"));
+    folder.MakeFile("header.json", std::string(5000, ' '));
     BugHeader header;
-    ASSERT_STREQ(HeaderFile::Read(folder.Path(), header).Text(), "OK");
+    ASSERT_STREQ(HeaderFile::Parse(FullHeader, header).Text(), "OK");
     ASSERT_STREQ(HeaderFile::Write(folder.Path(), header).Text(), "OK"); // over the longer one
     EXPECT_EQ(folder.ReadFile("header.json"), FullHeader);
 }

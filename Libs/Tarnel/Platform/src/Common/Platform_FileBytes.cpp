@@ -21,12 +21,7 @@ ReadOutcome ReadOpenFile(File& file, std::vector<uint8_t>& bytes) {
 
 } // namespace
 
-ReadOutcome ReadWholeFile(const SystemPath& path, std::vector<uint8_t>& bytes, ReadSharing sharing) {
-    bytes.clear();
-    File file;
-    if (file.Open(path, FileRead, sharing == ReadSharing::DenyWriters ? ShareRead : ShareAll) != NoError) {
-        return ReadOutcome::OpenFailed;
-    }
+ReadOutcome ReadWholeFile(File& file, std::vector<uint8_t>& bytes) noexcept {
     ReadOutcome outcome = ReadOutcome::ReadFailed;
     try {
         outcome = ReadOpenFile(file, bytes);
@@ -37,6 +32,15 @@ ReadOutcome ReadWholeFile(const SystemPath& path, std::vector<uint8_t>& bytes, R
         bytes.clear();
     }
     return outcome;
+}
+
+ReadOutcome ReadWholeFile(const SystemPath& path, std::vector<uint8_t>& bytes, ReadSharing sharing) {
+    bytes.clear();
+    File file;
+    if (file.Open(path, FileRead, sharing == ReadSharing::DenyWriters ? ShareRead : ShareAll) != NoError) {
+        return ReadOutcome::OpenFailed;
+    }
+    return ReadWholeFile(file, bytes);
 }
 
 ResultCode ReadFileBytes(const SystemPath& path, std::vector<uint8_t>& bytes) {

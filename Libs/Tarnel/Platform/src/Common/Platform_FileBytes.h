@@ -22,6 +22,9 @@ enum class ReadSharing { Everything, DenyWriters };
 [[nodiscard]] ReadOutcome ReadWholeFile(const SystemPath& path, std::vector<uint8_t>& bytes,
                                         ReadSharing sharing = ReadSharing::Everything);
 
+// The same for a file that is open for reading and that nobody has read from.
+[[nodiscard]] ReadOutcome ReadWholeFile(File& file, std::vector<uint8_t>& bytes) noexcept;
+
 // The generic texts: "Failed to open input file", "Failed to read zero length input file!" and
 // "Failed to read file bytes".
 ResultCode ReadFileBytes(const SystemPath& path, std::vector<uint8_t>& bytes);

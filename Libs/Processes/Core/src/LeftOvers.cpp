@@ -1,0 +1,72 @@
+#include "Libs/Processes/Core/src/LeftOvers.h"
+
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
+#include "Libs/Processes/Core/src/FolderScan.h"
+#include "Libs/Processes/Core/src/PackageWriter.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
+
+namespace LeftOvers {
+
+namespace {
+
+bool IsHalfPackage(const Platform::SystemText& name, const Platform::FileInfo& info,
+                   const Platform::SystemText& packageName) {
+    return name == packageName && !info.IsFolder() && !info.IsReadOnly() && !info.IsLink();
+}
+
+bool HoldsNothingElse(const Platform::SystemPath& folder, const Platform::SystemText& packageName) {
+    Platform::FolderListing listing(folder);
+    while (listing.Next()) {
+        if (!IsHalfPackage(listing.Name(), listing.Info(), packageName)) {
+            return false;
+        }
+    }
+    return listing.Error() == Platform::NoError;
+}
+
+// Deletes by name, so that something else that comes meanwhile keeps the folder.
+void RemoveHalfPackages(const Platform::SystemPath& folder, const Platform::SystemText& packageName) {
+    Platform::FolderListing listing(folder);
+    while (listing.Next()) {
+        const Platform::SystemPath subFolder = folder.Below(listing.Name());
+        if (listing.Info().IsFolder() && !listing.Info().IsLink() &&
+            HoldsNothingElse(subFolder, packageName)) {
+            static_cast<void>(Platform::RemoveFile(subFolder.Below(packageName)));
+            static_cast<void>(Platform::RemoveEmptyFolder(subFolder));
+        }
+    }
+}
+
+void RemovePackagedDumps(const PackagerConfig& config, const std::string& dumpsFolder,
+                         const std::string& sentinelFile) {
+    Platform::FolderListing listing(dumpsFolder);
+    while (listing.Next()) {
+        std::string name;
+        if (!listing.Info().IsFolder() || listing.Info().IsLink() ||
+            Platform::ToUtf8(listing.Name(), name) != Platform::NoError) {
+            continue;
+        }
+        const std::string package =
+            FolderPath::Join(FolderPath::Join(config.packagedFolder, name), config.submissionFilename);
+        if (IsFinishedPackage(package) && !FolderScan::IsComplete(dumpsFolder + name, sentinelFile)) {
+            static_cast<void>(PlatformHelpers::RemoveFolder(dumpsFolder + name)); // logs a failure
+        }
+    }
+}
+
+} // namespace
+
+void Remove(const PackagerConfig& config, const std::string& dumpsFolder, const std::string& sentinelFile) {
+    Platform::SystemText packageName;
+    if (Platform::ToSystemText(config.submissionFilename, packageName) != Platform::NoError) {
+        return; // no package can have that name
+    }
+    RemoveHalfPackages(config.packagedFolder, packageName);
+    RemoveHalfPackages(config.packageWorkFolder, packageName);
+    if (!dumpsFolder.empty()) {
+        RemovePackagedDumps(config, dumpsFolder, sentinelFile);
+    }
+}
+
+} // namespace LeftOvers

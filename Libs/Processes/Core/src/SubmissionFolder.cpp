@@ -1,0 +1,67 @@
+#include "Libs/Processes/Core/src/SubmissionFolder.h"
+
+#include <algorithm>
+
+#include "Libs/Processes/Core/src/AttachmentName.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
+
+namespace {
+
+bool IsOfTheMachine(Platform::SystemError error) {
+    return Platform::IsHeld(error) || error == Platform::NoMemory;
+}
+
+} // namespace
+
+bool SubmissionFault::Is(ResultCode result) {
+    const char* const faults[] = {NoName,       NoHeaderFile, EmptyHeaderFile, HeaderFile::NoHeader,
+                                  NoAttachment, NoFile,       EmptyFile};
+    return std::ranges::find(faults, result.Text()) != std::end(faults);
+}
+
+Platform::SystemError SubmissionFolder::Open(const std::string& name, const char* ending,
+                                             Platform::File& file) const {
+    if (m_error != Platform::NoError) {
+        return m_error;
+    }
+    return IsSafeAttachmentName(name) ? m_folder.OpenFile(name + ending, Platform::Patience::WhileHeld, file)
+                                      : Platform::Folder::NotInside;
+}
+
+ResultCode SubmissionFolder::ReadHeader(BugHeader& header) const {
+    Platform::File file;
+    if (const Platform::SystemError error = Open(HeaderFile::Name, "", file); error != Platform::NoError) {
+        return IsOfTheMachine(error) ? ResultCode("Failed to open json header data in dump folder!")
+                                     : SubmissionFault::NoHeaderFile;
+    }
+    std::vector<uint8_t> bytes;
+    switch (Platform::ReadWholeFile(file, bytes)) {
+    case Platform::ReadOutcome::Done:
+        break;
+    case Platform::ReadOutcome::Empty:
+        return SubmissionFault::EmptyHeaderFile;
+    default:
+        return "Failed to read json header data in dump folder!";
+    }
+    return HeaderFile::Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, header);
+}
+
+ResultCode SubmissionFolder::OpenFile(const std::string& name, const char* ending,
+                                      Platform::File& file) const {
+    const Platform::SystemError error = Open(name, ending, file);
+    if (error == Platform::NoError) {
+        return Platform::Success;
+    }
+    return IsOfTheMachine(error) ? ResultCode("Failed to open input file") : SubmissionFault::NoFile;
+}
+
+ResultCode ReadAttachment(Platform::File& file, std::vector<uint8_t>& bytes) {
+    switch (Platform::ReadWholeFile(file, bytes)) {
+    case Platform::ReadOutcome::Done:
+        return Platform::Success;
+    case Platform::ReadOutcome::Empty:
+        return SubmissionFault::EmptyFile;
+    default:
+        return "Failed to read file bytes";
+    }
+}

@@ -1,0 +1,25 @@
+// Holds files open without sharing, as a virus scanner or a backup does.
+//
+//   FileHolder FILE...      prints "held" once all files are open, and holds them until it is killed, or for
+//   a minute
+#include <cstdio>
+#include <cstdlib>
+#include <string>
+
+#include <windows.h>
+
+int wmain(int argc, wchar_t** argv) {
+    for (int i = 1; i < argc; ++i) {
+        const std::wstring path = std::wstring(L"\\\\?\\") + argv[i];
+        // The system closes the handles when the program ends.
+        if (CreateFileW(path.c_str(), GENERIC_READ, 0, nullptr, OPEN_EXISTING, 0, nullptr) ==
+            INVALID_HANDLE_VALUE) {
+            std::fprintf(stderr, "%ls: error %lu\n", argv[i], GetLastError());
+            return EXIT_FAILURE;
+        }
+    }
+    std::puts("held");
+    std::fflush(stdout);
+    Sleep(60'000);
+    return EXIT_SUCCESS;
+}
