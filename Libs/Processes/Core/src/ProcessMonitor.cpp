@@ -2,39 +2,24 @@
 
 #include <algorithm>
 #include <chrono>
-#include <utility>
 
+#include "Libs/Framework/Core/src/CommandLine.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Processes/Core/src/WatchedApplications.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 Reflection_DefinePolymorphicType(ProcessMonitor);
 
 ResultCode ProcessMonitor::Initialize(const JsonDocument& config, int argc, const char** argv) {
-    m_config.watchedApplications.clear();
-    if (const ResultCode result = ReadConfigSection(config, GetName(), m_config); !result) {
-        return result;
+    RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config));
+    std::vector<std::string>& names = m_config.watchedApplications;
+    for (int i = 0; i < argc; ++i) {
+        const char* const name = CommandLine::ValueOfArgument(argv[i], "-process");
+        if (name && std::ranges::find(names, name) == names.end()) {
+            names.emplace_back(name);
+        }
     }
-    m_config.watchedApplications =
-        CollectWatchedApplications(std::move(m_config.watchedApplications), argc, argv);
     return Platform::Success;
-}
-
-// An enumeration that fails counts as nothing running.
-bool ProcessMonitor::IsAnyRunning() const {
-    const std::vector<std::string>& watched = m_config.watchedApplications;
-    std::vector<uint32_t> processIds;
-    if (watched.empty() || !PlatformHelpers::EnumerateProcesses(processIds)) {
-        return false;
-    }
-    std::string image;
-    return std::any_of(processIds.begin(), processIds.end(), [&](uint32_t id) {
-        return id != 0 && PlatformHelpers::GetProcessImageName(id, image) &&
-               std::any_of(watched.begin(), watched.end(), [&](const std::string& name) {
-                   return PlatformHelpers::ImageNameMatches(image, name);
-               });
-    });
 }
 
 bool ProcessMonitor::ThreadMain() {
@@ -68,4 +53,20 @@ bool ProcessMonitor::WaitOutDelay() const {
         }
     } while (steady_clock::now() < end);
     return true;
+}
+
+// An enumeration that fails counts as nothing running.
+bool ProcessMonitor::IsAnyRunning() const {
+    const std::vector<std::string>& watched = m_config.watchedApplications;
+    std::vector<uint32_t> processIds;
+    if (watched.empty() || !PlatformHelpers::EnumerateProcesses(processIds)) {
+        return false;
+    }
+    std::string image;
+    return std::ranges::any_of(processIds, [&](uint32_t id) {
+        return id != 0 && PlatformHelpers::GetProcessImageName(id, image) &&
+               std::ranges::any_of(watched, [&](const std::string& name) {
+                   return PlatformHelpers::ImageNameMatches(image, name);
+               });
+    });
 }

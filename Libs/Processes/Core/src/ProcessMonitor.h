@@ -9,15 +9,16 @@ class ProcessMonitor : public Reflected<ProcessMonitor> {
 public:
     using Reflected::Reflected;
 
+    // Each -process=NAME argument adds a name to the configured ones.
     ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
     bool ThreadMain() override;
 
 private:
-    bool IsAnyRunning() const;
     void Check() const;
 
     // False if a watched program appeared or a stop came meanwhile.
     bool WaitOutDelay() const;
+    bool IsAnyRunning() const;
 
     ProcessMonitorConfig m_config; // constant after Initialize
 };

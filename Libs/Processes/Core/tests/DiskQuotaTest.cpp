@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "Libs/Processes/Core/src/AreaScan.h"
+#include "tests/support/FailingMemory.h"
 #include "tests/support/HostSystem.h"
 #include "tests/support/ProcessFixture.h"
 
@@ -19,7 +20,7 @@ const std::string Quota = R"("DiskQuota": ["Quota"])";
 class DiskQuotaTest : public ProcessFixture {
 protected:
     void TearDown() override {
-        if (m_application->GetProcess("Quota")) {
+        if (m_isStarted) {
             Stop("Quota");
         }
     }
@@ -33,6 +34,10 @@ protected:
     void Run(const std::string& keys) {
         ASSERT_EQ(Configure(Quota, R"("Quota": {"TimeBetweenChecks": 5)" + keys + "}"), "");
         EXPECT_TRUE(Exists("dumps") && Exists("packagedDumps"));
+        StartQuota();
+    }
+    void StartQuota() {
+        m_isStarted = true;
         Start("Quota");
     }
 
@@ -69,6 +74,8 @@ protected:
         return " Removed aging folder " + m_scratch.PathOf(path) + " that puts us over our quota";
     }
     bool Exists(const std::string& name) const { return m_scratch.Exists("app/" + name); }
+
+    bool m_isStarted = false;
 };
 
 TEST_F(DiskQuotaTest, MeasuresTheFilesDirectlyInside) {
@@ -188,11 +195,33 @@ TEST_F(DiskQuotaTest, AHeldFolderIsTriedAgainAndHoldsNothingUp) {
     EXPECT_TRUE(Await([&] { return !Exists("dumps/held7"); }));
 }
 
+// Each time another allocation of the process fails. A list in disorder would cost the youngest.
+TEST_F(DiskQuotaTest, WithoutMemoryTheYoungestStillStay) {
+    constexpr std::size_t AllocationsOfAPass = 100; // and more
+    for (std::size_t nth = 0; nth < AllocationsOfAPass; ++nth) {
+        SCOPED_TRACE(nth);
+        m_application = std::make_shared<ApplicationBase>();
+        MakeAges("dumps", {"z", "b", "a"});
+        Configure(Quota, R"("Quota": {"TimeBetweenChecks": 1, "DumpsQuota": 20})");
+        std::thread stopper([this] {
+            // The rest of a half-deleted folder has no size, and goes when its grace time is over.
+            EXPECT_TRUE(Await([this] { return !Exists("dumps/z/header.json"); }));
+            m_application->RequestShutdown();
+        });
+        {
+            const TestSupport::FailingMemory memory(nth);
+            EXPECT_TRUE(m_application->GetProcess("Quota")->ThreadMain());
+        }
+        stopper.join();
+        EXPECT_TRUE(Exists("dumps/a") && Exists("dumps/b"));
+    }
+}
+
 TEST_F(DiskQuotaTest, AnAreaThatCannotBeReadIsReported) {
     MakeAges("packagedDumps", {"p1", "p2"});
     ASSERT_EQ(Configure(Quota, R"("Quota": {"TimeBetweenChecks": 5, "PackagedQuota": 10})"), "");
     ASSERT_TRUE(PlatformHelpers::RemoveFolder(m_scratch.PathOf("app/dumps")));
-    Start("Quota");
+    StartQuota();
     EXPECT_TRUE(AwaitInfo(Overrun("app\\packagedDumps\\p1")));
     EXPECT_TRUE(m_log.Contains(Platform::ErrorLog, " Failed to scan folder " +
                                                        m_scratch.PathOf("app\\dumps") +
