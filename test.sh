@@ -70,7 +70,7 @@ with_wine() { # command...
 }
 
 end_to_end() {
-    build release --target MorvaneCrashReporter PackageTool SampleGame AssertDialogProbe ObjectStoreProbe WindowReader &&
+    build release --target end_to_end &&
         build native --target PackageTool &&
         /usr/bin/python3 -m pytest -q -ra -n 2 --dist loadfile --durations=8 tests/e2e
 }
