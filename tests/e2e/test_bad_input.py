@@ -142,7 +142,9 @@ def test_files_as_games_name_them(site, store, bucket):
 
 
 def test_the_sentinel_alone_decides(site, store, bucket):
-    """A writable header is not taken; made read-only, it is taken on the next pass, once."""
+    """A writable header is not taken; made read-only, it is taken on the next pass, once. Read-only folders are ignored."""
+    site.configuration["DumpWatcher"]["IgnoreReadOnlyFolders"] = True
+    write_small(site.dumps, "ignored").chmod(0o555)
     folder = write_folder(site.dumps / "late", {"game.log": b"log"}, header(Catalog=catalog(log="game.log")),
                           complete=False)
     write_small(site.dumps, "complete")
@@ -153,4 +155,4 @@ def test_the_sentinel_alone_decides(site, store, bucket):
         beside.agent.wait_for('late" in ')
         assert beside.quit() == 0
     assert beside.agent.text.count(f"Added {windows_path(folder)} to pending") == 1
-    assert len(store.keys(bucket)) == 2
+    assert len(store.keys(bucket)) == 2 and [path.name for path in site.waiting_dumps()] == ["ignored"]

@@ -4,7 +4,6 @@
 #include <atomic>
 
 #include "tests/support/FailingMemory.h"
-#include "tests/support/HostSystem.h"
 #include "tests/support/ProcessFixture.h"
 
 namespace {
@@ -107,16 +106,6 @@ TEST_F(WatcherTest, ALimitSpreadsFoldersOverPasses) {
     EXPECT_EQ(Pass(), Lines{});
     m_config.maxFolderScans = -5;
     EXPECT_EQ(Pass(), Lines{"d"});
-}
-
-TEST_F(WatcherTest, ReadOnlyFoldersAreIgnoredIfAsked) {
-    MakeComplete("marked");
-    ASSERT_TRUE(TestSupport::SetFolderReadOnly(m_scratch.PathOf("marked"), true));
-    m_config.ignoreReadOnlyFolders = true;
-    EXPECT_EQ(Pass(), Lines{});
-    m_config.ignoreReadOnlyFolders = false;
-    EXPECT_EQ(Pass(), Lines{"marked"});
-    ASSERT_TRUE(TestSupport::SetFolderReadOnly(m_scratch.PathOf("marked"), false));
 }
 
 TEST_F(WatcherTest, ResolvesAndMakesItsFolder) {
