@@ -19,7 +19,7 @@ struct ProcessClass {
 };
 std::span<const ProcessClass> ProcessClasses();
 const ProcessClass* FindProcessClass(std::string_view name); // null if there is none
-std::span<const std::string_view> ComponentClasses(); // under Components
+std::span<const std::string_view> ComponentClasses();        // under Components
 
 // Called with the value or name that has a problem, and the problem.
 using ConfigReport = std::function<void(const JsonValue& where, std::string text)>;
