@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-// What fuzz targets share. A target is one file that defines FuzzOne; the fuzzer feeds it inputs without end,
+// What fuzz targets share. A target is one file that defines FuzzOne; the fuzzer feeds it inputs for ever,
 // the replay of the committed corpus feeds it those.
 
 // Takes any bytes. A property that does not hold, a failed assertion of the library and whatever a sanitizer

@@ -30,7 +30,7 @@ int main(int argc, char** argv) try {
             std::fflush(stdout);
             const std::string content = Fuzz::ReadFile(file);
             const auto bytes = Fuzz::Bytes(content);
-            const std::vector<uint8_t> exact(bytes.begin(), bytes.end()); // nothing lies behind its end
+            const std::vector<uint8_t> exact(bytes.begin(), bytes.end()); // nothing follows its end
             LLVMFuzzerTestOneInput(exact.data(), exact.size());
             ++count;
         }

@@ -65,7 +65,7 @@ BOOL WINAPI RestoreCodePage(DWORD) {
     if (g_ownCodePage != 0) {
         SetConsoleOutputCP(g_ownCodePage);
     }
-    return FALSE; // the system goes on to end the program
+    return FALSE; // the system then ends the program
 }
 
 } // namespace

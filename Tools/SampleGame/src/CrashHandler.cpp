@@ -64,7 +64,7 @@ std::string AttachmentContent(uint32_t number, uint64_t size) {
 }
 
 // Minidump, log and attachments, then header.json, which is made read-only once everything is on the disk: a
-// folder without that mark is taken by nobody. Returns "" or what failed.
+// folder without that mark is never taken. Returns "" or what failed.
 std::string WriteSubmission(EXCEPTION_POINTERS& exception) {
     CrashContext crash = CaptureContext(exception);
     if (!g_terminateMessage.empty()) {

@@ -12,7 +12,7 @@ public:
 
     void Shown(uint64_t now) { m_shown = now; }
 
-    // Whether the dialog has the keyboard now; may be told again and again.
+    // Whether the dialog has the keyboard now; may be called repeatedly.
     void SetKeyboard(bool hasKeyboard, uint64_t now) {
         if (!hasKeyboard) {
             m_keyboard.reset();

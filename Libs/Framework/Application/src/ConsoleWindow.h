@@ -17,7 +17,7 @@ public:
 
     // Once this returns the stop request is not running and is not called any more.
     ~ConsoleWindow();
-    ConsoleWindow(const ConsoleWindow&) = delete; // it stands for the process's console
+    ConsoleWindow(const ConsoleWindow&) = delete; // it owns the process's console
     ConsoleWindow& operator=(const ConsoleWindow&) = delete;
 
     // Any thread.

@@ -12,7 +12,7 @@ struct Box {
     bool operator==(const Box&) const = default;
 };
 
-// Positions inside the client area; the buttons stand at its lower right, `left` before `right`.
+// Positions inside the client area; the buttons are at its lower right, `left` before `right`.
 struct Layout {
     int width = 0; // of the client area
     int height = 0;

@@ -197,7 +197,8 @@ Box WorkArea() {
     return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
 }
 
-// Over all other windows and in the taskbar, which asks for attention. The keyboard stays where it is.
+// Shows the dialog above all windows and in the taskbar, where it asks for attention. It does not take the
+// keyboard.
 void ShowOnTop(HWND dialog) {
     SetWindowLongPtrW(dialog, GWL_EXSTYLE, GetWindowLongPtrW(dialog, GWL_EXSTYLE) | WS_EX_APPWINDOW);
     const Box area = WorkArea();
@@ -229,8 +230,8 @@ bool IsUnowned(HWND foreground) {
     return !foreground || foreground == GetShellWindow() || foreground == GetDesktopWindow();
 }
 
-// Until the dialog has had the keyboard: takes it if no program has it, twice in a row, since every switch
-// between two programs leaves it to nobody for a moment.
+// Until the dialog has had the keyboard: takes it if no program has it twice in a row. Once is not enough: at
+// every switch between two programs neither has it for a moment.
 void SeekKeyboard(HWND dialog, DialogState& state) {
     state.hooks.AllowActivation(); // the timer comes after the system has shown the dialog
     HWND foreground = GetForegroundWindow();
@@ -294,7 +295,7 @@ public:
             SetThreadPriority(GetCurrentThread(), THREAD_MODE_BACKGROUND_BEGIN);
         }
     }
-    NormalScheduling(const NormalScheduling&) = delete; // it stands for the thread's mode
+    NormalScheduling(const NormalScheduling&) = delete; // it changes the thread's mode
     NormalScheduling& operator=(const NormalScheduling&) = delete;
 
 private:

@@ -22,7 +22,7 @@ const char* CommandLine::ValueOfArgument(const char* argument, const char* opt) 
 }
 
 std::optional<std::string> CommandLine::FindOption(int argc, const char* const* argv, const char* opt) {
-    if (!IsOptionName(opt)) { // reported once, also where there is no argument
+    if (!IsOptionName(opt)) { // reported once, even without arguments
         return std::nullopt;
     }
     for (int i = 0; i < argc; ++i) {

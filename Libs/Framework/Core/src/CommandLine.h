@@ -11,8 +11,8 @@ namespace CommandLine {
 // The value that one argument gives the option, possibly empty; null when the argument is not of that option.
 const char* ValueOfArgument(const char* argument, const char* opt);
 
-// What the first argument of that option gives it, argv[0] included; later ones don't count. An empty value
-// is none. A null or empty opt is a programming error.
+// The value in the first argument of that option, argv[0] included; later ones don't count. An empty value
+// counts as absent. A null or empty opt is a programming error.
 std::optional<std::string> FindOption(int argc, const char* const* argv, const char* opt);
 
 // Whether some argument is the flag, whole and in any case.

@@ -6,8 +6,8 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// Calls function, which returns a ResultCode, and turns an exception that escapes it into a failure. For the
-// places where the framework calls what others wrote.
+// Calls function, which returns a ResultCode, and turns an exception that escapes it into a failure. For
+// calls of code that others wrote.
 template <class Function>
 ResultCode ExceptionToResult(Function&& function) {
     try {

@@ -27,7 +27,7 @@ void WriteWhole(const Line& line) {
         const std::size_t left = line.text.size() - done;
         if (!WriteFile(line.output, line.text.data() + done, static_cast<DWORD>(left), &written, nullptr) ||
             written == 0) {
-            return; // nobody reads this output any more, or there is none
+            return; // the reader has gone, or there is no output
         }
     }
 }

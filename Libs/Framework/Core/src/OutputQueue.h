@@ -6,17 +6,17 @@
 
 class Thread;
 
-// Writes lines to pipes, files and consoles without ever waiting for whoever reads them: a thread of its own
-// writes, in order, what waits in a queue of at most 1 MiB. Once the queue is full every line is dropped
-// until all of it is written; then one line says how many were. Any thread may write. It neither logs nor
-// fails a check, so the log and the checks may use it.
+// Writes lines to pipes, files and consoles without ever waiting for the reader: a thread of its own writes,
+// in order, from a queue of at most 1 MiB. Once the queue is full, every line is dropped until all of the
+// queue is written. Then one line says how many were dropped. Any thread may write. It neither logs nor fails
+// a check, so the log and the checks may use it.
 class OutputQueue {
 public:
     static constexpr std::size_t Capacity = std::size_t{1} << 20;
 
     OutputQueue();
     ~OutputQueue() { Close(); }
-    OutputQueue(const OutputQueue&) = delete; // it stands for its thread
+    OutputQueue(const OutputQueue&) = delete; // it owns a thread
     OutputQueue& operator=(const OutputQueue&) = delete;
 
     // Hands text, one line or more, to the output, a HANDLE that must stay open until Close. A line without

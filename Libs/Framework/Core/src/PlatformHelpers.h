@@ -9,7 +9,7 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // The framework's layer over the operating system. Paths in and out are UTF-8. Nothing here throws or keeps
-// state; any thread may call. System error numbers go to the error log, results carry fixed texts.
+// state; any thread may call. System error numbers are in the error log, results have fixed texts.
 namespace PlatformHelpers {
 
 inline constexpr uint32_t ReadOnlyAttribute = 0x01;

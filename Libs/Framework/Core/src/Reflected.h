@@ -22,8 +22,8 @@ public:
         return Base::QueryObj(type);
     }
 
-    // The class among the registered types: its identity, and its description. Some bases have the two and
-    // some don't, so "override" can't stand here.
+    // The class among the registered types: its identity, and its description. Only some
+    // bases have the two, so neither can say "override".
     // NOLINTBEGIN(modernize-use-override)
     virtual String::GlobalID GetStaticType() const { return Reflection::TypeOf<Derived>().Id(); }
     virtual const Reflection::TypeDescriptor& GetTypeDescription() const {

@@ -5,8 +5,8 @@
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
 // Brackets the use of the object store's client in this process. Owned by the application, which initialises
-// it before any uploader and shuts it down after the last upload; its destructor does so if a failed run
-// never came to that. An uploader does not start without one. Main thread only. No configuration, no state.
+// it before any uploader and shuts it down after the last upload; its destructor does so if a run
+// failed before that. An uploader does not start without one. Main thread only. No configuration, no state.
 class CloudComponent : public Reflected<CloudComponent, IApplicationComponent> {
 public:
     CloudComponent() = default;

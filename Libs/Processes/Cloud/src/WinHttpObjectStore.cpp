@@ -77,7 +77,7 @@ bool SetOption(void* handle, DWORD option, DWORD value) {
 
 // One PUT, in the order Open, Send, Receive. Asynchronous, because the timeouts of synchronous calls start
 // again with every byte: a peer that sends byte by byte would hold such a call for ever. Each step has its
-// own limit here; a step that runs into it closes the request.
+// own limit here; a step that exceeds it closes the request.
 class WinHttpPut {
 public:
     WinHttpPut(uint32_t connectTimeoutMs, uint32_t requestTimeoutMs)

@@ -15,7 +15,7 @@
 enum class BugSource : uint32_t { Unknown = 0, Internal = 1, External = 2 };
 Reflection_DeclareEnum(BugSource);
 
-// One file of a submission. An empty file stands for no file.
+// One file of a submission. An empty name means no file.
 struct Attachment {
     std::string file; // relative to the submission folder, without the ".gz" that packaging adds
     std::string md5;  // of the file as the package stores it; filled in by the packager
@@ -27,8 +27,9 @@ struct Catalog {
     Attachment log;
     std::vector<Attachment> attachments; // in the order of packaging
 
-    // The files in the order in which a package holds them: the log comes before the dump, although the
-    // header has them the other way round. Records without a file are left out. Points into the catalog.
+    // The files in the order in which a package holds them: the log comes before the dump, although
+    // the header lists them the other way round. Records without a file are left out. Points into the
+    // catalog.
     std::vector<const Attachment*> FilesInPackageOrder() const;
 
     // The text before the last "_Minidump.dmp", or else the last ".dmp", of the dump's name. Without a dump,
@@ -100,7 +101,7 @@ namespace HeaderFile {
 
 inline constexpr char Name[] = "header.json";
 
-// The header's records from the file's text. NoHeader if the text is none; "Out of memory" is no verdict on
+// Reads the header from the file's text. NoHeader if the text is invalid; "Out of memory" says nothing about
 // the text. After a failure the header may be partly filled.
 inline constexpr char NoHeader[] = "Failed to parse json header data in dump folder!";
 ResultCode Parse(std::string_view text, BugHeader& header);

@@ -11,7 +11,7 @@
 
 // Keeps the dumps folder and the packaged folder each under its quota. A pass measures an area, removes dump
 // folders that did not become a submission in their grace time, and then the oldest folders beyond the quota.
-// It asks nobody: whoever works in a folder must expect it to vanish. An area in which nothing has changed
+// It asks no other process: each must expect a folder to vanish. An area in which nothing has changed
 // since a pass that left nothing to do is not measured again. Owned by the application.
 class DiskQuota : public Reflected<DiskQuota> {
 public:

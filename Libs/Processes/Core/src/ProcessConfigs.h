@@ -42,13 +42,13 @@ struct PackagerConfig {
     std::string packageWorkFolder;
     std::string submissionFilename; // empty is DefaultName::Package
     BugSource source = BugSource::External;
-    bool keepFailedSubmissions =
-        false; // true: one that the machine kept from being packaged waits for the next run
+    // True: a submission that lacked space, memory or access stays for the next run.
+    bool keepFailedSubmissions = false;
 };
 Reflection_DeclareType(PackagerConfig);
 
-// A packager deletes what is complete in the watched folder: one that packs into that folder itself, or works
-// in it, would delete what nobody has sent. isSame(left, right) says whether two folders are one.
+// Refuses a packager that packs into the watched folder itself, or works in it: it would delete unsent
+// packages. isSame(left, right) says whether two paths are the same folder.
 template <class IsSame>
 ResultCode CheckPackagerFolders(const std::string& packaged, const std::string& work,
                                 const std::string& watched, IsSame isSame) {

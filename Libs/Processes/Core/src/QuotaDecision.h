@@ -19,13 +19,13 @@ struct FolderRecord {
 // Both are file times (100 ns). A creation in the future gives an enormous age.
 uint64_t AgeInSeconds(uint64_t now, uint64_t creationTime);
 
-// Youngest first. Folders of one age stand by path, so that every pass decides alike.
+// Youngest first. Folders of the same age are sorted by path, so that every pass decides alike.
 void SortByAge(std::span<FolderRecord> records);
 
-// Whether a folder has had its time to become a submission: up to the grace time, in seconds, it may stay.
+// Whether a folder is still not a submission after its grace time, in seconds.
 bool IsAgedOut(const FolderRecord& record, uint32_t invalidGraceTime);
 
-// How many of the youngest folders fit the quota together; all behind them have to go, however small.
+// How many of the youngest folders fit the quota together. All older ones must be deleted, however small.
 std::size_t CountThatFit(std::span<const FolderRecord> youngestFirst, uint64_t quota);
 
 } // namespace QuotaDecision

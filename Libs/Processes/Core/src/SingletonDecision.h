@@ -27,8 +27,7 @@ enum class Verdict { Stay, Wait, Go };
 
 // A copy that stays sends all others away, whatever the clock said when they started. If none has decided
 // yet, the oldest will stay; at the same age that is the one with the lower process id. A copy that is ending
-// is no reason to go: what the others do next is to wait for its end. A process that is not in the list goes
-// if two others are.
+// sends no one away: the others wait for its end. A process that is not in the list goes if two others are.
 Verdict Decide(std::span<const Copy> copies, uint32_t ownProcessId);
 
 } // namespace SingletonDecision

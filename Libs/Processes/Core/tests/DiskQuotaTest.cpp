@@ -62,7 +62,7 @@ protected:
                                     FILE_WRITE_ATTRIBUTES, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
                                     OPEN_EXISTING, FILE_FLAG_BACKUP_SEMANTICS, nullptr);
         const FILETIME written = {static_cast<DWORD>(time), static_cast<DWORD>(time >> 32)};
-        // Where the system keeps no creation time, the last write stands for it.
+        // A system that keeps no creation time shows the last write instead.
         EXPECT_TRUE(SetFileTime(folder, &written, nullptr, &written));
         CloseHandle(folder);
     }
@@ -204,7 +204,7 @@ TEST_F(DiskQuotaTest, WithoutMemoryTheYoungestStillStay) {
         MakeAges("dumps", {"z", "b", "a"});
         Configure(Quota, R"("Quota": {"TimeBetweenChecks": 1, "DumpsQuota": 20})");
         std::thread stopper([this] {
-            // The rest of a half-deleted folder has no size, and goes when its grace time is over.
+            // The rest of a half-deleted folder has no size, and is deleted after its grace time.
             EXPECT_TRUE(Await([this] { return !Exists("dumps/z/header.json"); }));
             m_application->RequestShutdown();
         });

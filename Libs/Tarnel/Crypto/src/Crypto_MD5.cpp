@@ -97,7 +97,7 @@ void StoreLittleEndian(const uint32_t* words, std::size_t count, uint8_t* bytes)
     }
 }
 
-// The compiler must not drop the clearing of memory that nobody reads again.
+// The compiler must not drop the clearing of memory that is not read again.
 void Wipe(void* data, std::size_t size) {
     auto* bytes = static_cast<volatile uint8_t*>(data);
     std::fill(bytes, bytes + size, uint8_t{0});

@@ -9,8 +9,8 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// The one place where the JSON library is configured; no other header includes it. A value that is misused is
-// a library assertion, after which the program goes on.
+// The one place where the JSON library is configured; no other header includes it. Misuse of a value is a
+// failed assertion, after which the program continues.
 #define RAPIDJSON_ASSERT(condition) PLATFORM_ASSERT(condition)
 
 #if defined(__GNUC__)

@@ -8,8 +8,8 @@
 #include "Libs/Tarnel/Reflection/src/Reflection_QueryObject.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Types.h"
 
-// How records and enumerations describe themselves. All forms stand at global scope; the registered name is
-// the type's name as it is written there. In the header, after the type:
+// How records and enumerations describe themselves. All forms are used at global scope; the registered name
+// is the type's name as it is written there. In the header, after the type:
 //
 //   struct WatcherConfig {
 //       uint32_t timeBetweenChecks = 250;

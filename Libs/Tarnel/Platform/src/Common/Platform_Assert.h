@@ -8,7 +8,7 @@
 
 // Checks for programming errors (assert) and for bad data (data error), live in every build. Each site has a
 // flag of its own: once it is set, the site stays silent for the rest of the run. A failed check is reported
-// and the program goes on after it, so the code behind a check must cope with the failure.
+// and the program continues, so the code after a check must cope with the failure.
 
 namespace Platform {
 
@@ -29,8 +29,8 @@ inline constexpr uint32_t AssertReportSize = 64 * 1024;
 // What a handler or the dialog answers.
 enum AssertAnswer : int {
     AssertAnswer_Debug = 1,        // break into the debugger
-    AssertAnswer_IgnoreOnce = 2,   // go on
-    AssertAnswer_IgnoreAlways = 3, // go on and keep the site silent from now on
+    AssertAnswer_IgnoreOnce = 2,   // continue
+    AssertAnswer_IgnoreAlways = 3, // continue, and keep the site silent from now on
     AssertAnswer_Abort = 4,        // end the process with exit code 1
 };
 
@@ -46,7 +46,7 @@ struct AssertLock {
     alignas(8) unsigned char storage[64];
 };
 
-// The state behind the checks, one for the process. Modules loaded into the process reach it through the
+// The state of the checks, one per process. Modules loaded into the process reach it through the
 // exported functions, so the layout is that of C and switches are 0 or 1. Lives as long as the process.
 // Everything after lock is read and written inside it, except that the switches may be set at start-up
 // before other threads run.
@@ -75,7 +75,7 @@ struct BugState {
     char lastExpression[512];
 };
 
-// Where the one-line records of failed checks go; standard error until a program sets its own. Called inside
+// Receives the one-line records of failed checks; standard error until a program sets its own. Called inside
 // the state's lock, and must not fail a check. flush is called before the process is aborted.
 struct AssertRecordOutput {
     void (*write)(const char* record, std::size_t length);
@@ -91,7 +91,7 @@ void EnterLock(AssertLock& lock);
 void LeaveLock(AssertLock& lock);
 bool IsDebuggerAttached();
 void SendToDebugger(const char* text); // does nothing without such an output
-AssertDialog BuiltInDialog();          // null where the system has no dialogs
+AssertDialog BuiltInDialog();          // null if the system has no dialogs
 
 // Runs no destructors: other threads may still use what those would destroy.
 [[noreturn]] void EndProcess(int exitCode);
@@ -120,7 +120,7 @@ struct SourceUnit {
 extern "C" Platform::AssertState* EXP_GetAssertState();
 extern "C" Platform::BugState* EXP_GetBugState();
 
-// A break instruction where it stands, so that the debugger shows that frame and can go on.
+// Breaks at the check itself, so that the debugger shows its frame and can continue.
 #if defined(_MSC_VER)
 #define PLATFORM_BREAK() __debugbreak()
 #elif defined(__x86_64__)

@@ -27,7 +27,7 @@ constexpr std::size_t StackEntryLength = 279;
 // One log's open file. Slots are filled in order, under g_lock, and never emptied; the files stay open until
 // the process ends.
 struct LogSlot {
-    // 0 while the slot is free. Set last, so that who finds the key finds an open file.
+    // 0 while the slot is free. Set last, so that a thread that finds the key finds an open file.
     std::atomic<uint32_t> nameKey = 0;
     NativeHandle file = NoHandle;
     std::atomic<uint64_t> nextOffset = 0;

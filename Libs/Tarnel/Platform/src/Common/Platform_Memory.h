@@ -13,7 +13,7 @@ constexpr std::size_t RoundUpToGranularity(std::size_t size) {
 }
 
 // At least size bytes at a multiple of alignment, a power of two; less than 16 counts as 16. Null, after a
-// failed assertion, when there is no memory. A block of size 0 is a block all the same.
+// failed assertion, when there is no memory. A block of size 0 must be freed too.
 [[nodiscard]] void* GeneralAllocate(std::size_t size, std::size_t alignment = MemoryGranularity);
 
 // Null is allowed. Only for blocks of GeneralAllocate.

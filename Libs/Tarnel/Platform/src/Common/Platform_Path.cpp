@@ -55,7 +55,7 @@ SystemPath::SystemPath(std::wstring_view wide) noexcept {
 
 void SystemPath::Set(SystemText text) try {
     if (text.find(SystemText::value_type{0}) != SystemText::npos) {
-        m_error = NotText; // the system would not look behind it
+        m_error = NotText; // the system would stop reading at the NUL
     }
     if (m_error == NoError && !text.empty()) {
         m_rootLength = ResolvePath(text);

@@ -6,7 +6,7 @@ namespace Platform {
 class Receipt {
 public:
     virtual ~Receipt() = default;
-    Receipt(const Receipt&) = delete; // what a receipt stands for is undone once
+    Receipt(const Receipt&) = delete; // its registration is undone once
     Receipt& operator=(const Receipt&) = delete;
 
 protected:

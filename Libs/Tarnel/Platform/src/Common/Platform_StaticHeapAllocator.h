@@ -9,7 +9,7 @@
 namespace Platform {
 
 // Standard allocator over the general heap for containers that only ever ask for TAllocSize elements at a
-// time, as lists and maps ask for one node. A request of another size is reported and served all the same.
+// time, as lists and maps ask for one node. A request of another size is reported, but served.
 template <class T, std::size_t TAllocSize = 1>
 class StaticHeapAllocator {
 public:

@@ -106,7 +106,7 @@ SystemError RenameFile(const SystemPath& from, const SystemPath& to) noexcept {
 }
 
 bool IsHeld(SystemError) {
-    return false; // nobody keeps others from a file here
+    return false; // no program can lock others out here
 }
 
 bool IsLink(const SystemPath& path) noexcept {

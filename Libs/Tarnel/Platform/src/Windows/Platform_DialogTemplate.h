@@ -26,7 +26,7 @@ class DialogTemplate {
 public:
     static constexpr std::size_t Capacity = 16384;
 
-    // A null face leaves the dialog with the system font. Starts anew when called again.
+    // A null face leaves the dialog with the system font. Starts again when called again.
     void Begin(const char* title, uint32_t style, DialogArea area, const char* fontFace, uint16_t pointSize);
 
     // classAtom names one of the system's window classes, such as 0x0080 for buttons.

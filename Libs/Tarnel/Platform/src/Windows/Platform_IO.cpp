@@ -105,8 +105,8 @@ bool IsNamedBelow(NativeHandle file, NativeHandle folder, std::wstring_view name
                                 static_cast<int>(expected.size()), TRUE) == CSTR_EQUAL;
 }
 
-// Wine resolves links of the host behind our back, so that a call meant for the link would hit what it leads
-// to. Windows asks nobody to look: there it is never true.
+// Wine resolves links of its host without being asked, so a call meant for the link would reach its target.
+// On Windows this is never true.
 bool IsHostLink(const SystemPath& path) noexcept try {
     static const bool isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
     if (!isWine || path.IsRoot()) {
@@ -118,7 +118,7 @@ bool IsHostLink(const SystemPath& path) noexcept try {
     return opened && folder &&
            !IsNamedBelow(opened.Get(), folder.Get(), path.Text().substr(path.Text().rfind(L'\\') + 1));
 } catch (const std::exception&) {
-    return true; // rather than to follow it
+    return true; // unknown: treat it as a link, never follow it
 }
 
 // Calls change with the path's text, unless it leads elsewhere.
@@ -207,7 +207,7 @@ SystemError OpenFile(const SystemPath& path, uint32_t access, uint32_t share, Ke
     const DWORD disposition = (access & FileCreateNew) != 0           ? CREATE_NEW
                               : (access & FileCreateAndTruncate) != 0 ? CREATE_ALWAYS
                                                                       : OPEN_EXISTING;
-    // A folder opens too, to be told from a file that is held: the system would deny access to both.
+    // Opens folders too: the system would deny access to them as to a file that another program holds.
     const DWORD flags =
         ((access & FileRandomAccess) != 0 ? FILE_FLAG_RANDOM_ACCESS : FILE_FLAG_SEQUENTIAL_SCAN) |
         (desired == GENERIC_READ ? FILE_FLAG_BACKUP_SEMANTICS : 0u);

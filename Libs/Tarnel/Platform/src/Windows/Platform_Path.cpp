@@ -39,13 +39,13 @@ std::wstring CurrentFolder() {
     return Answer([](DWORD room, wchar_t* buffer) { return GetCurrentDirectoryW(room, buffer); });
 }
 
-// Each drive has a current folder of its own, which only this call tells.
+// Each drive has a current folder of its own, which only this call returns.
 std::wstring CurrentFolderOf(wchar_t drive) {
     const wchar_t path[] = {drive, L':', L'.', 0};
     return Answer([&](DWORD room, wchar_t* buffer) { return GetFullPathNameW(path, room, buffer, nullptr); });
 }
 
-// Where the root of a path without its prefix ends: behind C: or behind UNC\server\share.
+// Where the root of a path without its prefix ends: after C: or after UNC\server\share.
 std::size_t EndOfRoot(std::wstring_view path) {
     std::size_t end = 0;
     for (int part = path.starts_with(ShareRoot) ? 3 : 1; part > 0; --part) {
