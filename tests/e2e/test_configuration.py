@@ -6,27 +6,20 @@ import pytest
 from submissions import write_small
 from wine import windows_path
 
-BRACKETS = 500_000
-
 
 @pytest.mark.parametrize("content, texts", [
-    (b"[" * BRACKETS, [" at position ", "Failed to decode json header data!"]),
-    (b'{"a":' * BRACKETS, [" at position ", "Failed to decode json header data!"]),
-    (b'{"Application": "\xff\xfe"}', [" at position ", "Failed to decode json header data!"]),
-    (b'{"Application": "' + b"x" * 30_000_000, [" at position ", "Failed to decode json header data!"]),
-    (b'{"Application": {"Processes": [], "Components": [], "ApplicationFolder": ""}}', ["Element is not an object"]),
-], ids=["brackets", "objects", "encoding", "unterminated", "wrong kind"])
+    (b'{"Application": "' + b"x" * 30_000_000, ["position ", "Failed to decode json header data!"]),
+    (b'{"Application": {"Processes": [], "Components": [], "ApplicationFolder": ""}}', ["", "Element is not an object"]),
+], ids=["unterminated", "wrong kind"])
 def test_a_fault_of_the_application_stops_it(site, content, texts):
     path = site.write_configuration(content)
     site.write_configuration = lambda: path
     with site.start() as agent:
         assert agent.wait() == 2
-    for text in texts:
-        assert text in agent.text
+    detail, error = texts
     errors = agent.stderr.decode()
-    assert " Initialization failure. Error=" + texts[-1].rstrip("\r\n") + "\r\n" in errors
-    if " at position " in texts:
-        assert f' Failed to parse file "{windows_path(path)}" at position ' in errors
+    assert f" Initialization failure. Error={error}\r\n" in errors
+    assert not detail or f' Failed to parse file "{windows_path(path)}" at {detail}' in errors
 
 
 FAULTY_PROCESSES = {

@@ -63,19 +63,6 @@ def test_the_agent_ends_a_delay_after_the_game(game, watching, program, names, a
     assert said(agent) == [CLOSED, REQUESTING]
 
 
-def test_a_game_that_comes_back_within_the_delay_keeps_the_agent(game, watching):
-    running = game("Game.exe")
-    with watching(["Game.exe"]) as agent:
-        agent.wait_for(" is watching folder ")
-        running.kill()
-        agent.wait_for(CLOSED)
-        running = game("Game.exe")
-        agent.wait_for(REAPPEARED)
-        running.kill()
-        assert agent.wait() == 0
-    assert said(agent) == [CLOSED, REAPPEARED, CLOSED, REQUESTING]
-
-
 def test_the_last_of_several_games_counts(game, watching):
     first, second = game("First.exe"), game("Second.exe")
     with watching(["First.exe", "Second.exe"]) as agent:
@@ -85,11 +72,3 @@ def test_the_last_of_several_games_counts(game, watching):
         assert agent.running and said(agent) == []
         second.kill()
         assert agent.wait() == 0
-
-
-def test_with_nothing_to_wait_for_the_agent_ends_by_itself(watching):
-    start = time.monotonic()
-    with watching(["no such program.exe"]) as agent:
-        assert agent.wait() == 0
-    assert time.monotonic() - start >= DELAY
-    assert said(agent) == [CLOSED, REQUESTING]
