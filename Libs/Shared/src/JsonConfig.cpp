@@ -9,6 +9,12 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
+Reflection_DefineType(ApplicationConfig,
+                      Reflection_Field(processes, "Processes", Reflection::OptionalAttribute()),
+                      Reflection_Field(components, "Components", Reflection::OptionalAttribute()),
+                      Reflection_Field(applicationFolder, "ApplicationFolder",
+                                       Reflection::OptionalAttribute()));
+
 namespace {
 
 ResultCode ReadConfigBytes(const std::string& path, std::vector<uint8_t>& bytes) {

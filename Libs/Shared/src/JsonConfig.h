@@ -1,12 +1,22 @@
 #pragma once
 
+#include <map>
 #include <string>
+#include <vector>
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // The configuration file: one JSON object with a section for each user.
+
+// The "Application" section of the configuration file.
+struct ApplicationConfig {
+    std::map<std::string, std::vector<std::string>> processes; // maker name to the instance names to make
+    std::vector<std::string> components; // maker names, each the component's own name too
+    std::string applicationFolder;       // name under the user's Documents folder
+};
+Reflection_DeclareType(ApplicationConfig);
 
 // Reads and parses the file. A parse error is logged with its place in the file.
 ResultCode LoadJsonConfig(const std::string& path, JsonDocument& document);

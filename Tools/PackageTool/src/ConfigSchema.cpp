@@ -3,9 +3,9 @@
 #include <limits>
 #include <new>
 
-#include "Libs/Framework/Core/src/ApplicationConfig.h"
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
+#include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 #include "Tools/PackageTool/src/ConfigSections.h"
 

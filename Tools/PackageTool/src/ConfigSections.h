@@ -6,9 +6,9 @@
 #include <string>
 #include <string_view>
 
-#include "Libs/Framework/Core/src/ApplicationConfig.h"
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
+#include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <tuple>
 
-#include "Libs/Framework/Core/src/ApplicationConfig.h"
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"

@@ -13,8 +13,10 @@
 
 namespace {
 
-// Takes every process through one step. Whoever fails it is reported and dropped, and ends there: nothing has
-// started its thread yet.
+const char* g_ApplicationDisplayName = nullptr;
+
+// Takes every process through one step. One that fails is logged, dropped and destroyed: its thread has not
+// been started yet.
 template <class Step, class Report>
 void DropFailing(ProcessMap& processes, Step&& step, Report&& report) {
     for (auto it = processes.begin(); it != processes.end();) {
@@ -30,7 +32,7 @@ void DropFailing(ProcessMap& processes, Step&& step, Report&& report) {
     }
 }
 
-// Of the lists of a class that stands twice, one would be lost without a word.
+// Of two lists for one class, the first would be lost without a word.
 void ReportRepeatedClasses(const JsonDocument& config) {
     const JsonValue& application = config["Application"];
     const auto processes = application.FindMember("Processes");
@@ -55,24 +57,12 @@ ApplicationBase::~ApplicationBase() {
 
 ResultCode ApplicationBase::Initialize(int argc, const char** argv) {
     JsonDocument config;
-    if (const ResultCode result = LoadConfig(argc, argv, config); !result) {
-        return result;
-    }
-    if (const ResultCode result = PrepareFolders(argc, argv); !result) {
-        return result;
-    }
-    if (const ResultCode result = PreInitialize(); !result) {
-        return result;
-    }
-    if (const ResultCode result = CreateComponents(m_config, m_components); !result) {
-        return result;
-    }
-    if (const ResultCode result = CreateProcesses(m_config, this, m_processes); !result) {
-        return result;
-    }
-    if (const ResultCode result = InitializeComponents(argc, argv); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(LoadConfig(argc, argv, config));
+    RETURN_IF_FAILED(PrepareFolders(argc, argv));
+    RETURN_IF_FAILED(PreInitialize());
+    RETURN_IF_FAILED(CreateComponents());
+    RETURN_IF_FAILED(CreateProcesses());
+    RETURN_IF_FAILED(InitializeComponents(argc, argv));
     InitializeProcesses(config, argc, argv);
     return PostInitialize();
 }
@@ -83,9 +73,7 @@ ResultCode ApplicationBase::LoadConfig(int argc, const char** argv, JsonDocument
     if (!PlatformHelpers::PathExists(m_configPath)) {
         return "Failed to find config file on disk!";
     }
-    if (const ResultCode result = LoadJsonConfig(m_configPath, config); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(LoadJsonConfig(m_configPath, config));
     m_config = {};
     RETURN_IF_FAILED(ReadConfigSection(config, "Application", m_config));
     ReportRepeatedClasses(config);
@@ -95,14 +83,10 @@ ResultCode ApplicationBase::LoadConfig(int argc, const char** argv, JsonDocument
 ResultCode ApplicationBase::PrepareFolders(int argc, const char** argv) {
     m_applicationFolder = ResolveApplicationFolder(argc, argv, m_config.applicationFolder);
     PLATFORM_LOG(Platform::InfoLog, " Using application folder: %s", m_applicationFolder.c_str());
-    if (const ResultCode result = CreateMissingFolder(m_applicationFolder); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(CreateMissingFolder(m_applicationFolder));
     m_logFolder = ResolveLogFolder(argc, argv, m_applicationFolder);
     PLATFORM_LOG(Platform::InfoLog, " Using log folder: %s", m_logFolder.c_str());
-    if (const ResultCode result = CreateMissingFolder(m_logFolder); !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(CreateMissingFolder(m_logFolder));
     return SetLogRootFolder(m_logFolder);
 }
 
@@ -116,13 +100,35 @@ ResultCode ApplicationBase::PreInitialize() {
     return Platform::Success;
 }
 
+ResultCode ApplicationBase::CreateComponents() {
+    for (const std::string& name : m_config.components) {
+        const auto maker = FactoryInstance<IApplicationComponent>().FindMaker(name);
+        if (!maker) {
+            PLATFORM_LOG(Platform::ErrorLog, " Failed to find maker for component %s", name.c_str());
+            return "Failed to find maker for component";
+        }
+        m_components[name] = maker->Make();
+    }
+    return Platform::Success;
+}
+
+ResultCode ApplicationBase::CreateProcesses() {
+    for (const auto& [makerName, names] : m_config.processes) {
+        for (const std::string& name : names) {
+            const auto maker = FactoryInstance<IApplicationProcess>().FindMaker(makerName);
+            if (!maker) {
+                PLATFORM_LOG(Platform::ErrorLog, " Failed to find maker for process %s", name.c_str());
+                return "Failed to find maker for process";
+            }
+            m_processes[name] = maker->Make(this, name.c_str());
+        }
+    }
+    return Platform::Success;
+}
+
 ResultCode ApplicationBase::InitializeComponents(int argc, const char** argv) {
     for (const auto& [name, component] : m_components) {
-        const ResultCode result =
-            ExceptionToResult([&, &made = component] { return made->Initialize(argc, argv); });
-        if (!result) {
-            return result;
-        }
+        RETURN_IF_FAILED(ExceptionToResult([&, &made = component] { return made->Initialize(argc, argv); }));
     }
     return Platform::Success;
 }
@@ -151,9 +157,7 @@ ResultCode ApplicationBase::Run() {
         if (!procPair.second) {
             return "There is no process";
         }
-        if (const ResultCode result = procPair.second->Start(); !result) {
-            return result;
-        }
+        RETURN_IF_FAILED(procPair.second->Start());
     }
     std::vector<void*> handles;
     handles.reserve(m_processes.size());
@@ -173,15 +177,10 @@ ResultCode ApplicationBase::Shutdown() {
         if (!procPair.second) {
             return "There is no process";
         }
-        if (const ResultCode result = procPair.second->Shutdown(); !result) {
-            return result;
-        }
+        RETURN_IF_FAILED(procPair.second->Shutdown());
     }
     for (const auto& [name, component] : m_components) {
-        const ResultCode result = ExceptionToResult([&made = component] { return made->Shutdown(); });
-        if (!result) {
-            return result;
-        }
+        RETURN_IF_FAILED(ExceptionToResult([&made = component] { return made->Shutdown(); }));
     }
     return Platform::Success;
 }
@@ -215,4 +214,15 @@ void ApplicationBase::StopProcesses() {
             procPair.second->GetThread()->Finish();
         }
     }
+}
+
+void RegisterApplicationDisplayName(const char* displayName) {
+    PLATFORM_ASSERT(displayName);
+    g_ApplicationDisplayName = displayName;
+}
+
+const char* GetApplicationDisplayName() {
+    PLATFORM_ASSERT_MESSAGE(g_ApplicationDisplayName,
+                            "Application client code must call RegisterApplicationDisplayName(aName)");
+    return g_ApplicationDisplayName ? g_ApplicationDisplayName : "Bad Application Display Name!";
 }

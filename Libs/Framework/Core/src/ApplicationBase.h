@@ -1,16 +1,17 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <string>
 
-#include "Libs/Framework/Core/src/ApplicationConfig.h"
-#include "Libs/Framework/Core/src/ApplicationCreation.h"
 #include "Libs/Framework/Core/src/Factory.h"
-#include "Libs/Framework/Core/src/IApplicationComponent.h"
-#include "Libs/Framework/Core/src/IApplicationProcess.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+
+using ProcessMap = std::map<std::string, std::shared_ptr<IApplicationProcess>>;
+using ComponentMap = std::map<std::string, std::shared_ptr<IApplicationComponent>>;
 
 // The player's answer. 1 is not used.
 enum class UploadPermission : uint32_t { NotAsked = 0, Allowed = 2, Refused = 3 };
@@ -71,6 +72,8 @@ protected:
 private:
     ResultCode LoadConfig(int argc, const char** argv, JsonDocument& config);
     ResultCode PrepareFolders(int argc, const char** argv);
+    ResultCode CreateComponents(); // a repeated name replaces what had it
+    ResultCode CreateProcesses();  // so does a later maker's instance of the same name
     ResultCode InitializeComponents(int argc, const char** argv);
     void InitializeProcesses(const JsonDocument& config, int argc, const char** argv);
 

@@ -6,19 +6,9 @@
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
-namespace {
-
-void CloseIfAny(HANDLE handle) {
-    if (handle) {
-        CloseHandle(handle);
-    }
-}
-
-} // namespace
-
 ApplicationProcessBase::ApplicationProcessBase(ApplicationBase* application, const char* name)
     : m_application(application), m_thread(std::make_shared<Thread>([this] { ThreadMain(); })),
-      m_stopped(CreateEventW(nullptr, TRUE, FALSE, nullptr), &CloseIfAny), m_name(name ? name : "") {
+      m_stopped(CreateEventW(nullptr, TRUE, FALSE, nullptr)), m_name(name ? name : "") {
     // The name serves debuggers only; a thread that could not be made is reported by Start.
     static_cast<void>(m_thread->SetName(m_name.c_str()));
 }
@@ -31,11 +21,11 @@ void* ApplicationProcessBase::QueryObj(const Reflection::TypeDescriptor&) {
 
 void ApplicationProcessBase::RequestShutdown() {
     m_stop.exchange(true, std::memory_order_acq_rel);
-    SetEvent(m_stopped.get());
+    SetEvent(m_stopped.Get());
 }
 
 bool ApplicationProcessBase::Pause(uint32_t milliseconds) const {
-    WaitForSingleObject(m_stopped.get(), milliseconds);
+    WaitForSingleObject(m_stopped.Get(), milliseconds);
     return !IsStopRequested();
 }
 
@@ -63,7 +53,7 @@ ResultCode ApplicationProcessBase::Start() {
     if (!m_stopped) {
         return "Failed to create the stop event";
     }
-    // Before the thread runs, since it is the thread itself that takes the mode up.
+    // Before the thread runs: the system lets no other thread ask for the mode.
     m_backgroundMode = m_thread->EnterBackgroundMode();
     const ResultCode result = m_thread->Resume();
     if (!result) {

@@ -5,8 +5,8 @@
 #include <mutex>
 #include <string>
 
+#include "Libs/Framework/Core/src/ApplicationProcessBase.h"
 #include "Libs/Framework/Core/src/IApplicationComponent.h"
-#include "Libs/Framework/Core/src/IApplicationProcess.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
 class ApplicationBase;

@@ -155,9 +155,6 @@ TEST_F(ApplicationBaseTest, ReportsWhatStopsTheInitialisation) {
         {R"({"Application": {"Processes": {}, "Components": ["FailingComponent"], "ApplicationFolder": ""}})",
          "Component failed",
          {}},
-        {R"({"Application": {"Processes": {"Fake": ["Unmakeable"]}, "Components": [], "ApplicationFolder": ""}})",
-         "Out of memory",
-         {}},
     };
     std::size_t errorsBefore = 0;
     for (const auto& row : rows) {

@@ -34,11 +34,7 @@ private:
 // the step named there: PreInitialize can't be named, no section is read by then.
 class FakeProcess : public ApplicationProcessBase {
 public:
-    FakeProcess(ApplicationBase* application, const char* name) : ApplicationProcessBase(application, name) {
-        if (GetName() == std::string("Unmakeable")) {
-            throw std::bad_alloc();
-        }
-    }
+    using ApplicationProcessBase::ApplicationProcessBase;
     ~FakeProcess() override { Diary::Write(GetName(), "destroyed"); }
 
     ResultCode PreInitialize() override {

@@ -2,26 +2,23 @@
 
 #include <windows.h>
 
-#include <memory>
+#include "Libs/Tarnel/Platform/src/Common/Platform_Handle.h"
 
 namespace {
 
 constexpr DWORD TimeBetweenChecks = 250; // milliseconds
 
-HANDLE OpenConsoleInput() {
-    return CreateFileW(L"CONIN$", GENERIC_READ | GENERIC_WRITE, FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
-                       OPEN_EXISTING, 0, nullptr);
-}
-
 // Takes the waiting keys off the console, up to the first Q. A key's character tells an "à" from the keys
 // that have none, such as Page Down, whose codes look like "à" and "Q".
 bool IsStopKeyPressed() {
-    const std::unique_ptr<void, decltype(&CloseHandle)> console(OpenConsoleInput(), &CloseHandle);
+    const Platform::KernelHandle console(CreateFileW(L"CONIN$", GENERIC_READ | GENERIC_WRITE,
+                                                     FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr,
+                                                     OPEN_EXISTING, 0, nullptr));
     DWORD waiting = 0;
-    while (GetNumberOfConsoleInputEvents(console.get(), &waiting) && waiting > 0) {
+    while (GetNumberOfConsoleInputEvents(console.Get(), &waiting) && waiting > 0) {
         INPUT_RECORD input = {};
         DWORD count = 0;
-        if (!ReadConsoleInputW(console.get(), &input, 1, &count) || count == 0) {
+        if (!ReadConsoleInputW(console.Get(), &input, 1, &count) || count == 0) {
             return false;
         }
         const KEY_EVENT_RECORD& key = input.Event.KeyEvent;

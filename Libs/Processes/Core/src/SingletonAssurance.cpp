@@ -17,22 +17,17 @@ using SingletonDecision::State;
 constexpr std::chrono::seconds LongestWait(60);
 constexpr uint32_t TimeBetweenLooks = 50; // milliseconds
 
-struct CloseHandleDeleter {
-    void operator()(HANDLE handle) const { CloseHandle(handle); }
-};
-using UniqueHandle = std::unique_ptr<void, CloseHandleDeleter>;
-
 // Global: the copies of one user may run in several sessions.
 std::wstring EventName(uint32_t processId) {
     return L"Global\\MorvaneCrashReporter." + std::to_wstring(processId);
 }
 
 State StateOf(uint32_t processId) {
-    const UniqueHandle event(OpenEventW(SYNCHRONIZE, FALSE, EventName(processId).c_str()));
+    const Platform::KernelHandle event(OpenEventW(SYNCHRONIZE, FALSE, EventName(processId).c_str()));
     if (!event) {
         return GetLastError() == ERROR_ACCESS_DENIED ? State::Staying : State::Deciding;
     }
-    return WaitForSingleObject(event.get(), 0) == WAIT_OBJECT_0 ? State::Staying : State::Ending;
+    return WaitForSingleObject(event.Get(), 0) == WAIT_OBJECT_0 ? State::Staying : State::Ending;
 }
 
 } // namespace
@@ -48,8 +43,8 @@ ResultCode SingletonAssurance::Initialize(const JsonDocument&, int argc, const c
 
 ResultCode SingletonAssurance::PostInitialize() {
     const bool stays = MayStay();
-    const HANDLE event = CreateEventW(nullptr, TRUE, stays, EventName(GetCurrentProcessId()).c_str());
-    m_stays = UniqueHandle(event);
+    m_stays =
+        Platform::KernelHandle(CreateEventW(nullptr, TRUE, stays, EventName(GetCurrentProcessId()).c_str()));
     if (!stays) {
         PLATFORM_LOG(Platform::InfoLog, " Process already running requesting shutdown...");
         RequestApplicationShutdown();
@@ -77,7 +72,7 @@ bool SingletonAssurance::MayStay() const {
 
 void SingletonAssurance::RequestShutdown() {
     Reflected::RequestShutdown();
-    ResetEvent(m_stays.get());
+    ResetEvent(m_stays.Get());
 }
 
 // The right to ask for the name is the right to ask for the time: a process without a time has ended since.

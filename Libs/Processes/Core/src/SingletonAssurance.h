@@ -1,11 +1,11 @@
 #pragma once
 
-#include <memory>
 #include <string>
 #include <vector>
 
 #include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Processes/Core/src/SingletonDecision.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Handle.h"
 
 // Ends the program when another copy of it runs: another process whose image ends in the executable's name.
 // Decides once, before any process has started: a copy that goes has done nothing. A copy that starts later
@@ -29,6 +29,6 @@ private:
     std::string m_executableName; // constant after Initialize
 
     // An event that other copies find by this process's id. It is set while this copy stays.
-    std::shared_ptr<void> m_stays;
+    Platform::KernelHandle m_stays;
 };
 Reflection_DeclarePolymorphicType(SingletonAssurance);
