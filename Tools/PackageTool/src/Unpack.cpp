@@ -8,7 +8,6 @@
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 #include "Tools/PackageTool/src/Report.h"
 #include "Tools/PackageTool/src/Target.h"

@@ -8,7 +8,7 @@
 #include <string>
 #include <vector>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 #include "Tools/PackageTool/src/Arguments.h"
 #include "Tools/PackageTool/src/Console.h"
 

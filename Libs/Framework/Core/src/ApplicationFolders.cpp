@@ -5,6 +5,7 @@
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
 
 namespace {
 
@@ -59,7 +60,7 @@ ResultCode CreateMissingFolder(const std::string& folder) {
 
 ResultCode SetLogRootFolder(const std::string& folder) {
     std::wstring wide;
-    if (!PlatformHelpers::Utf8ToWide(folder, wide)) {
+    if (Platform::ConvertString(folder, wide) != Platform::ConvertString_Done) {
         return "Failed to translate log folder encoding";
     }
     EXP_SetLogRoot(wide.c_str());

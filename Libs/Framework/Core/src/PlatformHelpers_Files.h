@@ -1,24 +1,20 @@
 #pragma once
 
-#include <cstdint>
-#include <string>
-
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 
-// The retrying file calls of PlatformHelpers.h for a path that is in the system's form already. The second
-// argument is the path as log lines show it.
+// What the helpers share. shownPath is the path as log lines show it.
 namespace PlatformHelpers {
 
-ResultCode RemoveFileAt(const std::wstring& systemPath, const std::string& shownPath);
-ResultCode SetReadOnlyAt(const std::wstring& systemPath, const std::string& shownPath, bool readOnly,
-                         const RetryPause& pause);
+// The failure for a text or a path that can't be converted.
+ResultCode ConversionFailure(Platform::SystemError error);
 
-// Log line and result of a failed deletion, for callers that make the system call themselves.
-ResultCode FileRemovalFailure(const std::string& shownPath, uint32_t systemError);
-ResultCode FolderRemovalFailure(const std::string& shownPath, uint32_t systemError);
+enum class Kind { File, Folder };
 
-// The last error of a call that failed, never 0. 0 for one that succeeded.
-uint32_t ErrorOfCall(bool succeeded);
+ResultCode SetReadOnly(const Platform::SystemPath& path, const std::string& shownPath, bool readOnly,
+                       const RetryPause& pause);
+
+// Logs the failure and returns the result that belongs to it.
+ResultCode RemovalFailure(Kind kind, const std::string& shownPath, Platform::SystemError error);
 
 } // namespace PlatformHelpers

@@ -1,16 +1,13 @@
 #include <gtest/gtest.h>
 
-#include <iostream>
-
-#include <windows.h>
-
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Framework/Core/src/PlatformHelpers_LiteralPath.h"
 #include "tests/support/AssertCapture.h"
 #include "tests/support/Holder.h"
+#include "tests/support/HostSystem.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchFolder.h"
 
+using Platform::NoError;
 using TestSupport::Holder;
 using TestSupport::LogCapture;
 using TestSupport::ScratchFolder;
@@ -19,183 +16,122 @@ namespace {
 
 using Texts = std::vector<std::string>;
 
-std::wstring Literal(const std::string& path) {
-    return LR"(\\?\)" + ScratchFolder::FromUtf8(path).wstring();
+void MakeFileAt(const Platform::SystemPath& path) {
+    Platform::File file;
+    EXPECT_EQ(file.Open(path, Platform::FileWrite | Platform::FileCreateNew), NoError);
 }
 
-bool MakeFileNamed(const std::wstring& path) {
-    HANDLE file = CreateFileW(path.c_str(), GENERIC_WRITE, 0, nullptr, CREATE_NEW, 0, nullptr);
-    return file != INVALID_HANDLE_VALUE && CloseHandle(file);
-}
-
-TEST(RemoveFolder, RemovesReadOnlyFilesAndFoldersBelow) {
+TEST(RemoveFolder, TakesEverythingBelowAndNothingBeside) {
     const ScratchFolder scratch;
-    for (const char* name :
-         {"s/header.json", "s/a.txt", "s/logs/deep/b.txt", "s\\J\xC3\xB6rg\\\xE5\xA4\xAA.dmp"}) {
-        ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(scratch.MakeFile(name, "x")).Succeeded());
-    }
-    SetFileAttributesW(Literal(scratch.MakeFolder("s\\logs")).c_str(), FILE_ATTRIBUTE_READONLY);
-    scratch.MakeFile("beside.txt", "x");
-    const LogCapture log;
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "OK");
-    EXPECT_FALSE(scratch.Exists("s"));
-    EXPECT_TRUE(scratch.Exists("beside.txt"));
-    EXPECT_TRUE(log.Entries().empty());
-}
-
-TEST(RemoveFolder, TakesPathsAsTheyAreWritten) {
-    const ScratchFolder scratch;
-    for (const std::string written : {"s", "s\\", "s/", "t\\..\\s", "t/..\\.//s\\"}) {
-        scratch.MakeFile("s\\file", "");
-        scratch.MakeFolder("t");
+    for (const std::string written : {"s", "s\\", "t/..\\.//s/"}) {
+        for (const char* name : {"s/header.json", "s/logs/deep/b.txt", "s\\J\xC3\xB6rg\\\xE5\xA4\xAA.dmp"}) {
+            ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(scratch.MakeFile(name, "x")));
+        }
+        ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(scratch.MakeFolder("s\\logs")));
+        scratch.MakeFile("s2/beside.txt", "x");
+        const LogCapture log;
         EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.Path() + written).Text(), "OK") << written;
         EXPECT_FALSE(scratch.Exists("s")) << written;
-        EXPECT_TRUE(scratch.Exists("t")) << written;
+        EXPECT_TRUE(scratch.Exists("s2/beside.txt")) << written;
+        EXPECT_TRUE(log.Entries().empty());
     }
 }
 
-// What Windows would rather read as something else, and what has no composed or no UTF-8 form at all.
-TEST(RemoveFolder, RemovesNamesThatOtherCallsMisread) {
+// Names that Windows would rather read as something else, many files, and folders below the depth of a stack.
+TEST(RemoveFolder, NeitherNamesNorDepthNorNumberMatter) {
     const ScratchFolder scratch;
-    const std::wstring folder = Literal(scratch.MakeFolder("s")) + L"\\";
+    Platform::SystemPath folder(scratch.MakeFolder("s"));
     for (const wchar_t* name : {L"ends in a dot.", L"ends in a blank ", L"nul", L"Jo\x0308rg"}) {
-        ASSERT_TRUE(MakeFileNamed(folder + name));
-        ASSERT_TRUE(CreateDirectoryW((folder + L"in " + name).c_str(), nullptr));
+        MakeFileAt(folder.Below(name));
+        ASSERT_EQ(CreateOneFolder(folder.Below(std::wstring(L"in ") + name)), NoError);
     }
-    if (!MakeFileNamed(folder + L"lone \xD800 surrogate")) {
-        std::cout << "This file system keeps lone surrogates out of names: not tested.\n";
+    for (int i = 0; i < 500; ++i) {
+        MakeFileAt(folder.Below(L"frame" + std::to_wstring(i)));
     }
+    while (folder.Text().size() < 3000) {
+        folder = folder.Below(std::wstring(20, L'd'));
+        ASSERT_EQ(CreateOneFolder(folder), NoError);
+    }
+    MakeFileAt(folder.Below(L"bottom"));
     EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "OK");
     EXPECT_FALSE(scratch.Exists("s"));
 }
 
-TEST(RemoveFolder, ManyFilesAndDeepFolders) {
-    const ScratchFolder scratch;
-    std::wstring folder = Literal(scratch.MakeFolder("s"));
-    for (int i = 0; i < 2000; ++i) {
-        ASSERT_TRUE(MakeFileNamed(folder + L"\\frame" + std::to_wstring(i)));
-    }
-    while (folder.size() < 3000) {
-        folder += L"\\" + std::wstring(20, L'd');
-        ASSERT_TRUE(CreateDirectoryW(folder.c_str(), nullptr));
-    }
-    ASSERT_TRUE(MakeFileNamed(folder + L"\\bottom"));
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "OK");
-    EXPECT_FALSE(scratch.Exists("s"));
-}
-
-// A deletion that ends at a file somebody holds open must not leave what looks like a complete submission.
-TEST(RemoveFolder, ReadOnlyFilesGoFirst) {
+// A deletion that ends at a file that somebody holds must not leave what looks like a complete submission.
+TEST(RemoveFolder, CutShortItLeavesNothingComplete) {
     const ScratchFolder scratch;
     const std::string held = scratch.MakeFile("s\\a-first-by-name.txt", "x");
-    const std::string sentinel = scratch.MakeFile("s\\header.json", "{}");
-    ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(sentinel).Succeeded());
+    const std::string heldReadOnly = scratch.MakeFile("s\\b.txt", "x");
+    for (const std::string& path : {heldReadOnly, scratch.MakeFile("s\\header.json", "{}")}) {
+        ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(path));
+    }
+    const LogCapture log;
     {
-        const Holder holder(held);
-        const LogCapture log;
+        const Holder first(held);
+        const Holder second(heldReadOnly);
         EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete file");
-        EXPECT_FALSE(scratch.Exists("s\\header.json"));
-        EXPECT_EQ(log.Errors(),
-                  Texts{" Failed to delete file \"" + held + "\" with access denied after several retries"});
+        PlatformHelpers::FileStatus status; // all were made writable before the first was to be deleted
+        ASSERT_TRUE(PlatformHelpers::QueryFileStatus(scratch.PathOf("s\\header.json"), status));
+        EXPECT_FALSE(status.isReadOnly);
     }
-    EXPECT_TRUE(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Succeeded());
-}
-
-// Held read-only files still end up writable, all of them, before the first one is deleted.
-TEST(RemoveFolder, EveryFileIsWritableBeforeTheFirstGoes) {
-    const ScratchFolder scratch;
-    const std::string held = scratch.MakeFile("s\\a.txt", "x");
-    const std::string sentinel = scratch.MakeFile("s\\header.json", "{}");
-    for (const std::string& path : {held, sentinel}) {
-        ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(path).Succeeded());
+    EXPECT_EQ(log.Errors(), Texts{" Failed to delete file \"" + heldReadOnly +
+                                  "\" with access denied after several retries"});
+    ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(scratch.PathOf("s\\header.json")));
+    {
+        const Holder first(held);
+        EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete file");
+        EXPECT_FALSE(scratch.Exists("s\\header.json")); // the read-only one was deleted first
     }
-    const Holder first(held);
-    const Holder second(sentinel);
-    const LogCapture log;
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete file");
-    PlatformHelpers::FileStatus status;
-    ASSERT_TRUE(PlatformHelpers::QueryFileStatus(sentinel, status).Succeeded());
-    EXPECT_FALSE(status.isReadOnly);
-}
-
-TEST(RemoveFolder, HeldFolderFailsWithItsText) {
-    const ScratchFolder scratch;
     const std::string inner = scratch.MakeFolder("s\\inner");
+    std::vector<uint32_t> pauses;
     const Holder holder(inner);
+    const auto pause = [&](uint32_t milliseconds) { pauses.push_back(milliseconds); };
+    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s"), pause).Text(), "Failed to delete folder");
+    EXPECT_EQ(pauses, (std::vector<uint32_t>{2, 4, 8, 16, 32, 64, 128, 256, 512}));
+    EXPECT_EQ(log.Errors().back(),
+              " Failed to delete folder \"" + inner + "\\\" with access denied after several retries");
+}
+
+TEST(RemoveFolder, FailuresHaveTheirTexts) {
+    const ScratchFolder scratch;
     const LogCapture log;
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("s")).Text(), "Failed to delete folder");
-    EXPECT_EQ(log.Errors(),
-              Texts{" Failed to delete folder \"" + inner + "\\\" with access denied after several retries"});
-}
-
-TEST(RemoveFolder, MissingAndImpossiblePathsFail) {
-    const ScratchFolder scratch;
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("none")).Text(), "Failed to enumerate files");
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.MakeFile("file", "")).Text(),
-                 "Failed to enumerate files");
-    EXPECT_TRUE(scratch.Exists("file"));
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder("\xFF").Text(),
-                 "Removing folder failed! Failed to convert folder path from multi-byte to wide string!");
     const AssertCapture asserts;
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder("").Text(),
-                 "Unexpected empty string passed to PlatformHelpers::EnsureTrailingFolderSeparator");
-}
-
-// Wine makes no symbolic links from inside; there, links made from outside show that their targets stay.
-bool MakeLink(const std::string& link, const std::string& target, DWORD flags) {
-    constexpr DWORD AllowForEverybody = 2; // where the developer mode is on
-    return CreateSymbolicLinkW(Literal(link).c_str(), ScratchFolder::FromUtf8(target).c_str(),
-                               flags | AllowForEverybody) &&
-           GetFileAttributesW(Literal(link).c_str()) != INVALID_FILE_ATTRIBUTES;
-}
-
-TEST(RemoveFolder, LinksGoAloneAndTheirTargetsStay) {
-    const ScratchFolder scratch;
-    const std::string target = scratch.MakeFolder("target");
-    const std::string file = scratch.MakeFile("target\\keep.txt", "x");
-    const std::string folder = scratch.MakeFolder("s");
-    if (!MakeLink(folder + "\\to-folder", target, SYMBOLIC_LINK_FLAG_DIRECTORY) ||
-        !MakeLink(folder + "\\to-file", file, 0) ||
-        !MakeLink(scratch.PathOf("top"), target, SYMBOLIC_LINK_FLAG_DIRECTORY)) {
-        GTEST_SKIP() << "this system makes no symbolic links: error " << GetLastError();
-    }
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(folder).Text(), "OK");
-    EXPECT_STREQ(PlatformHelpers::RemoveFolder(scratch.PathOf("top")).Text(), "OK");
-    EXPECT_FALSE(scratch.Exists("s"));
-    EXPECT_FALSE(scratch.Exists("top"));
-    EXPECT_EQ(scratch.ReadFile("target\\keep.txt"), "x");
-}
-
-TEST(LinkEntry, PlaceholdersOfCloudDrivesAreNone) {
     const struct {
-        uint32_t attributes;
-        uint32_t tag;
-        bool isLink;
+        std::string path;
+        const char* text;
     } rows[] = {
-        {0x10, 0, false},           {0x410, 0xA0000003, true}, // junction
-        {0x420, 0xA000000C, true},                             // symbolic link
-        {0x410, 0x9000001A, false},                            // kept by a cloud drive
-        {0x410, 0, true},                                      // a layer that knows no tags
+        {scratch.PathOf("none"), "Failed to enumerate files"},
+        {scratch.MakeFile("file", ""), "Failed to enumerate files"},
+        {"\xFF", "Removing folder failed! Failed to convert folder path from multi-byte to wide string!"},
+        {"", "Unexpected empty string passed to PlatformHelpers::EnsureTrailingFolderSeparator"},
+        {"C:\\", "Failed to delete folder"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(PlatformHelpers::IsLinkEntry(row.attributes, row.tag), row.isLink)
-            << row.attributes << row.tag;
+        EXPECT_STREQ(PlatformHelpers::RemoveFolder(row.path).Text(), row.text) << row.path;
     }
+    EXPECT_TRUE(scratch.Exists("file"));
 }
 
-TEST(LiteralPath, KeepsNamesAndResolvesTheRest) {
-    const wchar_t* const rows[][2] = {
-        {L"C:\\dumps\\", L"\\\\?\\C:\\dumps"},
-        {L"C:/dumps/a.\\", L"\\\\?\\C:\\dumps\\a."},
-        {L"C:\\dumps\\.\\b\\..\\c\\", L"\\\\?\\C:\\dumps\\c"},
-        {L"\\\\server\\share\\dumps\\", L"\\\\?\\UNC\\server\\share\\dumps"},
-        {L"\\\\?\\C:\\dumps\\", L"\\\\?\\C:\\dumps"},
-    };
-    for (const auto& row : rows) {
-        EXPECT_EQ(PlatformHelpers::ToLiteralPath(row[0]), row[1]);
+// Wine follows links that the host made whatever we ask: there the deletion fails, rather than to delete the
+// target.
+TEST(RemoveFolder, WhatALinkLeadsToStays) {
+    const ScratchFolder scratch;
+    scratch.MakeFile("target\\keep.txt", "x");
+    scratch.MakeFolder("empty");
+    for (const bool isFolder : {true, false}) {
+        const std::string folder = scratch.MakeFolder(isFolder ? "s" : "t");
+        const TestSupport::Link link(folder + "\\link", isFolder ? "../empty" : "../target/keep.txt",
+                                     isFolder);
+        const TestSupport::Link top(scratch.PathOf("top"), "empty", true);
+        ASSERT_TRUE(link && top);
+        const LogCapture log;
+        const ResultCode inside = PlatformHelpers::RemoveFolder(folder);
+        const ResultCode itself = PlatformHelpers::RemoveFolder(scratch.PathOf("top"));
+        EXPECT_EQ(inside.Succeeded(), !scratch.Exists(isFolder ? "s" : "t"));
+        EXPECT_EQ(log.Errors().size(), (inside ? 0u : 1u) + (itself ? 0u : 1u));
+        EXPECT_EQ(scratch.ReadFile("target\\keep.txt"), "x");
+        EXPECT_TRUE(scratch.Exists("empty"));
     }
-    EXPECT_TRUE(PlatformHelpers::IsDrive(PlatformHelpers::ToLiteralPath(L"C:\\")));
-    EXPECT_FALSE(PlatformHelpers::IsDrive(PlatformHelpers::ToLiteralPath(L"C:\\dumps")));
 }
 
 } // namespace

@@ -7,7 +7,7 @@
 #include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Processes/Core/src/QuotaDecision.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 
 // Keeps the dumps folder and the packaged folder each under its quota. A pass measures an area, removes dump
 // folders that did not become a submission in their grace time, and then the oldest folders beyond the quota.

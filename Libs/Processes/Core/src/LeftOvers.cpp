@@ -4,7 +4,7 @@
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/FolderScan.h"
 #include "Libs/Processes/Core/src/PackageWriter.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 
 namespace LeftOvers {
 

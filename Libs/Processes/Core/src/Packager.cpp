@@ -12,7 +12,7 @@
 #include "Libs/Processes/Core/src/SubmissionFolder.h"
 #include "Libs/Processes/Core/src/SubmissionPackager.h"
 #include "Libs/Shared/src/JsonConfig.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 Reflection_DefinePolymorphicType(Packager);

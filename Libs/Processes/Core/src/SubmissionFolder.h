@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "Libs/Processes/Core/src/BugHeader.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // The failures that lie in the submission itself: it fails in the same way every time. Every other failure of

@@ -1,4 +1,4 @@
-#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 
 #include <algorithm>
 #include <cstdlib>

@@ -2,7 +2,6 @@
 
 #include <cstdint>
 #include <functional>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -144,79 +143,16 @@ void ReportOpening(SystemError error);
 // Any number of threads may write to one file at a time.
 [[nodiscard]] bool WriteFileAt(NativeHandle file, uint64_t offset, const void* data, uint32_t length);
 
-// The same for all paths of one existing file or folder, through links, and for no other.
-struct FileIdentity {
-    uint64_t volume = 0;
-    uint64_t index = 0;
-    auto operator<=>(const FileIdentity&) const = default;
-};
-[[nodiscard]] SystemError QueryIdentity(const SystemPath& path, FileIdentity& identity) noexcept;
+// What the C runtime's errno would be.
+int ErrnoOf(SystemError error);
 
-// A junction or a symbolic link itself, whatever it leads to.
-bool IsLink(const SystemPath& path) noexcept;
+// Windows only. The version resource of a program: its size in bytes, 0 for none, and its bytes.
+uint32_t VersionResourceSize(const SystemPath& path);
+[[nodiscard]] bool ReadVersionResource(const SystemPath& path, std::span<uint8_t> block);
 
-// An open folder, and the files in it that really are in it: what counts is the opened file, not its name.
-// One thread. While it is open, others may rename or delete the folder, but on older systems it stays until
-// this is gone.
-class Folder {
-public:
-    // NotInside for a link.
-    [[nodiscard]] SystemError Open(SystemPath path) noexcept;
-
-    // Opens a file for reading by its path relative to the folder, with either separator. NotInside, and the
-    // file is closed again, if a link is on the way or what was opened is no plain file. The name must be
-    // checked already: no
-    // "..", no stream, no device. With Patience::WhileHeld it waits for a file that others hold open.
-    [[nodiscard]] SystemError OpenFile(std::string_view name, Patience patience, File& file) const noexcept;
-
-    static constexpr SystemError NotInside = 0x20000004;
-
-private:
-    SystemPath m_path;
-    KernelHandle m_handle;
-};
-
-// One pass over the entries of a folder without "." and "..". One thread.
-//
-//   FolderListing listing(path);
-//   while (listing.Next()) { ... listing.Name() ... listing.Info() ... }
-//   if (listing.Error() != NoError) { ... }
-class FolderListing {
-public:
-    explicit FolderListing(const SystemPath& folder) noexcept;
-    ~FolderListing();
-    FolderListing(const FolderListing&) = delete; // it owns the search
-    FolderListing& operator=(const FolderListing&) = delete;
-
-    // The name and the info of an entry are good until the next call. False at the end, and after an error.
-    [[nodiscard]] bool Next() noexcept;
-    const SystemText& Name() const { return m_name; }
-    const FileInfo& Info() const { return m_info; }
-
-    SystemError Error() const { return m_error; }
-
-private:
-    struct Search;
-    std::unique_ptr<Search> m_search;
-    SystemText m_name;
-    FileInfo m_info;
-    SystemError m_error = NoError;
-};
-
-// Spares the listing of a folder in which nothing happens. Windows only. One thread.
-class FolderChanges {
-public:
-    // Whether anything in the folder or below it came, went, was written or got other attributes since the
-    // last call. True if the system can't tell, and at least every 16th time: some network drives report
-    // nothing, and a program may put another folder in its place. The folder must be the same in each call.
-    bool Any(const std::string& folder) noexcept;
-
-private:
-    static constexpr int MostQuietCalls = 15;
-
-    ChangeHandle m_notification;
-    int m_quietCalls = 0; // in a row
-};
+// Windows only. The user's Documents, created if missing; the system's answer is an HRESULT. Throws
+// std::bad_alloc.
+uint32_t FindDocumentsFolder(SystemText& folder);
 
 // Now, as a file time. The precise one: the other moves in steps of up to 16 ms and can be behind the
 // creation of a folder.
