@@ -6,6 +6,7 @@ import pytest
 from agent import GAME
 from package_reader import read_package
 from store.client import SECRET_KEY
+from submissions import write_small
 from wine import Program, wait_until, windows_path
 
 ATTACHMENT_SIZE = 100_000
@@ -112,3 +113,16 @@ def test_limits_blacklist_and_source_come_from_the_configuration(site, store, bu
     banner = (b"\n\n<<<<<<<<<<  truncated file size from 100000 to 60000 during bug submission >>>>>>>>>>\n\n")
     assert package.entry("attachment1.txt").original == content[:30_000] + banner + content[70_000:]
     assert " Dropped black listed attachment attachment2.txt" in agent.text
+
+
+@pytest.mark.parametrize("work", ["PackagedDumps", "PACKAGEDDUMPS\\"])
+def test_equal_folders_keep_the_files_beside_the_package(site, work):
+    application = windows_path(site.folder / "app") + "\\"
+    site.configuration["Packager"] |= {"PackagedFolder": application + "PackagedDumps", "PackageWorkFolder": application + work}
+    del site.configuration["Application"]["Processes"]["UploaderS3"]
+    write_small(site.dumps, "one")
+    with site.start() as agent:
+        assert agent.wait() == 0
+    assert sorted(path.name for path in (site.packaged / "one").iterdir()) == [
+        "game.log.gz", "header.json", "note.txt.gz", "submission.pkg"]
+    assert site.left_on_disk() == [site.packaged / "one"]

@@ -3,40 +3,37 @@
 #include <algorithm>
 #include <string>
 
-namespace {
+#include "Libs/Tarnel/String/src/String_Ascii.h"
 
-char ToUpper(char character) {
-    return character >= 'a' && character <= 'z' ? static_cast<char>(character - 'a' + 'A') : character;
-}
+namespace {
 
 bool IsForbidden(char character) {
     return static_cast<unsigned char>(character) < 0x20 ||
            std::string_view("<>:\"|?*").find(character) != std::string_view::npos;
 }
 
-// The digits 1 to 9, and the superscripts that Windows takes for 1 to 3.
+// 1 to 9, and the superscript digits, which Windows reads as 1 to 3.
 bool IsDeviceNumber(std::string_view text) {
     return (text.size() == 1 && text[0] >= '1' && text[0] <= '9') || text == "\xC2\xB9" ||
            text == "\xC2\xB2" || text == "\xC2\xB3";
 }
 
-// A device keeps its meaning with any extension and with blanks before it.
+// A device name stays one with any extension, and with blanks before that.
 bool IsDevice(std::string_view part) {
-    std::string stem(part.substr(0, part.find('.')));
+    std::string stem = String::LowerAscii(part.substr(0, part.find('.')));
     stem.erase(stem.find_last_not_of(' ') + 1);
-    std::transform(stem.begin(), stem.end(), stem.begin(), ToUpper);
-    for (const std::string_view device : {"CON", "PRN", "AUX", "NUL", "CONIN$", "CONOUT$"}) {
+    for (const std::string_view device : {"con", "prn", "aux", "nul", "conin$", "conout$"}) {
         if (stem == device) {
             return true;
         }
     }
-    const bool isPort = stem.starts_with("COM") || stem.starts_with("LPT");
+    const bool isPort = stem.starts_with("com") || stem.starts_with("lpt");
     return isPort && IsDeviceNumber(std::string_view(stem).substr(3));
 }
 
 bool IsPlainName(std::string_view part) {
     return !part.empty() && part.back() != '.' && part.back() != ' ' &&
-           std::none_of(part.begin(), part.end(), IsForbidden) && !IsDevice(part);
+           std::ranges::none_of(part, IsForbidden) && !IsDevice(part);
 }
 
 } // namespace
@@ -58,7 +55,5 @@ bool IsSafeAttachmentName(std::string_view name) {
 }
 
 bool LooksCompressed(std::string_view name) {
-    const std::size_t length = name.size();
-    return length >= 3 && ToUpper(name[length - 1]) == 'Z' && ToUpper(name[length - 2]) == 'G' &&
-           name[length - 3] != '.';
+    return name.size() >= 3 && String::LowerAscii(name).ends_with("gz") && name[name.size() - 3] != '.';
 }

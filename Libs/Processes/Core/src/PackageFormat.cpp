@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <exception>
 #include <iterator>
 #include <string>
 #include <utility>
@@ -13,8 +12,6 @@ namespace PackageFormat {
 
 namespace {
 
-constexpr char OutOfMemory[] = "Failed to allocate memory for package";
-
 void WriteLength(uint8_t* target, std::size_t length) {
     static constexpr char Digits[] = "0123456789ABCDEF";
     auto rest = static_cast<uint32_t>(length);
@@ -23,48 +20,32 @@ void WriteLength(uint8_t* target, std::size_t length) {
     }
 }
 
-void WriteBodyDigest(uint8_t* target, std::span<const uint8_t> body) {
-    char text[Crypto::MD5TextSize];
-    Crypto::MD5OfBuffer(body.data(), static_cast<uint32_t>(body.size()), text, sizeof(text));
-    std::memcpy(target, text, DigestSize);
+void WriteDigest(uint8_t* target, std::span<const uint8_t> bytes) {
+    std::memcpy(target, Crypto::MD5OfBytes(bytes).data(), DigestSize);
 }
 
 } // namespace
 
-ResultCode Composer::Start(std::span<const uint8_t> header, std::size_t expectedBodySize) {
-    try {
-        m_package.clear();
-        m_package.reserve(PrefixSize + std::max(expectedBodySize, header.size()));
-        m_package.resize(PrefixSize);
-        m_package.insert(m_package.end(), header.begin(), header.end());
-        m_headerSize = header.size();
-        return Platform::Success;
-    } catch (const std::exception&) { // no memory, or more than a vector can hold
-        return OutOfMemory;
-    }
+Composer::Composer(std::span<const uint8_t> header, std::size_t expectedBodySize)
+    : m_headerSize(header.size()) {
+    m_package.reserve(PrefixSize + std::max(expectedBodySize, header.size()));
+    m_package.resize(PrefixSize);
+    m_package.insert(m_package.end(), header.begin(), header.end());
 }
 
-ResultCode Composer::AppendEntry(std::span<const uint8_t> data) {
-    try {
-        uint8_t prefix[EntryPrefixSize];
-        WriteLength(prefix, data.size());
-        const std::string digest = Crypto::MD5OfBytes(data);
-        std::memcpy(prefix + LengthSize, digest.data(), DigestSize);
-        m_package.insert(m_package.end(), std::begin(prefix), std::end(prefix));
-        m_package.insert(m_package.end(), data.begin(), data.end());
-        return Platform::Success;
-    } catch (const std::exception&) { // no memory, or more than a vector can hold
-        return OutOfMemory;
-    }
+void Composer::AppendEntry(std::span<const uint8_t> data) {
+    uint8_t prefix[EntryPrefixSize];
+    WriteLength(prefix, data.size());
+    WriteDigest(prefix + LengthSize, data);
+    m_package.insert(m_package.end(), std::begin(prefix), std::end(prefix));
+    m_package.insert(m_package.end(), data.begin(), data.end());
 }
 
 std::vector<uint8_t> Composer::Take() {
-    if (m_package.size() < PrefixSize) {
-        return {};
-    }
     const std::span<const uint8_t> body = std::span(m_package).subspan(PrefixSize);
     WriteLength(m_package.data(), body.size());
-    WriteBodyDigest(m_package.data() + LengthSize, body);
+    // Like the length, of the low 32 bits.
+    WriteDigest(m_package.data() + LengthSize, body.first(static_cast<uint32_t>(body.size())));
     WriteLength(m_package.data() + LengthSize + DigestSize, m_headerSize);
     return std::exchange(m_package, {});
 }

@@ -25,14 +25,12 @@ std::string DigestOf(std::span<const uint8_t> bytes, const PackageReader::Progre
     Crypto::MD5 md5;
     while (!bytes.empty()) {
         const auto piece = bytes.first(std::min(bytes.size(), Piece));
-        md5.Update(piece.data(), static_cast<uint32_t>(piece.size()));
+        md5.Update(piece);
         progress(piece.size());
         bytes = bytes.subspan(piece.size());
     }
     md5.Finish();
-    char text[Crypto::MD5TextSize];
-    Crypto::MD5ToText(md5.Digest(), text, sizeof(text));
-    return {text, DigestSize};
+    return Crypto::ToHex(md5.Digest());
 }
 
 std::string Count(std::size_t count, const char* what) {
@@ -59,7 +57,7 @@ bool PackageReader::ReadPrefix() {
     }
     const std::size_t present = m_package.size() - PrefixSize;
     std::size_t bodySize = present;
-    static_cast<void>(ReadLength(0, "body", bodySize)); // without it the body is taken to be all there is
+    static_cast<void>(ReadLength(0, "body", bodySize)); // if it can't be read, the body is all there is
     m_bodyDigest = ReadDigest(LengthSize, "body");
     if (bodySize != present) {
         Report(0, "The body is recorded as " + Count(bodySize, "bytes") + ", but " +
@@ -94,7 +92,7 @@ void PackageReader::ReadEntries() {
     }
 }
 
-// False when nothing more can be found behind it.
+// False if nothing after it can be read.
 bool PackageReader::ReadEntry(std::size_t offset) {
     const std::size_t left = m_end - offset;
     if (left < EntryPrefixSize) {

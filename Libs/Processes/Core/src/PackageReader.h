@@ -9,7 +9,7 @@
 
 #include "Libs/Processes/Core/src/BugHeader.h"
 
-// One thing that is wrong with a package, and its place: the offset in bytes from the package's start.
+// One fault of a package and where it is, in bytes from the package's start.
 struct PackageProblem {
     uint64_t offset = 0;
     std::string text;
@@ -17,34 +17,34 @@ struct PackageProblem {
 
 // One file as a package stores it.
 struct PackageEntry {
-    std::string name;    // from the header's catalog; empty when that names no such entry
-    uint64_t offset = 0; // of the entry's first byte, its length
-    std::string digest;  // as the entry records it
+    std::string name;    // from the header's catalog; empty if that has no such entry
+    uint64_t offset = 0; // of the entry, which begins with its length
+    std::string digest;  // as recorded in the entry
     std::span<const uint8_t> data;
 };
 
-// Takes a package apart and believes nothing in it (layout in docs/formats.md). Any bytes are safe to read;
-// what can be understood of a damaged package is there beside its problems. Points into the bytes, which must
+// Takes a package apart and trusts nothing in it (layout in docs/formats.md). Any bytes are safe to read; of
+// a damaged package it gives what it could understand, and the problems. Points into the bytes, which must
 // outlive it. One thread. May throw std::bad_alloc.
 class PackageReader {
 public:
     explicit PackageReader(std::span<const uint8_t> package);
 
-    // Called with the number of bytes done since the last call.
+    // Called with the number of bytes read since the last call.
     using Progress = std::function<void(uint64_t bytes)>;
 
-    // Computes the digests of body and entries and adds a problem for each that differs from the one
-    // recorded, also in the header's catalog. Reads the package twice.
+    // Computes the digests of the body and of the entries, and adds a problem for each that differs from the
+    // recorded one. Reads the package twice.
     void CheckDigests(const Progress& progress);
 
-    // Filled as far as the header could be read.
+    // Partly filled if the header could not be read whole.
     const BugHeader& GetHeader() const { return m_header; }
     std::span<const uint8_t> GetHeaderBytes() const { return m_headerBytes; }
 
     // In the order of the package.
     const std::vector<PackageEntry>& GetEntries() const { return m_entries; }
 
-    // In the order in which they were found; empty for a package that holds so far.
+    // In the order in which they were found; empty if none was found so far.
     const std::vector<PackageProblem>& GetProblems() const { return m_problems; }
 
 private:

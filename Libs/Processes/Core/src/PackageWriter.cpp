@@ -107,12 +107,11 @@ ResultCode PackageWriter::Compose(const std::string& workFolder, std::vector<uin
     RETURN_IF_FAILED(
         HeaderFile::Parse({reinterpret_cast<const char*>(headerBytes.data()), headerBytes.size()}, header));
     const std::vector<const Attachment*> files = header.catalog.FilesInPackageOrder();
-    PackageFormat::Composer composer;
-    RETURN_IF_FAILED(composer.Start(headerBytes, BodySize(headerBytes.size(), files, workFolder)));
+    PackageFormat::Composer composer(headerBytes, BodySize(headerBytes.size(), files, workFolder));
     for (const Attachment* file : files) {
         std::vector<uint8_t> data;
         RETURN_IF_FAILED(ReadPrepared(work, file->file, ".gz", data));
-        RETURN_IF_FAILED(composer.AppendEntry(data));
+        composer.AppendEntry(data);
     }
     package = composer.Take();
     return Platform::Success;

@@ -29,16 +29,6 @@ TEST(BugHeader, WhatIsReadIsWrittenAgainToTheByte) {
     EXPECT_EQ(folder.ReadFile("header.json"), FullHeader);
 }
 
-TEST(BugHeader, AFailedWriteHasItsText) {
-    const TestSupport::ScratchFolder folder{"ヘッダー"};
-    BugHeader header;
-    EXPECT_STREQ(HeaderFile::Write(folder.PathOf("missing"), header).Text(),
-                 "Failed to open json header for writing");
-    header.source = static_cast<BugSource>(77);
-    EXPECT_STREQ(HeaderFile::Write(folder.Path(), header).Text(), "Failed to write json header to buffer");
-    EXPECT_FALSE(folder.Exists("header.json"));
-}
-
 TEST(BugHeader, TheKeyIsTheTextBeforeTheLastEnding) {
     const struct {
         const char* dump;

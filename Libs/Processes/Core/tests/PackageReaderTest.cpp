@@ -26,10 +26,9 @@ std::string Header(const std::string& log, const std::string& attachments) {
 }
 
 std::string Package(const std::string& header, const std::vector<std::string>& entries) {
-    PackageFormat::Composer composer;
-    EXPECT_TRUE(composer.Start(Bytes(header), 0));
+    PackageFormat::Composer composer(Bytes(header), 0);
     for (const std::string& entry : entries) {
-        EXPECT_TRUE(composer.AppendEntry(Bytes(entry)));
+        composer.AppendEntry(Bytes(entry));
     }
     const std::vector<uint8_t> package = composer.Take();
     return {package.begin(), package.end()};
@@ -57,42 +56,13 @@ std::string Replaced(std::string text, std::size_t at, std::string_view part) {
 
 } // namespace
 
-TEST(PackageReader, NamesTheEntriesInPackageOrder) {
-    const std::string package = UsualPackage();
-    const PackageReader reader(Bytes(package));
-    ASSERT_EQ(reader.GetEntries().size(), 2U);
-    const PackageEntry& log = reader.GetEntries()[0];
-    EXPECT_EQ(log.name, "game.log");
-    EXPECT_EQ(log.offset, 48 + reader.GetHeaderBytes().size());
-    EXPECT_EQ(std::string(log.data.begin(), log.data.end()), "LOG");
-    EXPECT_EQ(reader.GetEntries()[1].name, "sub/note.txt");
-    EXPECT_EQ(reader.GetHeader().changelist, 1U);
-    EXPECT_EQ(Problems(package), "");
-}
-
-TEST(PackageReader, ReportsEveryShorterPackage) {
-    const std::string package = UsualPackage();
-    for (std::size_t size = 0; size < package.size(); ++size) {
-        SCOPED_TRACE(size);
-        const std::string part = package.substr(0, size);
-        EXPECT_NE(Problems(part), "");
-        const PackageReader reader(Bytes(part));
-        for (const PackageProblem& problem : reader.GetProblems()) {
-            EXPECT_LE(problem.offset, size);
-        }
-        for (const PackageEntry& entry : reader.GetEntries()) {
-            EXPECT_LE(entry.offset + 40 + entry.data.size(), size);
-        }
-    }
-}
-
-TEST(PackageReader, ReportsEveryChangedByte) {
+TEST(PackageReader, ReportsEveryShorterAndEveryChangedPackage) {
     const std::string package = UsualPackage();
     for (std::size_t at = 0; at < package.size(); ++at) {
-        SCOPED_TRACE(at);
+        EXPECT_NE(Problems(package.substr(0, at)), "") << at;
         std::string changed = package;
         changed[at] = static_cast<char>(changed[at] ^ 0x01);
-        EXPECT_NE(Problems(changed), "");
+        EXPECT_NE(Problems(changed), "") << at;
     }
 }
 
@@ -118,25 +88,12 @@ TEST(PackageReader, SaysWhatIsWrongAndWhere) {
          entryAt + ": The entry is recorded as 6 bytes, but the body ends after 5 bytes"},
         {Package(Header(FileRecord("game.log", "LOG"), ""), {}),
          "48: The header's catalog names 1 files, but the package holds 0 entries"},
+        {Replaced(package, package.size() - 1, "X"), "8: Body: the recorded digest is "},
         {Package(Header(FileRecord("../evil", "LOG"), ""), {"LOG"}),
          "48: The header's catalog has an unsafe file name: \"../evil\""},
     };
     for (const auto& [damaged, problem] : cases) {
         SCOPED_TRACE(problem);
-        const std::string problems = Problems(damaged);
-        EXPECT_EQ(problems.substr(0, problems.find('\n')), problem);
+        EXPECT_TRUE(Problems(damaged).starts_with(problem)) << Problems(damaged);
     }
-}
-
-TEST(PackageReader, TellsWhichDigestIsWrong) {
-    const std::string package = UsualPackage();
-    const std::string changed = Replaced(package, package.size() - 1, "X");
-    const std::string problems = Problems(changed);
-    EXPECT_NE(problems.find("8: Body: the recorded digest is "), std::string::npos);
-    EXPECT_NE(problems.find(std::to_string(package.size() - 37) +
-                            ": \"sub/note.txt\": the recorded digest is " +
-                            Crypto::MD5OfBytes(Bytes("NOTES")) + ", that of its bytes " +
-                            Crypto::MD5OfBytes(Bytes("NOTEX"))),
-              std::string::npos)
-        << problems;
 }

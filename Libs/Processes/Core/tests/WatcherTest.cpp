@@ -22,15 +22,13 @@ public:
     std::atomic<double> m_value = -1;
 };
 
-class FakeAggregator : public ApplicationProcessBase, public IMetricsAggregator {
+class FakeAggregator : public Watcher, public IMetricsAggregator {
 public:
-    using ApplicationProcessBase::ApplicationProcessBase;
+    using Watcher::Watcher;
     void* QueryObj(const Reflection::TypeDescriptor& type) override {
         return &type == &Reflection::TypeOf<IMetricsAggregator>() ? static_cast<IMetricsAggregator*>(this)
                                                                   : nullptr;
     }
-    ResultCode Initialize(const JsonDocument&, int, const char**) override { return Platform::Success; }
-    bool ThreadMain() override { return true; }
     std::shared_ptr<IMetric> MakeMetric(const char* name, const char*) override {
         return m_metrics.emplace_back(std::make_shared<FakeMetric>(name));
     }
@@ -108,42 +106,6 @@ TEST_F(WatcherTest, ALimitSpreadsFoldersOverPasses) {
     EXPECT_EQ(Pass(), Lines{"d"});
 }
 
-TEST_F(WatcherTest, ResolvesAndMakesItsFolder) {
-    const struct {
-        std::string folder, resolved;
-    } rows[] = {{"", m_scratch.PathOf("app\\")},
-                {"dumps\\ダンプ", m_scratch.PathOf("app\\dumps\\ダンプ\\")},
-                {m_scratch.PathOf("abs/deep/"), m_scratch.PathOf("abs\\deep") + "\\"}};
-    for (const auto& row : rows) {
-        m_application = std::make_shared<ApplicationBase>();
-        ConfigureWatcher(R"("Folder":)" + Quoted(row.folder));
-        std::string folder;
-        TheWatcher().GetFolder(folder);
-        EXPECT_EQ(folder, row.resolved);
-        EXPECT_TRUE(PlatformHelpers::PathExists(row.resolved));
-    }
-}
-
-TEST_F(WatcherTest, AnswersForItsViewsAlone) {
-    ConfigureWatcher(R"("Folder":"d","SentinelFile":"s")");
-    const auto process = m_application->GetProcess("Dumps 1");
-    IWatcher& watcher = TheWatcher();
-    EXPECT_EQ(Reflection::Query<IFileStoreWatcher>(*process), &watcher);
-    EXPECT_EQ(Reflection::Query<ITaskSubscriber>(*process), &watcher);
-    EXPECT_EQ(Reflection::Query<Watcher>(*process), nullptr);
-    std::string sentinel;
-    watcher.GetSentinelFileName(sentinel);
-    EXPECT_EQ(sentinel, "s");
-}
-
-TEST_F(WatcherTest, TakingExchangesTheLists) {
-    ConfigureWatcher(R"("Folder":"d")");
-    std::vector<TaskData> tasks = {TaskData("mine")};
-    ASSERT_TRUE(TheWatcher().TakeTasks(tasks));
-    EXPECT_TRUE(tasks.empty());
-    EXPECT_EQ(Take(), Lines{"mine"});
-}
-
 TEST_F(WatcherTest, ShutsDownAfterOneCheckIfAsked) {
     ConfigureWatcher(R"("Folder":"d","ShutdownAfterCheck":true)");
     const std::string a = MakeComplete("app/d/a");
@@ -187,8 +149,9 @@ TEST_F(WatcherTest, WithoutMemoryAFolderIsTakenLaterAndOnce) {
 }
 
 TEST_F(WatcherTest, PublishesItsNumbers) {
-    ConfigureWatcher(R"("Folder":"d","MaxFolderScans":1,"MetricsCollectorName":"Metrics"},"Metrics":{)",
-                     R"(,"FakeAggregator":["Metrics"])");
+    ConfigureWatcher(
+        R"("Folder":"d","MaxFolderScans":1,"MetricsCollectorName":"Metrics"},"Metrics":{"Folder":"m")",
+        R"(,"FakeAggregator":["Metrics"])");
     const auto& metrics =
         std::dynamic_pointer_cast<FakeAggregator>(m_application->GetProcess("Metrics"))->m_metrics;
     ASSERT_EQ(metrics.size(), 3u);
