@@ -135,18 +135,29 @@ def test_unpack_gives_back_the_files(scratch, package, submission):
 
 
 def test_unpack_stays_in_its_folder(scratch):
-    packed = gzip.compress(b"content")
-    names = ["../evil", "/tmp/evil-of-package", "C:\\evil", "NUL", "link/evil", "a.txt", "A.TXT", "header.json",
-             "\x1b[31mred"]
-    out = scratch / "out"
-    (scratch / "outside").mkdir()
+    names = ["../evil", "/tmp/evil-of-package", "C:\\evil", "NUL", "link/evil", "a.txt", "A.TXT", "a.txt", "a.txt/b",
+             "d.e/c", "d.e\\C", "d.e", "linked", "dangling", "header.json", "\x1b[31mred"]
+    out, outside = scratch / "out", scratch / "outside"
+    outside.mkdir()
     out.mkdir()
-    (out / "link").symlink_to(scratch / "outside")
-    hostile = write(scratch / "hostile.pkg", compose([(name, packed) for name in names]))
+    kept = write(outside / "kept", b"mine")
+    for link, target in {"link": outside, "linked": kept, "dangling": outside / "new"}.items():
+        (out / link).symlink_to(target)
+    hostile = write(scratch / "hostile.pkg", compose([(name, gzip.compress(name.encode())) for name in names]))
+    _, error = run("unpack", hostile, "--to", out, expect=REFUSED)
+    assert error.count("There is already a file of that name") == 3  # two links and a folder
+    shutil.rmtree(out / "d.e")
+    for name in ("a.txt", "A~2.TXT", "a~3.txt", "header.json", "header~2.json"):
+        (out / name).unlink()
     _, error = run("unpack", hostile, "--to", out, "--force", expect=REFUSED)
-    assert sorted(path.name for path in out.iterdir()) == ["A~2.TXT", "a.txt", "header.json", "header~2.json", "link"]
-    assert not list((scratch / "outside").iterdir()) and not (scratch / "evil").exists()
-    assert '"link/evil" was not unpacked: A link lies on the way' in error and "\x1b" not in error
+    assert {path.name: path.read_text() for path in out.rglob("*") if path.is_file() and "header" not in path.name} == {
+        "A~2.TXT": "A.TXT", "a.txt": "a.txt", "a~3.txt": "a.txt", "c": "d.e/c", "C~2": "d.e\\C", "linked": "linked",
+        "dangling": "dangling"}
+    assert [path.read_bytes() for path in outside.iterdir()] == [b"mine"] and not (scratch / "evil").exists()
+    for name, reason in {"link/evil": "A link lies on the way", "a.txt/b": "Failed to create the folder",
+                         "d.e": "There is already a folder of that name"}.items():
+        assert f'"{name}" was not unpacked: {reason}' in error
+    assert "\x1b" not in error
 
 
 def test_unpack_stops_a_bomb(scratch):
