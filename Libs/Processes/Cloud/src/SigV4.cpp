@@ -23,16 +23,15 @@ constexpr uintptr_t HmacSha256 = 0xb1;
 
 std::optional<Digest> Hash(uintptr_t algorithm, std::span<const uint8_t> key,
                            std::span<const uint8_t> bytes) {
+    // The system hands its algorithms out as numbers. NOLINTNEXTLINE(performance-no-int-to-ptr)
+    auto* const handle = reinterpret_cast<BCRYPT_ALG_HANDLE>(algorithm);
     // The interface takes inputs as writable and leaves them alone.
     const auto input = [](std::span<const uint8_t> in) { return const_cast<PUCHAR>(in.data()); };
     Digest digest;
-    const bool isHashed =
-        bytes.size() <= MAXDWORD &&
-        BCRYPT_SUCCESS(BCryptHash(reinterpret_cast<BCRYPT_ALG_HANDLE>(
-                                      algorithm), // NOLINT(performance-no-int-to-ptr): the interface
-                                  input(key), static_cast<ULONG>(key.size()), input(bytes),
-                                  static_cast<ULONG>(bytes.size()), digest.data(),
-                                  static_cast<ULONG>(digest.size())));
+    const bool isHashed = bytes.size() <= MAXDWORD &&
+                          BCRYPT_SUCCESS(BCryptHash(handle, input(key), static_cast<ULONG>(key.size()),
+                                                    input(bytes), static_cast<ULONG>(bytes.size()),
+                                                    digest.data(), static_cast<ULONG>(digest.size())));
     return isHashed ? std::optional(digest) : std::nullopt;
 }
 
