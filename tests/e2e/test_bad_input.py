@@ -148,8 +148,6 @@ def test_the_sentinel_alone_decides(site, store, bucket):
     folder = write_folder(site.dumps / "late", {"game.log": b"log"}, header(Catalog=catalog(log="game.log")),
                           complete=False)
     write_small(site.dumps, "complete")
-    site.configuration["DumpWatcher"]["IgnoreReadOnlyFolders"] = True
-    write_small(site.dumps, "ignored").chmod(0o555)
     with site.start_with_game() as beside:
         beside.agent.wait_for('complete" in ')
         assert (folder / "game.log").exists()
