@@ -1,35 +1,8 @@
 #include "Libs/Processes/Cloud/src/S3Upload.h"
 
 #include <algorithm>
-#include <array>
 
 #include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
-
-namespace {
-
-using Digest = std::array<uint8_t, Crypto::MD5::DigestSize>;
-
-Digest DigestOf(std::span<const uint8_t> bytes) {
-    constexpr std::size_t LargestPiece = std::size_t{1} << 30; // an update takes less than 4 GiB
-    Crypto::MD5 md5;
-    while (!bytes.empty()) {
-        const auto piece = bytes.first(std::min(bytes.size(), LargestPiece));
-        md5.Update(piece.data(), static_cast<uint32_t>(piece.size()));
-        bytes = bytes.subspan(piece.size());
-    }
-    md5.Finish();
-    Digest digest;
-    std::copy(md5.Digest().begin(), md5.Digest().end(), digest.begin());
-    return digest;
-}
-
-std::string HexEncode(const Digest& digest) {
-    char text[Crypto::MD5TextSize];
-    Crypto::MD5ToText(digest, text, sizeof(text));
-    return text;
-}
-
-} // namespace
 
 ResultCode PutPackage(IObjectStore& store, std::span<const uint8_t> package) {
     std::string eTag;
@@ -38,16 +11,16 @@ ResultCode PutPackage(IObjectStore& store, std::span<const uint8_t> package) {
     }
     // Hashed again, so that the check covers the bytes as they are after sending. A tag that is unquoted, in
     // upper case or of several parts ("...-2") comes from a store that hashed something else.
-    if (eTag != "\"" + HexEncode(DigestOf(package)) + "\"") {
+    if (eTag != "\"" + Crypto::MD5OfBytes(package) + "\"") {
         return "MD5 of stream received by S3 doesn't match the MD5 we computed locally";
     }
     return Platform::Success;
 }
 
 PutObjectRequest RequestForPackage(std::span<const uint8_t> package) {
-    const Digest digest = DigestOf(package);
+    const Crypto::MD5Digest digest = Crypto::MD5DigestOf(package);
     PutObjectRequest request;
-    request.key = HexEncode(digest);
+    request.key = Crypto::ToHex(digest);
     request.contentMd5 = Base64Encode(digest);
     request.contentType = "application/octet-stream";
     request.contentLength = AnnouncedLength(package.size());

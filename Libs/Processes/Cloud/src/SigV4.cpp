@@ -7,6 +7,7 @@
 // bcrypt.h needs windows.h first
 #include <bcrypt.h>
 
+#include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 
 namespace SigV4 {
@@ -37,15 +38,6 @@ std::optional<Digest> Hash(uintptr_t algorithm, std::span<const uint8_t> key,
 
 std::span<const uint8_t> BytesOf(std::string_view text) {
     return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
-}
-
-std::string ToHex(const Digest& digest) {
-    static constexpr char Digits[] = "0123456789abcdef";
-    std::string text;
-    for (const uint8_t byte : digest) {
-        text += {Digits[byte >> 4], Digits[byte & 15]};
-    }
-    return text;
 }
 
 bool IsUnreserved(char c) {
@@ -137,7 +129,7 @@ std::string EncodePath(std::string_view path) {
 
 std::optional<std::string> HashOf(std::span<const uint8_t> bytes) {
     const std::optional<Digest> digest = Hash(Sha256, {}, bytes);
-    return digest ? std::optional(ToHex(*digest)) : std::nullopt;
+    return digest ? std::optional(Crypto::ToHex(*digest)) : std::nullopt;
 }
 
 std::optional<std::string> Authorization(const Request& request, const Credentials& credentials,
@@ -155,7 +147,7 @@ std::optional<std::string> Authorization(const Request& request, const Credentia
         return std::nullopt;
     }
     return std::string(Algorithm) + " Credential=" + credentials.accessKey + "/" + ScopeText(scope) +
-           ", SignedHeaders=" + SignedNames(headers) + ", Signature=" + ToHex(*signature);
+           ", SignedHeaders=" + SignedNames(headers) + ", Signature=" + Crypto::ToHex(*signature);
 }
 
 } // namespace SigV4
