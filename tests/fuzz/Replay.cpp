@@ -1,43 +1,33 @@
-// Feeds the files of the folders named on the command line to one fuzz target, in the place of the fuzzer.
-#include <algorithm>
-#include <cstddef>
-#include <cstdio>
-#include <exception>
+// The entry of every fuzz target. Without libFuzzer it also has a main that replays the files of a folder.
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <vector>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "tests/fuzz/Fuzz.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size);
 
-namespace {
-
-std::vector<std::filesystem::path> FilesIn(const char* folder) {
-    std::vector<std::filesystem::path> files;
-    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
-        files.push_back(entry.path());
-    }
-    std::sort(files.begin(), files.end());
-    return files;
+int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+    FuzzOne({data, size});
+    const Platform::BugState& state = *EXP_GetBugState();
+    FUZZ_REQUIRE(state.failedCount[0] + state.failedCount[1] == 0);
+    return 0;
 }
 
-} // namespace
-
-int main(int argc, char** argv) try {
+#if !defined(MORVANE_FUZZ)
+int main(int, char** argv) {
     std::size_t count = 0;
-    for (int i = 1; i < argc; ++i) {
-        for (const std::filesystem::path& file : FilesIn(argv[i])) {
-            std::printf("%s\n", file.filename().c_str()); // the last one shown is the one that failed
-            std::fflush(stdout);
-            const std::string content = Fuzz::ReadFile(file);
-            const auto bytes = Fuzz::Bytes(content);
-            const std::vector<uint8_t> exact(bytes.begin(), bytes.end()); // nothing follows its end
-            LLVMFuzzerTestOneInput(exact.data(), exact.size());
-            ++count;
-        }
+    for (const auto& entry : std::filesystem::directory_iterator(argv[1])) {
+        std::printf("%s\n", entry.path().filename().c_str()); // the last one shown is the one that failed
+        std::fflush(stdout);
+        std::ifstream file(entry.path(), std::ios::binary);
+        const std::vector<char> content{std::istreambuf_iterator<char>(file), {}};
+        const std::vector<uint8_t> exact(content.begin(), content.end()); // the sanitizer watches its end
+        LLVMFuzzerTestOneInput(exact.data(), exact.size());
+        ++count;
     }
-    std::printf("%zu inputs\n", count);
     return count == 0 ? 1 : 0;
-} catch (const std::exception& failure) {
-    std::fprintf(stderr, "%s\n", failure.what());
-    return 1;
 }
+#endif

@@ -1,40 +1,24 @@
 // Any text can be offered as an expression, and any name of the longest kind can be searched.
-#include <vector>
-
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
 #include "Libs/Processes/Core/src/AttachmentName.h"
 #include "tests/fuzz/Fuzz.h"
 
-namespace {
-
-// Such as configurations have.
-AttachmentBlacklist Usual() {
-    AttachmentBlacklist list;
-    AttachmentBlacklist::BadPattern bad;
-    FUZZ_REQUIRE(list.Compile({"\\.tmp$", "^logs[\\\\/]private", "(^|[\\\\/])\\.", "[Ss]ave[0-9]{1,3}\\.dat",
-                               "(user|profile).*\\.(json|xml)$"},
-                              bad)
-                     .Succeeded());
-    return list;
-}
-
-} // namespace
-
 void FuzzOne(std::span<const uint8_t> input) {
-    static const AttachmentBlacklist s_usual = Usual();
+    using Verdict = AttachmentBlacklist::Verdict;
     const std::string text(Fuzz::Text(input));
     AttachmentBlacklist list;
+    AttachmentBlacklist usual;
     AttachmentBlacklist::BadPattern bad;
+    FUZZ_REQUIRE(
+        usual.Compile({"\\.tmp$", "(^|[\\\\/])\\.", "(user|profile).*\\.(json|xml)$"}, bad).Succeeded());
     if (!list.Compile({text}, bad)) {
         FUZZ_REQUIRE(bad.pattern == text && !bad.message.empty());
     }
-    // Repeats multiply and back-references search for long: such expressions are the configuration's own
-    // fault.
+    // Repeats multiply and back-references search for long: that is the configuration's own fault.
     if (text.size() <= 64 && text.find_first_of("{\\") == std::string::npos) {
-        FUZZ_REQUIRE(list.Judge(text) != AttachmentBlacklist::Verdict::Unknown);
+        FUZZ_REQUIRE(list.Judge(text) != Verdict::Unknown);
     }
     const std::string name = text.substr(0, MaxAttachmentNameLength);
-    const bool isTemporary = name.ends_with(".tmp");
-    FUZZ_REQUIRE(s_usual.Judge(name) != AttachmentBlacklist::Verdict::Unknown);
-    FUZZ_REQUIRE(!isTemporary || s_usual.Judge(name) == AttachmentBlacklist::Verdict::Listed);
+    FUZZ_REQUIRE(usual.Judge(name) != Verdict::Unknown);
+    FUZZ_REQUIRE(!name.ends_with(".tmp") || usual.Judge(name) == Verdict::Listed);
 }
