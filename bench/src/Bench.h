@@ -1,50 +1,37 @@
 #pragma once
 
-#include <functional>
-#include <string>
+#include <algorithm>
+#include <cstdio>
+#include <cstdlib>
+#include <limits>
 
-// What the measuring programs share: clocks, a fair comparison of a subject with its bound, and the one line
-// in which a row is reported. A program measures one row or a few, prints them and ends with exit code 0,
-// also when a goal is missed; it calls Fail when a row could not be measured. One thread.
+// What the measuring programs share. A program measures a piece of work and its bound, prints the figures of
+// both, and ends with exit code 0; bench/bench.py makes rows of them. One thread.
 namespace Bench {
 
-// --quick: fewer rounds and less data; shows that everything works, and little about speed.
-// --scratch=FOLDER: where files may be made; empty without it.
-struct Options {
-    bool quick = false;
-    std::string scratch;
-};
-Options ReadOptions(int argc, char** argv);
+// Prints why nothing could be measured and ends the program.
+[[noreturn]] inline void Fail(const char* why) {
+    std::fprintf(stderr, "bench: %s\n", why);
+    std::exit(1);
+}
 
-// Seconds since some moment: of the wall, or of this process's processor time in all threads. Under Wine the
-// processor's clock is as coarse as the system's tick (10 ms), so what it measures has to take a second or
-// more.
-using Clock = double (*)();
-double WallSeconds();
-double CpuSeconds();
-
-// The most memory, in bytes, that this process had resident up to now.
-double PeakResidentBytes();
-
-// What the two took at their best; a machine only ever adds to what a piece of work needs.
-struct Best {
-    double subject;
-    double bound;
-};
-
-// Runs the two in turn, rounds times each, so that both meet the same machine.
-Best Interleave(int rounds, Clock clock, const std::function<void()>& subject,
-                const std::function<void()>& bound);
-
-enum class Goal { AtMost, AtLeast };
-
-// Prints the row with the ratio subject / bound. name has no tab; unit stands behind both figures.
-void Report(const std::string& name, const char* unit, double subject, double bound, Goal goal, double limit);
-
-// A line for the reader beside the rows.
-void Note(const std::string& text);
-
-// Prints why nothing could be measured and ends the program with exit code 1.
-[[noreturn]] void Fail(const std::string& why);
+// Runs the two in turn, rounds times each, and prints the best of each in seconds: other programs on the
+// machine only ever add to it. clock gives seconds since any moment.
+template <class Clock, class Subject, class Bound>
+void Compare(int rounds, Clock clock, Subject subject, Bound bound) {
+    const auto measure = [&](auto& work, double& best) {
+        const double start = clock();
+        work();
+        best = std::min(best, clock() - start);
+    };
+    double subjectSeconds = std::numeric_limits<double>::infinity();
+    double boundSeconds = subjectSeconds;
+    for (int round = 0; round < rounds; ++round) {
+        measure(bound, boundSeconds);
+        measure(subject, subjectSeconds);
+    }
+    std::printf("FIGURES %.6f %.6f\n", subjectSeconds, boundSeconds);
+    std::fflush(stdout);
+}
 
 } // namespace Bench

@@ -1,21 +1,68 @@
-// Compressing the files of a submission, against zlib alone.
+// CompressBench ROUNDS FILE...: compressing the files, against zlib alone. Processor time.
+#include <windows.h>
+
+#define ZLIB_CONST
+#include <zlib.h>
+
 #include <string>
+#include <vector>
 
 #include "Libs/Framework/Core/src/PlatformHelpers_Deflate.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "bench/src/Bench.h"
-#include "bench/src/Submission.h"
-#include "bench/src/ZlibAlone.h"
 
 namespace {
 
-std::size_t CompressAll(const std::vector<Bench::SubmissionFile>& files) {
+using Bytes = std::vector<uint8_t>;
+
+double CpuSeconds() {
+    const auto seconds = [](const FILETIME& time) {
+        return (time.dwHighDateTime * 4294967296.0 + time.dwLowDateTime) * 1e-7;
+    };
+    FILETIME created = {};
+    FILETIME ended = {};
+    FILETIME kernel = {};
+    FILETIME user = {};
+    if (!GetProcessTimes(GetCurrentProcess(), &created, &ended, &kernel, &user)) {
+        Bench::Fail("the system gives no processor time");
+    }
+    return seconds(kernel) + seconds(user);
+}
+
+std::size_t Compress(const Bytes& bytes) {
+    Bytes output;
+    if (!PlatformHelpers::Compress(bytes, output)) {
+        Bench::Fail("Compress refused a file");
+    }
+    return output.size();
+}
+
+// The least that zlib can be asked to do with the packager's settings: the file in one piece, and the output
+// thrown away.
+std::size_t DeflateAlone(const Bytes& bytes) {
+    static uint8_t room[std::size_t{1} << 20];
+    z_stream stream = {};
+    if (deflateInit2(&stream, Z_BEST_COMPRESSION, Z_DEFLATED, 31, 9, Z_DEFAULT_STRATEGY) != Z_OK) {
+        Bench::Fail("zlib does not start");
+    }
+    stream.next_in = bytes.data();
+    stream.avail_in = static_cast<uInt>(bytes.size());
     std::size_t packed = 0;
-    for (const Bench::SubmissionFile& file : files) {
-        std::vector<uint8_t> output;
-        if (!PlatformHelpers::Compress(file.bytes, output)) {
-            Bench::Fail("Compress refused " + file.name);
-        }
-        packed += output.size();
+    int result = Z_OK;
+    while (result == Z_OK) {
+        stream.next_out = room;
+        stream.avail_out = sizeof(room);
+        result = deflate(&stream, Z_FINISH);
+        packed += sizeof(room) - stream.avail_out;
+    }
+    deflateEnd(&stream);
+    return result == Z_STREAM_END ? packed : 0;
+}
+
+std::size_t OfAll(const std::vector<Bytes>& files, std::size_t (*pack)(const Bytes&)) {
+    std::size_t packed = 0;
+    for (const Bytes& file : files) {
+        packed += pack(file);
     }
     return packed;
 }
@@ -23,16 +70,19 @@ std::size_t CompressAll(const std::vector<Bench::SubmissionFile>& files) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const Bench::Options options = Bench::ReadOptions(argc, argv);
-    const auto files = Bench::MakeSubmission(options.quick ? Bench::QuickSubmission : Bench::FullSubmission);
+    std::vector<Bytes> files;
+    for (int i = 2; i < argc; ++i) {
+        if (Platform::ReadWholeFile(argv[i], files.emplace_back()) != Platform::ReadOutcome::Done) {
+            Bench::Fail(argv[i]);
+        }
+    }
     std::size_t packed = 0;
     std::size_t packedAlone = 0;
-    const Bench::Best best = Bench::Interleave(
-        2, Bench::CpuSeconds, [&] { packed = CompressAll(files); },
-        [&] { packedAlone = Bench::DeflateAlone(files); });
+    Bench::Compare(
+        std::atoi(argv[1]), &CpuSeconds, [&] { packed = OfAll(files, &Compress); },
+        [&] { packedAlone = OfAll(files, &DeflateAlone); });
     if (packed != packedAlone) {
         Bench::Fail("the two did not compress to the same size");
     }
-    Bench::Report("compressing a submission (CPU)", "s", best.subject, best.bound, Bench::Goal::AtMost, 1.03);
     return 0;
 }
