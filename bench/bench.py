@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Measures the program against the bounds in docs/performance.md; ./bench.sh builds what this needs.
 
-Every row is a subject against a bound, measured in the same run. A missed goal is a finding, not a failure: it is marked
-in the table. The exit code is 1 only if a row could not be measured.
+Every row is a subject against a bound, measured in the same run. A missed goal is a finding, not a failure: it is
+marked in the table. The exit code is 1 only if a row could not be measured.
 """
 import argparse
 import json
@@ -142,7 +142,8 @@ class Rows:
             before = process_seconds(agent.pid)
             time.sleep(pause)
             a_minute = (process_seconds(agent.pid) - before) * 60 / pause
-        yield row(f"idle agent, full configuration, {packages} packages waiting (CPU)", "s/min", a_minute, 0.3, at_most=1)
+        yield row(f"idle agent, full configuration, {packages} packages waiting (CPU)", "s/min", a_minute, 0.3,
+                  at_most=1)
 
 
 def write_packages(folder, count):
