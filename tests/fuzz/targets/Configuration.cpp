@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <tuple>
 
-#include "Libs/Framework/Core/src/ApplicationConfig.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Tools/PackageTool/src/ConfigCheck.h"
 #include "tests/fuzz/Fuzz.h"
