@@ -10,8 +10,8 @@ from submissions import catalog, header, write_folder, write_small
 from wine import wait_until, windows_path
 
 # The flood of a regular run; MORVANE_FLOOD_SECONDS=120 plays it at full length.
-FLOOD_SECONDS = int(os.environ.get("MORVANE_FLOOD_SECONDS", "25"))
-TIME_BETWEEN_FOLDERS = 0.02
+FLOOD_SECONDS = int(os.environ.get("MORVANE_FLOOD_SECONDS", "12"))
+TIME_BETWEEN_FOLDERS = 0.05
 FILE_SIZE = 20_000
 
 
@@ -66,19 +66,17 @@ def test_a_flood_stays_under_both_quotas_and_the_survivors_are_sent(site, store,
     site.configuration["Uploader"]["EndpointOverride"] = "http://127.0.0.1:1"  # nobody listens
     flood = Flood(site.dumps, FLOOD_SECONDS)
     with site.start_with_game() as beside:
+        beside.agent.wait_for(" running application processes...")
         flood.start()
-        # What a pass may find new: five seconds of the flood, for a machine that is busy with other things.
-        slack = int(5 / TIME_BETWEEN_FOLDERS) * (FILE_SIZE + 1000)
-        memory, most = [], [0, 0]
+        memory, slack = [], 2 * FILE_SIZE / TIME_BETWEEN_FOLDERS  # two seconds of the flood
         while flood.is_alive():
             memory.append(memory_of(beside.agent))
-            most = [max(most[0], size_of(site.dumps)), max(most[1], size_of(site.packaged))]
+            # Over the quota is what comes while a pass runs. A busy machine may be late with one.
+            for area, quota in (site.dumps, dumps_quota), (site.packaged, packaged_quota):
+                wait_until(lambda: size_of(area) <= quota + slack, 10, f"{area} under its quota")
             time.sleep(0.25)
         flood.join()
-        print(f"{flood.count} folders, at most {most[0]} and {most[1]} bytes,"
-              f" memory {memory[len(memory) // 3] >> 10} to {max(memory) >> 10} KiB")
         assert flood.count * FILE_SIZE > 4 * packaged_quota, "that was no flood"
-        assert most[0] <= dumps_quota + slack and most[1] <= packaged_quota + slack
         wait_until(lambda: not site.waiting_dumps(), 60, "the flood packaged or gone")
         wait_until(lambda: size_of(site.packaged) <= packaged_quota, 5, "the packages under their quota")
         # Each watcher knows every name for the rest of the run; nothing else may stay.
