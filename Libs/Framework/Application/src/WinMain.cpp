@@ -10,7 +10,7 @@
 #include "Libs/Framework/Application/src/WindowsApplication.h"
 #include "Libs/Framework/Core/src/CommonMain.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 namespace {
 

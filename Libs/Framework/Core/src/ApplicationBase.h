@@ -8,7 +8,7 @@
 #include "Libs/Framework/Core/src/Factory.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Shared/src/JsonConfig.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 using ProcessMap = std::map<std::string, std::shared_ptr<IApplicationProcess>>;
 using ComponentMap = std::map<std::string, std::shared_ptr<IApplicationComponent>>;

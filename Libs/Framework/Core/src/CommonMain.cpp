@@ -4,7 +4,7 @@
 #include "Libs/Framework/Core/src/ConsoleLogSink.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 namespace {
 

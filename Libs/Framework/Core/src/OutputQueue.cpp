@@ -10,7 +10,7 @@
 #include <string>
 
 #include "Libs/Framework/Core/src/Thread.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_LocalTime.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 namespace {
 
@@ -64,7 +64,7 @@ struct OutputQueue::State {
         }
         char text[80];
         std::snprintf(text, sizeof(text), "%s %zu lines dropped, since nobody read them\r\n",
-                      Platform::FormatTimePrefix(Platform::CurrentLocalTime()).text, dropped);
+                      Platform::TimePrefix().text, dropped);
         line = {gapOutput, text};
         dropped = 0;
         return true;

@@ -5,8 +5,8 @@
 #include <memory>
 #include <vector>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_Receipt.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 // One operating-system thread around a callable: created suspended, started by Resume. Always owned by a
 // std::shared_ptr. GetStatus and Join may be called from any thread, the rest only from the thread that owns

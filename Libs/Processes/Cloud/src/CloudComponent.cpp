@@ -2,7 +2,7 @@
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 Reflection_DefinePolymorphicType(CloudComponent);
 

@@ -6,7 +6,7 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 Reflection_DefinePolymorphicType(UploaderBase);
 

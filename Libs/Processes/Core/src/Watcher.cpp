@@ -9,7 +9,7 @@
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_ThreadId.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 
 Reflection_DefinePolymorphicType(Watcher);

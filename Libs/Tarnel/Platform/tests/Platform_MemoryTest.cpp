@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_StaticHeapAllocator.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_TempHeap.h"
 #include "tests/support/AssertCapture.h"
 

@@ -8,7 +8,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_StaticHeapAllocator.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Memory.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_TypeLookup.h"
 #include "Libs/Tarnel/String/src/String_Basic.h"
 

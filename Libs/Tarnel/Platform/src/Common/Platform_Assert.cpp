@@ -4,8 +4,8 @@
 #include <cstdarg>
 #include <cstdio>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_LocalTime.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 namespace Platform {
 namespace {
@@ -83,7 +83,8 @@ void CountFailure(const Failure& failure) {
 }
 
 // What the dialog and the debugger show.
-void FormatReport(const Failure& failure, const LocalTime& time) {
+void FormatReport(const Failure& failure) {
+    const LocalTime time = CurrentLocalTime();
     const auto field = [](int value) { return static_cast<unsigned>(value); };
     if (failure.kind == AssertKind::Assert) {
         std::snprintf(g_state.report, sizeof(g_state.report),
@@ -103,8 +104,8 @@ void FormatReport(const Failure& failure, const LocalTime& time) {
 }
 
 // Never through LogWrite: a check may fail inside the log or inside a sink, which would then wait for itself.
-void WriteRecord(const Failure& failure, const LocalTime& time) {
-    const int prefix = std::snprintf(g_text, sizeof(g_text), "%s", FormatTimePrefix(time).text);
+void WriteRecord(const Failure& failure) {
+    const int prefix = std::snprintf(g_text, sizeof(g_text), "%s", TimePrefix().text);
     const auto start = static_cast<std::size_t>(prefix);
     const std::size_t room = sizeof(g_text) - start - 1; // leaves one byte for the line end
     const int length = std::snprintf(g_text + start, room, " %s File=%s Line=%d Expression=%s Message=%s",
@@ -117,10 +118,9 @@ void WriteRecord(const Failure& failure, const LocalTime& time) {
 }
 
 void Report(const Failure& failure) {
-    const LocalTime time = CurrentLocalTime();
-    FormatReport(failure, time);
+    FormatReport(failure);
     if (g_state.writeToLog && (failure.kind == AssertKind::Assert || g_state.logDataErrors)) {
-        WriteRecord(failure, time);
+        WriteRecord(failure);
     }
     if (g_state.writeToDebugger) {
         std::snprintf(g_text, sizeof(g_text), "%s%s", g_state.report, ReportSeparator);
@@ -162,8 +162,7 @@ bool ActOn(int answer, const Failure& failure, std::atomic_ref<bool> ignoreAlway
     default: {
         char message[80];
         std::snprintf(message, sizeof(message), "Unknown return from DisplayAssertDialog %d", answer);
-        WriteRecord({AssertKind::Assert, failure.sourceUnit, failure.line, failure.expression, message},
-                    CurrentLocalTime());
+        WriteRecord({AssertKind::Assert, failure.sourceUnit, failure.line, failure.expression, message});
         return false;
     }
     }

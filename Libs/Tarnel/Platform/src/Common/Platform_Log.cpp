@@ -11,10 +11,10 @@
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_LocalTime.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Locks.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Memory.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 #include "Libs/Tarnel/Types/src/Types_FNV1a.h"
 
 namespace Platform {
@@ -153,7 +153,7 @@ void WriteEntry(const wchar_t* logName, std::size_t messageLength, const char* f
     PLATFORM_PRINTF(3, 0);
 
 void WriteEntry(const wchar_t* logName, std::size_t messageLength, const char* format, va_list arguments) {
-    const TimePrefix prefix = FormatTimePrefix(CurrentLocalTime());
+    const TimePrefix prefix;
     EntryBuffer entry(TimePrefix::Length + messageLength);
     std::memcpy(entry.Data(), prefix.text, TimePrefix::Length);
     char* const message = entry.Data() + TimePrefix::Length;
@@ -207,6 +207,15 @@ void LogFormat(const wchar_t* logName, const char* format, ...) {
         LogFormat(logName, "%s", format); // the arguments can't be formatted; the bare text says where
     }
     va_end(arguments);
+}
+
+// Each field is kept within its width, so that the prefix has one length whatever the clock says.
+TimePrefix::TimePrefix() {
+    const LocalTime now = CurrentLocalTime();
+    const auto field = [](int value, int max) { return std::clamp(value, 0, max); };
+    std::snprintf(text, sizeof(text), "[%04d-%02d-%02d %02d:%02d:%02d]\t", field(now.year, 9999),
+                  field(now.month, 99), field(now.day, 99), field(now.hour, 99), field(now.minute, 99),
+                  field(now.second, 99));
 }
 
 std::size_t MaskControls(char* text, std::size_t length) {

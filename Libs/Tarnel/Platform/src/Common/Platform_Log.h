@@ -23,9 +23,18 @@ void LogWrite(const wchar_t* logName, const char* data, uint32_t length);
 // under the log root. A file is truncated when a run first writes to it. Without a root nothing is written.
 void LogFileSink(const wchar_t* logName, const char* data, uint32_t length, int);
 
-// Puts "[year-month-day hour:minute:second]\t" in local time before the message, masks the message and
-// writes the entry. By convention the format starts with one blank and has no line terminator.
+// Puts the time before the message, masks the message and writes the entry. By convention the format starts
+// with one blank and has no line terminator.
 void LogFormat(const wchar_t* logName, const char* format, ...) PLATFORM_PRINTF(2, 3);
+
+// "[year-month-day hour:minute:second]\t" in local time, now, with a terminator.
+struct TimePrefix {
+    static constexpr int Length = 22;
+
+    TimePrefix();
+
+    char text[Length + 1];
+};
 
 // Replaces by "?", in place, what a terminal or a viewer would obey rather than show: control characters,
 // line separators, marks of writing direction, and bytes that are not UTF-8. So no name can forge a line.

@@ -13,7 +13,7 @@ constinit TempHeap g_tempHeap;
 
 TempHeap::~TempHeap() {
     PLATFORM_ASSERT_TEXT_MESSAGE(!m_uiCapacity.load(), "!m_uiCapacity", "temp heap not shutdown");
-    static_cast<void>(ShutDown()); // with blocks still live the arena is left to the end of the process
+    static_cast<void>(ShutDown()); // with live blocks the arena stays until the process ends
 }
 
 bool TempHeap::SetUp(uint32_t capacity) {
@@ -42,7 +42,7 @@ bool TempHeap::ShutDown() {
     return true;
 }
 
-// Waits while a reset is under way: it takes a few instructions.
+// Waits while a reset is in progress, which takes a few instructions.
 void TempHeap::TakeReference() {
     for (;;) {
         int32_t word = m_iState.load();
@@ -53,9 +53,9 @@ void TempHeap::TakeReference() {
     }
 }
 
-// Whoever drops the last reference resets the arena, also a request that did not fit: otherwise an arena
-// filled by blocks that have gone meanwhile would stay full. A reference too many is reported and not taken
-// off, because a negative word would hold up every later request.
+// Dropping the last reference resets the arena, also for a request that did not fit: its blocks may have been
+// freed meanwhile. One release too many is reported and not counted: a negative word would stop every later
+// request.
 void TempHeap::ReleaseReference() {
     int32_t word = m_iState.load();
     int32_t iResult = 0;

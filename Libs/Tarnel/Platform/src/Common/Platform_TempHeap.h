@@ -7,7 +7,8 @@
 namespace Platform {
 
 // A lock-free bump arena for short-lived blocks, reclaimed as a whole when its last block is freed. Any
-// thread may call anything at any time. Without an arena, as it starts, every request is turned down.
+// thread may call anything at any time. It starts without an arena and refuses every request. The agent sets
+// none up: the heap is for modules loaded into the process.
 class TempHeap {
 public:
     constexpr TempHeap() = default;
@@ -15,14 +16,14 @@ public:
     TempHeap(const TempHeap&) = delete; // blocks point into it
     TempHeap& operator=(const TempHeap&) = delete;
 
-    // Gives the heap an arena of capacity bytes, rounded down to a multiple of 16. False when it has one
-    // already, when capacity holds no granule or when there is no memory.
+    // Makes an arena of capacity bytes, rounded down to a multiple of 16. False if there is one already, if
+    // capacity is less than 16 or if there is no memory.
     [[nodiscard]] bool SetUp(uint32_t capacity);
 
-    // Gives the arena back. False, with nothing changed, while blocks are live.
+    // Frees the arena. False, with nothing changed, while blocks are live.
     [[nodiscard]] bool ShutDown();
 
-    // Null when the request does not fit. Size 0 gives a block without room, to be freed like any other.
+    // Null if the request does not fit. A block of size 0 must be freed too.
     [[nodiscard]] void* Allocate(std::size_t size);
 
     bool Owns(const void* pointer) const;
