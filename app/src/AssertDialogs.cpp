@@ -1,6 +1,6 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
-// Part of builds with MORVANE_ASSERT_DIALOGS alone: whoever runs the agent is asked about failed checks.
+// Only in builds with MORVANE_ASSERT_DIALOGS: whoever runs the agent is asked about failed checks.
 namespace {
 
 struct AssertDialogs {

@@ -106,29 +106,6 @@ def test_copying_and_escape_leave_the_question_open(display, start, kind, title,
     assert display.clipboard() == window.control(REPORT).text, "the copy outlives the program"
 
 
-def test_another_thread_waits_for_its_turn(display, start):
-    with start("--other-thread") as probe:
-        display.wait_for_window(ASSERT_TITLE)
-        probe.wait_for("other thread asks")
-        assert len(display.windows()) == 1
-        display.press(KEYS[ALWAYS])
-        probe.wait_for("probe: went on")
-        assert "from another thread" in display.wait_for_window(ASSERT_TITLE).control(REPORT).text
-        display.press(KEYS[ONCE])
-        assert probe.wait() == 0
-        assert said(probe) == ["asks", "other thread asks", "went on", "other thread went on", "ended"]
-
-
-def test_the_dialogs_own_thread_goes_on(display, start):
-    with start("--same-thread") as probe:
-        window = display.wait_for_window(ASSERT_TITLE)
-        probe.wait_for("same thread went on")
-        assert len(display.windows()) == 1 and re.fullmatch(ASSERT_REPORT, window.control(REPORT).text)
-        assert b"Message=from the same thread" in probe.stderr, "it is recorded"
-        display.press(KEYS[ONCE])
-        assert probe.wait() == 0
-
-
 def test_the_shipped_agent_never_asks(display, site):
     """It fails a check, even in front of a debugger: no window comes up, and it goes on."""
     with Program(PROBE, "--nameless", windows_path(EXECUTABLE),

@@ -105,6 +105,7 @@ def test_a_late_reader_learns_what_was_dropped(site):
         agent.agent.wait_for(" lines dropped")
         assert agent.quit() == 0
         assert re.fullmatch(rb"(%s)+" % LINE.pattern, agent.agent.stdout + agent.agent.stderr)
+        assert b"Failed" not in agent.agent.stdout
         text = agent.agent.text
         dropped = int(re.search(r"(\d+) lines dropped", text).group(1))
         kept = text.count("\r\n") - 1

@@ -1,6 +1,6 @@
 #pragma once
 
-// Where a dialog of one message over two buttons puts them when its texts need more room than the template
+// Where a dialog of one message over two buttons puts them if its texts need more room than the template
 // gives. Pure; all lengths in pixels.
 namespace DialogLayout {
 
@@ -22,8 +22,8 @@ struct Layout {
     bool operator==(const Layout&) const = default;
 };
 
-// The layout with room for a message of that height and for buttons of that width. Distances between things
-// and to the edges stay; nothing gets smaller than in the template.
+// The layout with room for a message of that height and for buttons of that width. Distances stay the same,
+// and nothing gets smaller than in the template.
 Layout Fit(const Layout& layout, int messageHeight, int buttonWidth);
 
 // A box of this size in the middle of an area; one that is too large begins at the area's upper left, where

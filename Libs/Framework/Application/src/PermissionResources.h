@@ -1,5 +1,5 @@
-// Numbers of the permission dialog and its texts in the program's resources. The resource compiler reads this
-// file too, hence the macros.
+// Numbers of the permission dialog and its texts in the program's resources. Macros, because the resource
+// compiler reads this file too.
 #pragma once
 
 #define PERMISSION_DIALOG 101

@@ -46,14 +46,4 @@ TEST(WindowsApplication, ThereIsOneAtATime) {
     EXPECT_EQ(log.Infos(), std::vector<std::string>{" still here\r\n"});
 }
 
-TEST(WindowsApplication, PermissionIsRefusedWithoutAPump) {
-    const TestSupport::LogCapture log;
-    const AssertCapture assertions;
-    UploadPermission answer = UploadPermission::Allowed;
-    EXPECT_STREQ(MakeApplication()->AskUploadPermission(answer).Text(),
-                 "No message pump to show the permission dialog");
-    EXPECT_EQ(answer, UploadPermission::Refused);
-    EXPECT_EQ(assertions.Texts(), (std::vector<std::string>{"m_messagePumpProc|", "pWndProc|"}));
-}
-
 } // namespace

@@ -3,19 +3,19 @@
 #include <optional>
 #include <string>
 
-// The one grammar of the command line. An argument gives option "-log" a value when it begins with "-log", in
-// any case, and holds a "=" anywhere; the value is everything after the first "=". So "-logs=x" counts as
-// "-log", and no value comes from a following argument.
+// The grammar of the command line. An argument gives option "-log" a value if it begins with "-log", in any
+// case, and has a "=" anywhere; the value is everything after the first "=". So "-logs=x" counts as "-log",
+// and a value never comes from the next argument.
 namespace CommandLine {
 
-// The value that one argument gives the option, possibly empty; null when the argument is not of that option.
+// The value that one argument gives the option, possibly empty; null if it gives that option none.
 const char* ValueOfArgument(const char* argument, const char* opt);
 
-// The value in the first argument of that option, argv[0] included; later ones don't count. An empty value
-// counts as absent. A null or empty opt is a programming error.
+// The value from the first argument of that option, argv[0] included; later ones don't count. An empty value
+// is none. A null or empty opt is a programming error.
 std::optional<std::string> FindOption(int argc, const char* const* argv, const char* opt);
 
-// Whether some argument is the flag, whole and in any case.
+// Whether an argument is exactly the flag, in any case.
 bool HasFlag(int argc, const char* const* argv, const char* flag);
 
 } // namespace CommandLine

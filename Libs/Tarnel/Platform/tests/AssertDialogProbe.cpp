@@ -1,10 +1,10 @@
 // Fails checks with the dialogs switched on and prints what becomes of them. The end-to-end tests start it,
 // answer its dialogs and read its lines.
 //
-//   AssertDialogProbe [--data] [--rounds N] [--other-thread] [--same-thread] [--under-debugger]
+//   AssertDialogProbe [--data] [--under-debugger] [--rounds N]
 //
-// fails an assert, or a data check, N times at one place; while its dialog is up, also one on another thread
-// or in the dialog's own message loop. --under-debugger runs it as the debuggee of a second copy.
+// fails an assert, or a data check, N times at one place; under the debugger as the debuggee of a second
+// copy.
 //
 //   AssertDialogProbe --nameless PROGRAM [ARGUMENT...]
 //
@@ -15,7 +15,6 @@
 #include <cstdlib>
 #include <string>
 #include <string_view>
-#include <thread>
 #include <vector>
 
 #include <windows.h>
@@ -25,9 +24,6 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
 namespace {
-
-std::thread g_otherThread;
-UINT_PTR g_timer = 0;
 
 void Say(const char* who, const char* text) {
     std::printf("%s: %s\n", who, text);
@@ -85,22 +81,6 @@ int RunUnderDebugger(const wchar_t* program, std::wstring commandLine) {
     return static_cast<int>(event.u.ExitProcess.dwExitCode);
 }
 
-// Timers run in the message loop of the dialog, so it is up then.
-void CALLBACK OnOtherThread(HWND, UINT, UINT_PTR, DWORD) {
-    KillTimer(nullptr, g_timer);
-    g_otherThread = std::thread([] {
-        Say("probe", "other thread asks");
-        PLATFORM_ASSERT_MESSAGE(false, "from another thread");
-        Say("probe", "other thread went on");
-    });
-}
-
-void CALLBACK OnSameThread(HWND, UINT, UINT_PTR, DWORD) {
-    KillTimer(nullptr, g_timer);
-    PLATFORM_ASSERT_MESSAGE(false, "from the same thread");
-    Say("probe", "same thread went on");
-}
-
 void FailChecks(bool isData, int rounds) {
     for (int round = 0; round < rounds; ++round) {
         Say("probe", "asks");
@@ -133,13 +113,7 @@ int main() {
         return RunUnderDebugger(nullptr, commandLine.replace(commandLine.find(L"--under-debugger"), 16, L""));
     }
     EXP_GetAssertState()->showDialogs = 1;
-    if (has(L"--other-thread") || has(L"--same-thread")) {
-        g_timer = SetTimer(nullptr, 0, 50, has(L"--other-thread") ? OnOtherThread : OnSameThread);
-    }
     FailChecks(has(L"--data"), has(L"--rounds") ? std::stoi(given.back()) : 1);
-    if (g_otherThread.joinable()) {
-        g_otherThread.join();
-    }
     Say("probe", "ended");
     return 0;
 }

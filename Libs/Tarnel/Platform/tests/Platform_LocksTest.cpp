@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/AssertCapture.h"
 #include "tests/support/OnThreads.h"
 
 TEST(SpinLock, ExcludesOtherThreads) {
@@ -39,12 +38,4 @@ TEST(ReaderWriterLock, ReadersNeverSeeHalfAWrite) {
     });
     EXPECT_EQ(torn, 0);
     EXPECT_EQ(second, 5000);
-}
-
-TEST(ReaderWriterLock, ReleaseWithoutAHolderIsReported) {
-    const AssertCapture capture;
-    Platform::ReaderWriterLock lock;
-    lock.unlock_shared();
-    EXPECT_EQ(capture.Texts(),
-              std::vector<std::string>{"_InterlockedDecrement((volatile long*)(&m_iLock)) >= 0|"});
 }

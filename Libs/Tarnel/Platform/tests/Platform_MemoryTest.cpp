@@ -4,7 +4,6 @@
 
 #include <gtest/gtest.h>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_TempHeap.h"
 #include "tests/support/AssertCapture.h"
 
 TEST(Memory, BlocksAreAlignedAndFailuresReported) {
@@ -18,16 +17,4 @@ TEST(Memory, BlocksAreAlignedAndFailuresReported) {
     Platform::StaticHeapAllocator<int, 4> fours;
     fours.deallocate(fours.allocate(5), 5);
     EXPECT_EQ(capture.Texts(), (std::vector<std::string>{"pBlock|", "pBlock|", "n == TAllocSize|"}));
-}
-
-TEST(Memory, ShortLivedBlocksPreferTheTempHeap) {
-    Platform::TempHeap& heap = *EXP_GetTempHeap();
-    ASSERT_TRUE(heap.SetUp(64));
-    void* const inside = Platform::ShortLivedAllocate(48);
-    void* const tooLarge = Platform::ShortLivedAllocate(32);
-    EXPECT_TRUE(heap.Owns(inside));
-    EXPECT_FALSE(heap.Owns(tooLarge));
-    Platform::ShortLivedFree(inside);
-    Platform::ShortLivedFree(tooLarge);
-    EXPECT_TRUE(heap.ShutDown());
 }

@@ -10,7 +10,7 @@
 namespace Platform {
 namespace {
 
-constexpr int TextLimit = 4097; // characters with the terminator that are too many
+constexpr int TextLimit = 4097; // this many characters, with the terminator, are too many
 constexpr uint16_t ButtonAtom = 0x0080;
 constexpr uint16_t EditAtom = 0x0081;
 
@@ -27,7 +27,7 @@ void Widen(const char* text, WideText& wide) {
         MultiByteToWideChar(CP_ACP, 0, source, -1, wide.characters, length);
         wide.length = static_cast<std::size_t>(length);
     } else {
-        wide.characters[0] = 0; // without any text at all Windows would read the next field as one
+        wide.characters[0] = 0; // without a terminator Windows would read on
         wide.length = 1;
     }
 }
@@ -49,7 +49,7 @@ void DialogTemplate::Begin(const char* title, uint32_t style, DialogArea area, c
     if (!isWhole || !fontFace) {
         return;
     }
-    // The style promises a font only when the font is there.
+    // The style may promise a font only if one follows.
     const std::size_t beforeFont = m_usedBufferLength;
     if (Append(pointSize) && AppendText(fontFace)) {
         SetHeader(offsetof(DLGTEMPLATE, style), style | DWORD{DS_SETFONT});
@@ -110,7 +110,7 @@ bool DialogTemplate::AppendBytes(const void* bytes, std::size_t length) {
     return fits;
 }
 
-// What is cut off is zero again: the padding between items shows nothing of it.
+// Zeroes what it cuts off, because the padding between items must be zero.
 void DialogTemplate::CutBackTo(std::size_t length) {
     const std::size_t end = std::min(m_usedBufferLength, Capacity);
     if (length < end) {

@@ -15,18 +15,17 @@ struct DialogArea {
 };
 
 // Builds in memory what a resource script would compile to: a DLGTEMPLATE with its DLGITEMTEMPLATE records,
-// for code that must be able to show a dialog whatever resources its program has. First Begin, then the
-// controls in tab order, then Template. Belongs to one thread; 16 KiB, so mind the stack.
+// for code that shows a dialog without resources. First Begin, then the controls in tab order, then Template.
+// Belongs to one thread; takes 16 KiB of stack.
 //
 // Texts are narrow, in the process's code page, and at most 4095 characters long. A longer text fails a check
-// and counts as empty. What no longer fits into the buffer fails a check too and is left out whole, a control
-// with all its parts: nothing is ever written outside the buffer, and Windows can read the template after
-// every call.
+// and counts as empty. A control that does not fit fails a check too and is left out whole. So nothing is
+// written outside the buffer, and Windows can read the template after every call.
 class DialogTemplate {
 public:
     static constexpr std::size_t Capacity = 16384;
 
-    // A null face leaves the dialog with the system font. Starts again when called again.
+    // Without a face the dialog has the system font. Starts again if called again.
     void Begin(const char* title, uint32_t style, DialogArea area, const char* fontFace, uint16_t pointSize);
 
     // classAtom names one of the system's window classes, such as 0x0080 for buttons.
