@@ -58,6 +58,10 @@ class Day:
         self._display.press(key)
         self._display.wait_for_no_window(PROMPT)
 
+    def wait_sent(self, agent, name):
+        agent.wait_for(f'{name}" in ')
+        wait_until(lambda: not (self.packaged / name).exists(), 10, "the sent package deleted")
+
     def end(self, agent):
         assert agent.wait() == 0
         self.errors += agent.stderr.decode().splitlines()
@@ -163,7 +167,7 @@ def test_a_studios_evening(scratch, display, store, bucket):
     wait_until(lambda: sum(copy.running for copy in copies) == 1, 20, "one of three copies left")
     (first,) = [copy for copy in copies if copy.running]
     day.answer(YES)
-    first.wait_for("before the agents\" in ")
+    day.wait_sent(first, "before the agents")
     turned_away = day.start_agent()
     assert turned_away.wait(10) == 0
     first.kill()
@@ -171,14 +175,14 @@ def test_a_studios_evening(scratch, display, store, bucket):
     agent = day.start_agent()
     day.crash("after a kill")
     day.answer(YES)
-    agent.wait_for("after a kill\" in ")
+    day.wait_sent(agent, "after a kill")
     game.kill()
     agent.wait_for(" All monitored processes have closed")
     game, turned_away = day.play(), day.start_agent()
     agent.wait_for(" A monitored processes has reappeared", 5)
     assert turned_away.wait(10) == 0
     day.crash("in the delay")
-    agent.wait_for("in the delay\" in ")
+    day.wait_sent(agent, "in the delay")
     game.kill()
     agent.kill()
 
