@@ -3,7 +3,7 @@
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "tests/support/AssertCapture.h"
 #include "tests/support/Holder.h"
-#include "tests/support/HostSystem.h"
+#include "tests/support/Link.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchFolder.h"
 

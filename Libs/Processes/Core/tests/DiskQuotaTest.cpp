@@ -10,7 +10,7 @@
 
 #include "Libs/Processes/Core/src/AreaScan.h"
 #include "tests/support/FailingMemory.h"
-#include "tests/support/FolderLink.h"
+#include "tests/support/Link.h"
 #include "tests/support/ProcessFixture.h"
 
 namespace {
@@ -87,7 +87,7 @@ TEST_F(DiskQuotaTest, MeasuresTheFilesDirectlyInside) {
     m_scratch.MakeFile("area/太郎/header.json", "{}");
     m_scratch.MakeFile("area/wrong case/Header.json", "{}");
     m_scratch.MakeFile("elsewhere/header.json", std::string(1000, 'x'));
-    const TestSupport::FolderLink link(m_scratch.PathOf("area/link"), "../elsewhere");
+    const TestSupport::Link link(m_scratch.PathOf("area/link"), "../elsewhere");
     ASSERT_TRUE(link);
     const std::string area = m_scratch.PathOf("area") + "\\";
     std::vector<QuotaDecision::FolderRecord> records;

@@ -1,4 +1,4 @@
-#include "tests/support/FolderLink.h"
+#include "tests/support/Link.h"
 
 #include <windows.h>
 
@@ -29,24 +29,25 @@ void RunOnHost(std::wstring command, const std::filesystem::path& path, bool exi
 
 } // namespace
 
-FolderLink::FolderLink(const std::string& link, const std::string& target)
-    : m_path(ScratchFolder::FromUtf8(link)) {
-    constexpr DWORD Flags = SYMBOLIC_LINK_FLAG_DIRECTORY | 2; // 2: without being administrator
+Link::Link(const std::string& link, const std::string& target, bool isFolder)
+    : m_path(ScratchFolder::FromUtf8(link)), m_isFolder(isFolder) {
+    // 2: without being administrator
+    const DWORD flags = (isFolder ? DWORD{SYMBOLIC_LINK_FLAG_DIRECTORY} : 0u) | 2u;
     const std::filesystem::path to = ScratchFolder::FromUtf8(target);
-    CreateSymbolicLinkW(m_path.c_str(), std::filesystem::path(to).make_preferred().c_str(), Flags);
+    CreateSymbolicLinkW(m_path.c_str(), std::filesystem::path(to).make_preferred().c_str(), flags);
     if (!Exists(m_path)) {
         RunOnHost(L"ln -s \"" + to.wstring() + L"\" \"" + m_path.filename().wstring() + L"\"", m_path, true);
     }
 }
 
-FolderLink::~FolderLink() {
+Link::~Link() {
     RunOnHost(L"rm -f \"" + m_path.filename().wstring() + L"\"", m_path, false);
     if (Exists(m_path)) {
-        RemoveDirectoryW(m_path.c_str());
+        (m_isFolder ? RemoveDirectoryW : DeleteFileW)(m_path.c_str());
     }
 }
 
-FolderLink::operator bool() const {
+Link::operator bool() const {
     return Exists(m_path);
 }
 
