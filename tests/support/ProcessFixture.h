@@ -66,15 +66,6 @@ protected:
         return true;
     }
 
-    // The path as JSON text.
-    static std::string Quoted(const std::string& path) {
-        std::string text = "\"";
-        for (const char character : path) {
-            text += character == '\\' ? "\\\\" : std::string(1, character);
-        }
-        return text + "\"";
-    }
-
     void MakeReadOnly(const std::string& name) const {
         ASSERT_TRUE(PlatformHelpers::MakeFileReadOnly(m_scratch.PathOf(name)));
     }
