@@ -8,7 +8,7 @@ from submissions import write_small
 from test_load import names_in
 
 KILLS = 20
-BATCH = 40
+BATCH = 30
 
 
 @pytest.mark.limit(240)
