@@ -158,7 +158,7 @@ ResultCode SubmissionPackager::PackOrEmpty(const AttachmentPacker& packer, Attac
     const ResultCode result = packer.Pack(attachment);
     if (!result) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to copy or compress attachment %s. Error=%s",
-                     attachment.file.c_str(), result.Text());
+                     Platform::ShownName(attachment.file).text, result.Text());
         if (m_config.keepFailedSubmissions && !SubmissionFault::Is(result)) {
             return result;
         }
@@ -173,12 +173,13 @@ bool SubmissionPackager::IsDroppedByBlacklist(const std::string& file) const {
     }
     switch (m_blacklist.Judge(file)) {
     case AttachmentBlacklist::Verdict::Listed:
-        PLATFORM_LOG(Platform::InfoLog, " Dropped black listed attachment %s", file.c_str());
+        PLATFORM_LOG(Platform::InfoLog, " Dropped black listed attachment %s",
+                     Platform::ShownName(file).text);
         return true;
     case AttachmentBlacklist::Verdict::Unknown:
         PLATFORM_LOG(Platform::ErrorLog,
                      " Dropped attachment %s, which could not be checked against the black list",
-                     file.c_str());
+                     Platform::ShownName(file).text);
         return true;
     case AttachmentBlacklist::Verdict::Allowed:
         break;
