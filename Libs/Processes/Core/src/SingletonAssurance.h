@@ -17,7 +17,7 @@ public:
     // Has no section: all it needs is argv[0].
     ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
 
-    // Waits up to a minute for a copy that is ending already: it may still be sending.
+    // Waits up to a minute for a copy that is already ending, which may still be sending, and then stays.
     ResultCode PostInitialize() override;
     bool ThreadMain() override { return IsStopRequested(); }
     void RequestShutdown() override;
