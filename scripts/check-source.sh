@@ -36,6 +36,16 @@ windows_headers() {
     grep -nHiE '^ *# *include *<windows\.h>' -- "${sources[@]}" | grep -E '^[^:]*\.h:' | grep -vE '^Libs/Tarnel/Platform/|(^|/)tests/' || true
 }
 
+# Names of things on the disk reach the system by Platform_Path, Platform_IO and Platform_Folder alone. The sample game
+# shares no code with the agent, as no game does.
+name_calls() {
+    local windows='(CreateFile|DeleteFile|FindFirstFile(Ex)?|[GS]etFileAttributes(Ex)?|(Create|Remove)Directory|MoveFile(Ex)?|CopyFile(Ex)?|ReplaceFile|GetFullPathName|Get(Module|Temp)FileName|GetTempPath|[GS]etCurrentDirectory|GetFileVersionInfo(Size)?|FindFirstChangeNotification|LoadLibrary(Ex)?|SHGetKnownFolderPath)[AW]?'
+    local runtime='_?w?fopen(_s)?|_w?(open|stat\w*|remove|rename|unlink|mkdir|rmdir|chmod|access)|opendir|realpath|lstat|mkdir|unlink'
+    git ls-files -- 'Libs/*/src/*' 'app/*' 'Tools/*/src/*' | grep -E '\.(cpp|h)$' |
+        grep -vE '^Tools/SampleGame/|/Platform_(Path|IO|Folder)\.cpp$' |
+        xargs grep -nE "(^|[^A-Za-z_.>])(($windows|$runtime)\(|std::[io]?fstream|std::filesystem)" | grep -vF '(L"CON' || true
+}
+
 # The brackets keep these lines from matching themselves.
 wording() {
     git ls-files -z | xargs -0 grep -nIiE '\bspecificatio[n]\b|\bthe spe[c]\b|spec[.]md|\bParts? [0-9][.][0-9]' || true
@@ -69,6 +79,7 @@ if [ $# -gt 0 ]; then
 fi
 report "an include that runs upwards, or not from the root" "$(check_layers)"
 report "windows.h in a module's header outside Libs/Tarnel/Platform" "$(windows_headers)"
+report "a name goes to the system by another road than Platform_Path, Platform_IO and Platform_Folder" "$(name_calls)"
 report "words that the project never uses" "$(wording)"
 report "a test that no longer exists" "$(missing_tests)"
 report "not as clang-format lays it out (clang-format -i FILE fixes it)" "$(layout)"

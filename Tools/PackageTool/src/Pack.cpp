@@ -1,13 +1,12 @@
 #include "Tools/PackageTool/src/Pack.h"
 
-#include <filesystem>
-
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/PackageWriter.h"
 #include "Libs/Processes/Core/src/SubmissionPackager.h"
 #include "Libs/Shared/src/JsonConfig.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Path.h"
 #include "Tools/PackageTool/src/Console.h"
 #include "Tools/PackageTool/src/Target.h"
 
@@ -58,12 +57,7 @@ bool ReadPackagerConfig(const Arguments& arguments, PackagerConfig& config, Atta
 
 // "." and the like become the full path, whose last part is the folder's name.
 std::string WithName(const std::string& folder) {
-    if (FolderPath::LastComponent(folder)) {
-        return folder;
-    }
-    std::error_code failure;
-    const std::filesystem::path full = std::filesystem::absolute(folder, failure);
-    return failure ? folder : full.lexically_normal().string();
+    return FolderPath::LastComponent(folder) ? folder : Platform::FullPath(folder);
 }
 
 // The package is made in the work folder, so that one that can't be made whole replaces nothing.

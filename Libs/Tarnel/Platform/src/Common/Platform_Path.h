@@ -78,6 +78,9 @@ private:
 [[nodiscard]] SystemError ToSystemText(std::string_view utf8, SystemText& text) noexcept;
 [[nodiscard]] SystemError ToUtf8(const SystemText& text, std::string& utf8) noexcept;
 
+// The absolute path without "." and "..", for reading its names. The path itself if the system can't tell.
+std::string FullPath(const std::string& path);
+
 // The program's own file. Empty if the system can't tell.
 std::string OwnProgramPath() noexcept;
 

@@ -2,6 +2,8 @@
 
 #include <climits>
 #include <exception>
+#include <filesystem>
+#include <system_error>
 
 #include <unistd.h>
 
@@ -14,6 +16,12 @@ std::size_t ResolvePath(std::string& path) {
         path.pop_back();
     }
     return path.starts_with('/') ? 1 : 0;
+}
+
+std::string FullPath(const std::string& path) {
+    std::error_code failure;
+    const std::filesystem::path full = std::filesystem::absolute(path, failure);
+    return failure ? path : full.lexically_normal().string();
 }
 
 std::string OwnProgramPath() noexcept try {

@@ -4,6 +4,7 @@
 #include <windows.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Path.h"
 #include "Libs/Tarnel/Platform/src/Windows/Platform_DialogTemplate.h"
 
 namespace Platform {
@@ -46,13 +47,12 @@ void BuildTemplate(DialogTemplate& dialog, AssertKind kind) {
 }
 
 void SetTitle(HWND dialog, AssertKind kind) {
-    wchar_t path[MAX_PATH + 1] = {}; // one too long is cut and terminated
-    GetModuleFileNameW(nullptr, path, MAX_PATH);
-    const wchar_t* lastSlash = std::wcsrchr(path, L'\\');
+    const SystemPath path(OwnProgramPath());
+    const wchar_t* lastSlash = std::wcsrchr(path.Get(), L'\\');
     wchar_t title[MAX_PATH + 32] = {};
     std::swprintf(title, std::size(title), L"%ls: %ls",
                   kind == AssertKind::Assert ? L"Assert Failed" : L"Data Error Occurred",
-                  lastSlash ? lastSlash + 1 : path);
+                  lastSlash ? lastSlash + 1 : path.Get());
     SetWindowTextW(dialog, title);
 }
 

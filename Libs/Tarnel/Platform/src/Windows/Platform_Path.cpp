@@ -81,6 +81,11 @@ std::size_t ResolvePath(std::wstring& path) {
     return rootLength;
 }
 
+std::string FullPath(const std::string& path) {
+    std::string full;
+    return ToUtf8(SystemPath(path).Text(), full) == NoError && !full.empty() ? full : path;
+}
+
 std::string OwnProgramPath() noexcept try {
     const std::wstring path =
         Answer([](DWORD room, wchar_t* buffer) { return GetModuleFileNameW(nullptr, buffer, room); });
