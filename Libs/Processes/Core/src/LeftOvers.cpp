@@ -38,19 +38,22 @@ void RemoveHalfPackages(const Platform::SystemPath& folder, const Platform::Syst
     }
 }
 
+// Goes by the packages, which are few and soon sent: after that nobody could tell a rest from a crash that
+// the game is still writing.
 void RemovePackagedDumps(const PackagerConfig& config, const std::string& dumpsFolder,
                          const std::string& sentinelFile) {
-    Platform::FolderListing listing(dumpsFolder);
+    Platform::FolderListing listing(config.packagedFolder);
     while (listing.Next()) {
         std::string name;
-        if (!listing.Info().IsFolder() || listing.Info().IsLink() ||
-            Platform::ToUtf8(listing.Name(), name) != Platform::NoError) {
+        if (!listing.Info().IsFolder() || Platform::ToUtf8(listing.Name(), name) != Platform::NoError) {
             continue;
         }
+        const std::string folder = FolderPath::Join(dumpsFolder, name);
         const std::string package =
             FolderPath::Join(FolderPath::Join(config.packagedFolder, name), config.submissionFilename);
-        if (IsFinishedPackage(package) && !FolderScan::IsComplete(dumpsFolder + name, sentinelFile)) {
-            static_cast<void>(PlatformHelpers::RemoveFolder(dumpsFolder + name)); // logs a failure
+        if (IsFinishedPackage(package) && Platform::Exists(folder) && !Platform::IsLink(folder) &&
+            !FolderScan::IsComplete(folder, sentinelFile)) {
+            static_cast<void>(PlatformHelpers::RemoveFolder(folder)); // logs a failure
         }
     }
 }
@@ -62,11 +65,11 @@ void Remove(const PackagerConfig& config, const std::string& dumpsFolder, const 
     if (Platform::ToSystemText(config.submissionFilename, packageName) != Platform::NoError) {
         return; // no package can have that name
     }
-    RemoveHalfPackages(config.packagedFolder, packageName);
-    RemoveHalfPackages(config.packageWorkFolder, packageName);
     if (!dumpsFolder.empty()) {
         RemovePackagedDumps(config, dumpsFolder, sentinelFile);
     }
+    RemoveHalfPackages(config.packagedFolder, packageName);
+    RemoveHalfPackages(config.packageWorkFolder, packageName);
 }
 
 } // namespace LeftOvers

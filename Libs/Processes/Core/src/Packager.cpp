@@ -1,7 +1,5 @@
 #include "Libs/Processes/Core/src/Packager.h"
 
-#include <utility>
-
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
@@ -111,11 +109,16 @@ bool Packager::ThreadMain() {
     if (!pWatcher) {
         return IsStopRequested();
     }
-    bool isFirstRound = true;
+    // Before the first pause, and so before anything is sent.
+    const ResultCode cleaned = ExceptionToResult([this] {
+        LeftOvers::Remove(m_config, m_dumpsFolder, m_sentinelFile);
+        return Platform::Success;
+    });
+    if (!cleaned) {
+        PLATFORM_LOG(Platform::ErrorLog, " Failed to delete what a killed run left. Error=%s",
+                     cleaned.Text());
+    }
     return RunRounds(m_config.timeBetweenChecks, [&] {
-        if (std::exchange(isFirstRound, false)) {
-            LeftOvers::Remove(m_config, m_dumpsFolder, m_sentinelFile);
-        }
         std::vector<TaskData> tasks;
         if (pWatcher->TakeTasks(tasks)) {
             ProcessAll(tasks);
