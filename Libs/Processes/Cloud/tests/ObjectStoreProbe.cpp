@@ -36,9 +36,8 @@ bool PutOne(const ObjectStoreConfig& config, const PutObjectRequest& request) {
     const auto start = Clock::now();
     std::string eTag;
     const ResultCode result = CreateObjectStore(config)->PutObject(request, eTag);
-    const auto elapsed = std::chrono::duration_cast<std::chrono::milliseconds>(Clock::now() - start);
-    std::printf("result=\"%s\" etag=[%s] ms=%d\n", result.Text(), eTag.c_str(),
-                static_cast<int>(elapsed.count()));
+    const std::chrono::duration<double, std::milli> elapsed = Clock::now() - start;
+    std::printf("result=\"%s\" etag=[%s] ms=%.0f\n", result.Text(), eTag.c_str(), elapsed.count());
     return result.Succeeded();
 }
 

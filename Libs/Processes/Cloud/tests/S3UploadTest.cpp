@@ -17,16 +17,15 @@ std::string Put(const char* eTag, ResultCode result = {}, bool changesByte = fal
             tag = eTag;
             return result;
         }
-        char* changed = nullptr;
-        char newByte = 'h';
-        const char* eTag = nullptr;
+        Store(char* first, char byte, const char* text, ResultCode code)
+            : changed(first), newByte(byte), eTag(text), result(code) {}
+        char* changed;
+        char newByte;
+        const char* eTag;
         ResultCode result;
-    } store;
+    };
     std::string package = "hello";
-    store.changed = package.data();
-    store.newByte = changesByte ? 'j' : 'h';
-    store.eTag = eTag;
-    store.result = result;
+    Store store(package.data(), changesByte ? 'j' : 'h', eTag, result);
     return PutPackage(store, {reinterpret_cast<const uint8_t*>(package.data()), package.size()}).Text();
 }
 
