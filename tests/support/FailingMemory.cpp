@@ -21,6 +21,15 @@ void* operator new(std::size_t size) {
     return block;
 }
 
+// The address sanitizer has one of its own, whose blocks it would not let the operator below free.
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    try {
+        return operator new(size);
+    } catch (const std::bad_alloc&) {
+        return nullptr;
+    }
+}
+
 void operator delete(void* block) noexcept {
     std::free(block);
 }
