@@ -2,7 +2,6 @@
 
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
-#include "Libs/Processes/Core/src/PackageReader.h"
 #include "Libs/Processes/Core/src/PackageWriter.h"
 #include "Libs/Processes/Core/src/SubmissionFolder.h"
 #include "Libs/Processes/Core/src/SubmissionPackager.h"
@@ -42,11 +41,6 @@ protected:
         fs::permissions(m_scratch.Folder() / "packaged/太郎 1/p.pkg", fs::perms::owner_write,
                         isWritable ? fs::perm_options::add : fs::perm_options::remove);
     }
-    std::string NameOfFirstAttachment(const std::string& package) const {
-        const PackageReader reader({reinterpret_cast<const uint8_t*>(package.data()), package.size()});
-        const auto& attachments = reader.GetHeader().catalog.attachments;
-        return attachments.empty() ? "" : attachments.front().file;
-    }
 
     TestSupport::ScratchFolder m_scratch;
     TestSupport::LogCapture m_log;
@@ -77,20 +71,6 @@ TEST_F(PackagingTest, AnotherFinishedPackageIsNotOverwritten) {
     SetWritable(false);
     EXPECT_STREQ(Pack().Text(), "Failed to open package file for writing");
     EXPECT_EQ(Package(), "other");
-}
-
-// An attachment that the machine can't store leaves the package, or keeps the submission from being packaged.
-TEST_F(PackagingTest, TheConfigurationDecidesWhatAMachineFailureCosts) {
-    m_scratch.MakeFile("work/太郎 1/logs", "in the way of the sub-folder");
-    m_config.keepFailedSubmissions = true;
-    const ResultCode kept = Pack();
-    EXPECT_FALSE(kept);
-    EXPECT_FALSE(SubmissionFault::Is(kept)) << kept.Text();
-    EXPECT_FALSE(m_scratch.Exists("packaged/太郎 1"));
-
-    m_config.keepFailedSubmissions = false;
-    EXPECT_STREQ(Pack().Text(), "OK");
-    EXPECT_EQ(NameOfFirstAttachment(Package()), "");
 }
 
 TEST_F(PackagingTest, WhatIsWrongInItselfIsASubmissionFault) {
@@ -130,22 +110,6 @@ TEST_F(PackagingTest, WithoutMemoryThePackageIsWholeOrNotThere) {
             m_scratch.MakeFile("packaged/太郎 1/p.pkg", "to be made writable");
         }
     }
-}
-
-TEST_F(PackagingTest, ALinkIsAMissingFile) {
-    m_scratch.MakeFile("outside/secret.txt", "x");
-    const fs::path folder = m_scratch.Folder() / "dumps/太郎 1";
-    fs::create_symlink("../../outside/secret.txt", folder / "link.txt");
-    fs::create_directory_symlink("../../outside", folder / "linked");
-    fs::create_directory_symlink("太郎 1", m_scratch.Folder() / "dumps/link");
-    const SubmissionFolder submission(m_submission);
-    const SubmissionFolder link(m_scratch.PathOf("dumps/link"));
-    Platform::File file;
-    for (const char* name : {"link.txt", "linked/secret.txt", "linked", "logs", "../太郎 1/game.log"}) {
-        EXPECT_TRUE(SubmissionFault::Is(submission.OpenFile(name, "", file))) << name;
-    }
-    EXPECT_TRUE(SubmissionFault::Is(link.OpenFile("game.log", "", file)));
-    EXPECT_STREQ(submission.OpenFile("logs/note.txt", "", file).Text(), "OK");
 }
 
 TEST_F(PackagingTest, AFolderExchangedForALinkIsNotFollowed) {

@@ -29,43 +29,28 @@ TEST(QuotaDecision, TheYoungestThatFitTogetherStay) {
         {"exactly the quota", {2, 3, 5}, 10, 3},
         {"one byte more", {2, 3, 6}, 10, 2},
         {"one byte more in the middle takes the older ones along", {2, 9, 1, 0}, 10, 1},
-        {"the youngest alone too large", {11, 1, 1}, 10, 0},
         {"empty folders behind a full quota fit", {10, 0, 0}, 10, 3},
         {"no quota at all", {0, 0, 1, 0}, 0, 2},
-        {"sizes beyond 64 bits together", {Max, Max, 1}, Max, 1},
         {"a total that would wrap to a small one", {1, Max, 1}, 10, 1},
     };
     for (const auto& row : rows) {
-        SCOPED_TRACE(row.what);
-        EXPECT_EQ(QuotaDecision::CountThatFit(OfSizes(row.sizes), row.quota), row.fit);
+        EXPECT_EQ(QuotaDecision::CountThatFit(OfSizes(row.sizes), row.quota), row.fit) << row.what;
     }
 }
 
 TEST(QuotaDecision, AgeIsWholeSecondsAndWrapsInTheFuture) {
-    EXPECT_EQ(QuotaDecision::AgeInSeconds(100 * Second, 100 * Second), 0u);
     EXPECT_EQ(QuotaDecision::AgeInSeconds(101 * Second - 1, 100 * Second), 0u);
     EXPECT_EQ(QuotaDecision::AgeInSeconds(101 * Second, 100 * Second), 1u);
     EXPECT_EQ(QuotaDecision::AgeInSeconds(100 * Second, 100 * Second + 1), Max / Second);
 }
 
 TEST(QuotaDecision, OnlyInvalidFoldersAgeOut) {
-    const struct {
-        uint64_t age;
-        uint32_t grace;
-        bool valid;
-        bool agedOut;
-    } rows[] = {
-        {3600, 3600, false, false},
-        {3601, 3600, false, true},
-        {3601, 3600, true, false},
-        {Max / Second, UINT32_MAX, false, true}, // created in the future
+    const auto isAgedOut = [](uint64_t age, bool valid) {
+        return QuotaDecision::IsAgedOut({.age = age, .path = "", .size = 0, .valid = valid}, 3600);
     };
-    for (const auto& row : rows) {
-        EXPECT_EQ(
-            QuotaDecision::IsAgedOut({.age = row.age, .path = "", .size = 0, .valid = row.valid}, row.grace),
-            row.agedOut)
-            << row.age << " of " << row.grace;
-    }
+    EXPECT_FALSE(isAgedOut(3600, false));
+    EXPECT_TRUE(isAgedOut(3601, false));
+    EXPECT_FALSE(isAgedOut(3601, true));
 }
 
 TEST(QuotaDecision, TheYoungestComesFirst) {
@@ -76,11 +61,11 @@ TEST(QuotaDecision, TheYoungestComesFirst) {
         {.age = 0, .path = "z"},
     };
     QuotaDecision::SortByAge(records);
-    std::vector<std::string> paths;
+    std::string paths;
     for (const FolderRecord& record : records) {
-        paths.push_back(record.path);
+        paths += record.path + " ";
     }
-    EXPECT_EQ(paths, (std::vector<std::string>{"z", "a", "b", "future"}));
+    EXPECT_EQ(paths, "z a b future ");
 }
 
 } // namespace
