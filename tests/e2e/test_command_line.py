@@ -1,7 +1,5 @@
 """Options, exit codes and what the two outputs carry."""
 import re
-import shutil
-import time
 
 import pytest
 
@@ -21,8 +19,8 @@ def idle(site):
     return site
 
 
-def run(*arguments, executable=EXECUTABLE, **options):
-    with Program(executable, *arguments, **options) as program:
+def run(*arguments):
+    with Program(EXECUTABLE, *arguments) as program:
         return program.wait(), program
 
 
@@ -32,29 +30,15 @@ def test_a_quiet_run_says_exactly_this(idle):
     app = windows_path(idle.folder / "app")
     messages = [line.split(b"\t ", 1)[1].decode() for line in agent.stdout.split(b"\r\n")[:-1]]
     assert messages == [
-        "MorvaneCrashReporter version 1.0.0.0 - 1",
-        "initializing application...",
+        "MorvaneCrashReporter version 1.0.0.0 - 1", "initializing application...",
         f"Using config: {windows_path(idle.folder / 'agent.json')}",
-        f"Using application folder: {app}",
-        f"Using log folder: {app}",
+        f"Using application folder: {app}", f"Using log folder: {app}",
         "running application processes...",
         "All monitored processes have closed, starting shutdown delay timer...",
         "ProcessMonitor requesting shutting down...",
-        "shutting down application processes...",
-        "exiting application...",
+        "shutting down application processes...", "exiting application...",
     ]
     assert agent.stderr == b"" and re.fullmatch(rb"(%s)+" % LINE.pattern, agent.stdout)
-
-
-def test_the_default_configuration_lies_beside_the_program(idle):
-    """An option without a value counts as absent, and hides a later one."""
-    program = idle.folder / "agent.exe"
-    shutil.copy(EXECUTABLE, program)
-    shutil.move(idle.write_configuration(), idle.folder / "agent.exe.json")
-    code, agent = run("-config=", f"-config={windows_path(idle.folder / 'none.json')}",
-                      f"-appFolder={windows_path(idle.folder / 'app')}", executable=program)
-    assert f" Using config: {windows_path(program)}.json\r\n" in agent.text
-    assert code == 0
 
 
 def test_folders_are_made_with_their_parents(idle):
@@ -67,15 +51,6 @@ def test_folders_are_made_with_their_parents(idle):
     assert not list(log.iterdir())  # lines go to the outputs, not to files
 
 
-@pytest.mark.parametrize("option", ["appFolder", "log"])
-def test_a_file_is_no_folder(idle, option):
-    file = idle.folder / "file"
-    file.touch()
-    code, agent = run(f"-config={windows_path(idle.write_configuration())}", f"-{option}={windows_path(file)}",
-                      f"-appFolder={windows_path(idle.folder / 'app')}")
-    assert code == 2 and " Initialization failure. Error=A file has the name of the folder\r\n" in agent.text
-
-
 def test_the_application_folder_lies_in_the_documents(idle):
     for name, last in (("太郎 Game", "太郎 Game"), ("", "MorvaneCrashReporter")):
         idle.configuration["Application"]["ApplicationFolder"] = name
@@ -86,14 +61,12 @@ def test_the_application_folder_lies_in_the_documents(idle):
 
 # A launcher makes pipes for the outputs and never reads them, or only late.
 
-def test_outputs_that_nobody_reads_hold_nobody(site, store, bucket):
+def test_an_output_that_nobody_reads_holds_nobody(site, store, bucket):
     for number in range(20):
         write_small(site.dumps, f"dump-{number}")
     with site.start_with_game(reads=False) as agent:
         wait_until(lambda: len(store.keys(bucket)) == 20, 40, "every submission sent")
-        start = time.monotonic()
-        assert agent.quit() == 0
-        assert time.monotonic() - start < 10
+        assert agent.quit(10) == 0
 
 
 def test_a_late_reader_learns_what_was_dropped(site):
@@ -105,7 +78,6 @@ def test_a_late_reader_learns_what_was_dropped(site):
         agent.agent.wait_for(" lines dropped")
         assert agent.quit() == 0
         assert re.fullmatch(rb"(%s)+" % LINE.pattern, agent.agent.stdout + agent.agent.stderr)
-        assert b"Failed" not in agent.agent.stdout
         text = agent.agent.text
         dropped = int(re.search(r"(\d+) lines dropped", text).group(1))
         kept = text.count("\r\n") - 1

@@ -7,6 +7,7 @@ from agent import EXECUTABLE, GAME
 from submissions import write_small
 from wine import Program, windows_path
 
+READY = ' Watcher "PackageWatcher" is watching folder'
 STOPS = " Process already running requesting shutdown..."
 
 
@@ -17,7 +18,7 @@ def copies(site):
     site.configuration["Application"]["Processes"]["SingletonAssurance"] = ["Zuletzt"]  # starts after all others
     game = Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet")  # no agent ends because of it
 
-    def start(folder, name="MorvaneCrashReporter.exe", by_name=False):
+    def start(folder, name="MorvaneCrashReporter.exe", by_name=False, ready=" "):
         program = site.folder / folder / name
         if not program.exists():
             program.parent.mkdir(exist_ok=True)
@@ -26,6 +27,7 @@ def copies(site):
         agent = Program(*command, f"-config={windows_path(site.write_configuration())}",
                         f"-appFolder={windows_path(site.folder / 'app')}", cwd=program.parent)
         started.append(agent)
+        agent.wait_for(ready)
         return agent
 
     yield start
@@ -33,37 +35,27 @@ def copies(site):
         program.kill()
 
 
-def runs(agent):
-    agent.wait_for(" Watcher \"PackageWatcher\" is watching folder")
-    return agent
-
-
-def assert_undisturbed(agent, site):
-    """It is there and works."""
-    write_small(site.dumps, "after")
-    site.wait_all_sent()
-    assert agent.running and STOPS not in agent.text
-
-
 @pytest.mark.parametrize("first, second", [
-    (["first"], ["first"]), (["first"], ["second"]),
+    (["first"], ["second"]),
     (["longer", "MyMorvaneCrashReporter.exe"], ["shorter", "MORVANECrashReporter.exe"]),  # the ending counts
     (["first"], ["second", "MorvaneCrashReporter.exe", True]),  # by its bare name: argv[0] has no folder
-], ids=["same", "copy", "ending", "bare-name"])
+], ids=["copy", "ending", "bare-name"])
 def test_a_later_copy_stops_itself(site, copies, first, second):
-    older = runs(copies(*first))
+    older = copies(*first, ready=READY)
     later = copies(*second)
     assert later.wait(20) == 0
     assert later.text.count(STOPS) == 1
-    assert_undisturbed(older, site)
+    other = copies("other", "Reporter of another game.exe", ready=READY)
+    write_small(site.dumps, "after")
+    site.wait_all_sent()
+    assert all(agent.running and STOPS not in agent.text for agent in (older, other))
 
 
 def test_a_copy_that_goes_does_nothing_before(site, copies):
     """Even the quickest one: it would ask without a screen, take that for a No and delete what the first has to send."""
     site.configuration["Uploader"]["EndpointOverride"] = "http://127.0.0.1:1"  # nobody listens
     write_small(site.dumps, "unsent")
-    older = runs(copies("first"))
-    older.wait_for(" Failed to upload package")
+    copies("first", ready=" Failed to upload package")
     site.configuration["PackageWatcher"]["TimeBetweenChecks"] = 0
     site.configuration["Uploader"] |= {"TimeBetweenChecks": 0, "AskPermission": True}
     for _ in range(5):
@@ -71,10 +63,3 @@ def test_a_copy_that_goes_does_nothing_before(site, copies):
         assert later.wait(20) == 0
         assert " Added " not in later.text and "permission" not in later.text
     assert len(site.waiting_packages()) == 1
-
-
-def test_another_name_is_another_program(site, copies):
-    first = runs(copies("first"))
-    other = runs(copies("other", "Reporter of another game.exe"))
-    assert_undisturbed(first, site)
-    assert other.running and STOPS not in other.text

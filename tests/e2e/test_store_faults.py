@@ -13,18 +13,11 @@ WRONG_ETAG = "MD5 of stream received by S3 doesn't match the MD5 we computed loc
 REQUEST_TIMEOUT = 30
 
 FAULTS = [
-    {"kind": "status", "status": 503, "code": "SlowDown"},
     {"kind": "status", "status": 503, "code": "SlowDown", "early": True},
-    {"kind": "status", "status": 500, "code": "InternalError"},
     {"kind": "status", "status": 403, "code": "AccessDenied"},
     {"kind": "status", "status": 307, "code": "TemporaryRedirect", "headers": [["Location", "/elsewhere/x"]]},
-    {"kind": "reset", "at": "first"},
-    {"kind": "reset", "at": "middle"},
-    {"kind": "reset", "at": "last"},
-    {"kind": "close"},
-    {"kind": "cut", "at": "head"},
     {"kind": "clock", "seconds": 3600, "status": 403},
-    {"kind": "bad-etag"},
+    {"kind": "reset", "at": "middle"}, {"kind": "close"}, {"kind": "cut", "at": "head"}, {"kind": "bad-etag"},
 ]
 
 
@@ -50,8 +43,7 @@ def assert_later_run_sends(site, store, bucket, count):
     assert len([read_package(store.get(bucket, key)) for key in store.keys(bucket)]) == count
 
 
-@pytest.mark.parametrize("fault", FAULTS, ids=lambda fault: "-".join(str(v) for v in fault.values() if v is not True
-                                                                   and not isinstance(v, list)))
+@pytest.mark.parametrize("fault", FAULTS, ids=lambda fault: f"{fault['kind']}-{fault.get('code', '')}")
 def test_a_failing_store_keeps_the_package(site, store, bucket, fault):
     write_small(site.dumps, "kept")
     store.set_faults(fault)
@@ -63,10 +55,8 @@ def test_a_failing_store_keeps_the_package(site, store, bucket, fault):
 
 
 @pytest.mark.parametrize("key, value", [
-    ("SecretKey", SECRET_KEY + "x"), ("AccessKey", "AKIAUNKNOWN"), ("BucketName", "no-such-bucket"),
-    ("Region", "eu-west-1"), ("EndpointOverride", "http://127.0.0.1:9"), ("EndpointOverride", "https://127.0.0.1:9"),
-    ("EndpointOverride", "http://no-such-host.invalid"),
-])
+    ("SecretKey", SECRET_KEY + "x"), ("BucketName", "no-such-bucket"), ("Region", "eu-west-1"),
+    ("EndpointOverride", "http://127.0.0.1:9"), ("EndpointOverride", "http://no-such-host.invalid")])
 def test_a_wrong_setting_keeps_the_package(site, store, bucket, key, value):
     right = site.configuration["Uploader"].get(key, "us-east-1")
     site.configuration["Uploader"][key] = value
@@ -90,25 +80,3 @@ def test_a_silent_store_fails_within_the_request_timeout(site, store, bucket):
         assert beside.quit() == 0
     assert_failed(beside.agent, 4)
     assert_later_run_sends(site, store, bucket, 4)
-
-
-@pytest.mark.parametrize("fault", [{"kind": "drip", "ms": 5}, {"kind": "cut", "at": "body"}],
-                         ids=lambda fault: fault["kind"])
-def test_the_head_of_an_answer_is_all_that_counts(site, store, bucket, fault):
-    write_small(site.dumps, "slow")
-    store.set_faults(fault)
-    with site.start_with_game() as beside:
-        site.wait_all_sent()
-        assert beside.quit() == 0
-    assert beside.agent.stderr == b""
-    assert len(store.keys(bucket)) == 1
-
-
-def test_uploads_in_flight_end_before_the_agent(site, store, bucket):
-    write_small(site.dumps, "in-flight")
-    store.set_faults({"kind": "delay", "ms": 3000})
-    with site.start_with_game() as beside:
-        wait_until(lambda: store.uploads(), 20, "the upload's start")
-        assert beside.quit() == 0
-    assert " Waiting for 1 active uploads to complete\r\n" in beside.agent.text
-    assert len(store.keys(bucket)) == 1 and not site.waiting_packages()
