@@ -80,8 +80,9 @@ def mount_disk(may_mount):
 
 @pytest.fixture(scope="session")
 def running_display():
-    with Display(wine.SCRATCH / "display") as display:
-        yield display
+    display = Display(wine.SCRATCH / "display")
+    yield display
+    display.end()
 
 
 @pytest.fixture

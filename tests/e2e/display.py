@@ -7,7 +7,6 @@ import json
 import os
 import shutil
 import subprocess
-from contextlib import contextmanager
 from pathlib import Path
 from types import SimpleNamespace
 
@@ -47,8 +46,6 @@ class Display:
 
     def __init__(self, folder):
         self._prefix = folder / "wine"
-        self.pictures = folder / "pictures"
-        self.pictures.mkdir(parents=True, exist_ok=True)
         self.name, self._server = start_server()
         wine.make_prefix(self.variables())
         for key, value, data in SETTINGS:
@@ -61,10 +58,7 @@ class Display:
         # The first program starts the desktop, which keeps that program's outputs open.
         self._wine(READER, "windows", stdout=subprocess.DEVNULL)
 
-    def __enter__(self):
-        return self
-
-    def __exit__(self, *_):
+    def end(self):
         wine.stop_prefix(self.variables())
         self._server.terminate()
         self._server.wait(10)
@@ -91,18 +85,6 @@ class Display:
     def _x(self, *command):
         return subprocess.run(command, env=self.variables(), check=True, timeout=30, stdout=subprocess.PIPE).stdout
 
-    @contextmanager
-    def resolution(self, dots_per_inch):
-        """The screen's resolution for programs that are started inside; 96 otherwise."""
-        def set_resolution(value):
-            self._wine("reg.exe", "add", r"HKCU\Control Panel\Desktop", "/v", "LogPixels", "/t", "REG_DWORD",
-                       "/d", str(value), "/f")
-        set_resolution(dots_per_inch)
-        try:
-            yield
-        finally:
-            set_resolution(96)
-
     # What a user sees.
 
     def windows(self, title=""):
@@ -121,31 +103,16 @@ class Display:
     def clipboard(self):
         return self._read("clipboard")
 
-    def picture(self, name, window=None):
-        """Saves a picture of the window, or of the whole screen, under build/."""
-        path = self.pictures / f"{name}.png"
-        part = f"{window.width}x{window.height}+{window.x}+{window.y}" if window else f"{WIDTH}x{HEIGHT}+0+0"
-        self._x("import", "-window", "root", "-crop", part, "+repage", str(path))
-        return path
-
-    def colour(self, x, y):
-        """The pixel's red, green and blue."""
-        pixel = self._x("import", "-window", "root", "-crop", f"1x1+{x}+{y}", "-depth", "8", "rgb:-")
-        return tuple(pixel[:3])
+    def colours(self, x, y, width=1, height=1):
+        """The red, green and blue of the pixels in an area, each colour once."""
+        pixels = self._x("import", "-window", "root", "-crop", f"{width}x{height}+{x}+{y}", "-depth", "8", "rgb:-")
+        return set(zip(pixels[::3], pixels[1::3], pixels[2::3]))
 
     # What a user does.
 
     def press(self, *keys):
         """Keys by their X names: "alt+d", "Return"."""
         self._x("xdotool", "key", "--clearmodifiers", *keys)
-
-    @contextmanager
-    def held(self, key):
-        self._x("xdotool", "keydown", key)
-        try:
-            yield
-        finally:
-            self._x("xdotool", "keyup", key)
 
     def click(self, place):
         self._x("xdotool", "mousemove", str(place[0]), str(place[1]), "click", "1")

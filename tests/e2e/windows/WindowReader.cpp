@@ -54,30 +54,22 @@ std::string Described(HWND window) {
            "\"text\": " + Quoted(TextOf(window));
 }
 
-void PrintWindow(HWND window) {
-    HWND focus = FocusIn(window);
-    std::printf(R"(%s, %s"focus": %d, "controls": [)", Described(window).c_str(),
-                Field("foreground", GetForegroundWindow() == window).c_str(),
-                focus && IsChild(window, focus) ? GetDlgCtrlID(focus) : 0);
-    const char* separator = "";
-    for (HWND child = GetWindow(window, GW_CHILD); child; child = GetWindow(child, GW_HWNDNEXT)) {
-        std::printf("%s%s}", separator, Described(child).c_str());
-        separator = ", ";
-    }
-    std::printf("]}");
-}
-
-void PrintWindows() {
-    const char* separator = "";
-    std::printf("[");
-    for (HWND window = GetTopWindow(nullptr); window; window = GetWindow(window, GW_HWNDNEXT)) {
+// The visible windows from this one down to the last of its siblings.
+std::string List(HWND window, std::string (*describe)(HWND)) {
+    std::string list;
+    for (; window; window = GetWindow(window, GW_HWNDNEXT)) {
         if (IsWindowVisible(window)) {
-            std::printf("%s", separator);
-            PrintWindow(window);
-            separator = ", ";
+            list += (list.empty() ? "" : ", ") + describe(window) + "}";
         }
     }
-    std::printf("]\n");
+    return "[" + list + "]";
+}
+
+std::string WithControls(HWND window) {
+    HWND focus = FocusIn(window);
+    return Described(window) + ", " + Field("foreground", GetForegroundWindow() == window) +
+           Field("focus", focus && IsChild(window, focus) ? GetDlgCtrlID(focus) : 0) +
+           "\"controls\": " + List(GetWindow(window, GW_CHILD), Described);
 }
 
 bool PrintClipboard() {
@@ -96,7 +88,7 @@ bool PrintClipboard() {
 int main(int count, char** arguments) {
     const std::string_view what = count == 2 ? arguments[1] : "";
     if (what == "windows") {
-        PrintWindows();
+        std::printf("%s\n", List(GetTopWindow(nullptr), WithControls).c_str());
         return 0;
     }
     return what == "clipboard" && PrintClipboard() ? 0 : 1;
