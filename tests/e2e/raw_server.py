@@ -1,6 +1,6 @@
 """A server on 127.0.0.1 that breaks the rules of HTTP: each connection is passed to a function."""
 import contextlib
-import socket
+import socketserver
 import threading
 
 
@@ -31,28 +31,16 @@ def serving(handle):
     """Yields the port. handle(connection, over) must return when the event `over` is set or the client has gone."""
     over = threading.Event()
 
-    def serve_one(connection):
-        with connection, contextlib.suppress(OSError):
-            handle(connection, over)
+    class Handler(socketserver.BaseRequestHandler):
+        def handle(self):
+            self.request.settimeout(30)
+            with contextlib.suppress(OSError):
+                handle(self.request, over)
 
-    def accept():
-        with contextlib.suppress(OSError):
-            while True:
-                connection, _ = listener.accept()
-                connection.settimeout(30)
-                thread = threading.Thread(target=serve_one, args=(connection,))
-                thread.start()
-                threads.append(thread)
-
-    threads = []
-    listener = socket.create_server(("127.0.0.1", 0))
-    acceptor = threading.Thread(target=accept)
-    acceptor.start()
-    try:
-        yield listener.getsockname()[1]
-    finally:
-        over.set()
-        listener.shutdown(socket.SHUT_RDWR)
-        listener.close()
-        for thread in [acceptor, *threads]:
-            thread.join(40)
+    with socketserver.ThreadingTCPServer(("127.0.0.1", 0), Handler) as server:  # its end waits for the handlers
+        threading.Thread(target=server.serve_forever, args=(0.05,)).start()
+        try:
+            yield server.server_address[1]
+        finally:
+            over.set()
+            server.shutdown()

@@ -1,6 +1,5 @@
 """A whole day of a game in fast motion, with every process of the agent as docs/ recommends them."""
 import json
-import os
 import shutil
 import time
 
@@ -15,7 +14,6 @@ from wine import ROOT, Program, wait_until, windows_path
 RECOMMENDED = ROOT / "docs" / "recommended-configuration.json"
 PROMPT = TEXTS[0x0409][TITLE]
 SETTLED = 1.5  # seconds after which the prompt takes an answer
-GRACE_TIME = 60
 YES, NO = "Return", "Escape"
 
 
@@ -37,16 +35,13 @@ class Day:
         (folder,) = [path for path in self.app.iterdir() if path.name.lower() == "packageddumps"]
         return folder
 
-    def start_game(self, *arguments):
-        return Program(self.folder / "MyGame.exe", "--quiet", "--dumps", windows_path(self.dumps), *arguments,
-                       variables=self._display.variables())
-
-    def play(self):
+    def play(self, *arguments):
         """The game, until it is killed."""
-        return self.start_game("--stay-alive", "900000", "--crash", "none")
+        return Program(self.folder / "MyGame.exe", "--quiet", "--dumps", windows_path(self.dumps),
+                       *(arguments or ("--stay-alive", "900000", "--crash", "none")), variables=self._display.variables())
 
     def crash(self, name, *arguments):
-        self.start_game("--name", name, *arguments).wait()
+        self.play("--name", name, *arguments).wait()
 
     def start_agent(self, *arguments):
         return Program(EXECUTABLE, f"-config={windows_path(self._configuration)}",
@@ -74,7 +69,6 @@ def in_fast_motion(store, bucket, delay):
         if "TimeBetweenChecks" in section:
             section["TimeBetweenChecks"] //= 20
     configuration["ProcessMonitor"].update({"TimeBetweenChecks": 100, "ShutdownDelay": delay})
-    configuration["DiskQuota"].update({"InvalidGraceTime": GRACE_TIME, "PackagedQuota": 1 << 20})
     configuration["Uploader"].update({"BucketName": bucket, "AccessKey": ACCESS_KEY, "SecretKey": SECRET_KEY,
                                       "EndpointOverride": store.endpoint, "UseVirtualAddressing": False})
     return configuration
@@ -99,36 +93,26 @@ def morning(day):
 
 
 def afternoon(day, store):
-    """The store is down, and an old package makes the room short."""
-    old = day.packaged / "last month"
-    old.mkdir()
-    (old / "submission.pkg").write_bytes(os.urandom(1 << 20))
-    (old / "submission.pkg").chmod(0o444)
-    a_month_ago = time.time() - 30 * 86400
-    os.utime(old, (a_month_ago, a_month_ago))
+    """The store is down."""
     store.set_faults({"kind": "status", "status": 503, "code": "SlowDown", "times": 1000})
     game, agent = day.play(), day.start_agent()
-    day.answer(YES)  # it begins with the old one
+    day.crash("crash-3")
+    day.answer(YES)
+    day.crash("crash-4")
     for name in ("crash-3", "crash-4"):
-        day.crash(name)
         agent.wait_for(f"{name}. Error=")
-    wait_until(lambda: not old.exists(), 20, "the old package gone")
     game.kill()
     day.end(agent)
     assert sorted(path.name for path in day.packaged.iterdir()) == ["crash-3", "crash-4"]
 
 
 def evening(day, store):
-    """The store is back, and a crash has broken off half-written."""
+    """The store is back."""
     store.reset()
     game, agent = day.play(), day.start_agent()
     day.answer(YES)
     for name in ("crash-3", "crash-4"):
         agent.wait_for(f"{name}\" in ")
-    day.crash("broken", "--fail-in-handler")
-    an_hour_ago = time.time() - 3600
-    os.utime(day.dumps / "broken", (an_hour_ago, an_hour_ago))
-    agent.wait_for(" Removed aging invalid dump folder")
     game.kill()
     day.end(agent)
 
@@ -155,7 +139,7 @@ def test_a_day(scratch, display, store, bucket):
     assert sorted(sent) == ["crash-1", "crash-2", "crash-3", "crash-4"]
     assert sorted(path.name.lower() for path in day.app.iterdir()) == ["dumps", "packageddumps", "packagetemp"]
     assert not [path for folder in day.app.iterdir() for path in folder.iterdir()], "something is left behind"
-    assert len(day.errors) == 3 and all(" Failed to upload package in folder" in line for line in day.errors)
+    assert len(day.errors) == 2 and all(" Failed to upload package in folder" in line for line in day.errors)
 
 
 @pytest.mark.limit(120)
@@ -168,8 +152,6 @@ def test_a_studios_evening(scratch, display, store, bucket):
     (first,) = [copy for copy in copies if copy.running]
     day.answer(YES)
     day.wait_sent(first, "before the agents")
-    turned_away = day.start_agent()
-    assert turned_away.wait(10) == 0
     first.kill()
 
     agent = day.start_agent()

@@ -15,25 +15,16 @@ def text_of(**changes):
     return json.dumps(header(**changes)).encode()
 
 
-def without(key):
-    fields = header()
-    del fields[key]
-    return json.dumps(fields).encode()
-
-
 BAD_HEADERS = {
     "empty": (b"", "Invalid header of size 0 in dump folder!"),
     "cut": (text_of()[:-1], PARSE),
-    "trailing": (text_of() + b"x", PARSE),
     "objects": (b'{"Catalog":' * BRACKETS, PARSE),
     "unterminated": (b'{"Host":"' + b"x" * 30_000_000, PARSE),
     "encoding": (text_of(Host="?").replace(b"?", b"\xc3\x28"), PARSE),
     "no source of that name": (text_of(Source="MARTIAN"), PARSE),
     "text for number": (text_of(Changelist="7"), PARSE),
-    "attachments": (text_of(Catalog={"Attachments": {}}), PARSE),
-    **{f"no {key}": (without(key), PARSE) for key in (
-        "Host", "Time", "Application", "SubmissionType", "Catalog", "Exception", "Callstack", "ModuleInfo",
-        "Changelist")},
+    **{f"no {key}": (json.dumps({name: value for name, value in header().items() if name != key}).encode(), PARSE)
+       for key in header()},
 }
 
 
@@ -57,24 +48,15 @@ def test_bad_headers_give_their_text_and_the_next_goes_on(site, store, bucket):
     assert site.left_on_disk() == []
 
 
-def hostile_names(secret):
-    inside = windows_path(secret)
-    return [
-        "..\\secret.txt", "../secret.txt", "logs\\..\\..\\secret.txt", "logs/../../secret.txt", ".\\..\\secret.txt",
-        inside, inside.replace("\\", "/"), "\\" + inside[2:].lstrip("\\"), inside[2:], "Z:secret.txt",
-        "\\\\?\\" + inside, "\\\\.\\" + inside, "\\\\localhost\\share\\secret.txt",
-        "note.txt:stream", "note.txt::$DATA", "NUL", "nul.txt", "CON", "logs\\COM1", "aux .txt",
-        "linked\\secret.txt", "linked/secret.txt", "link.txt", "packed.txt",
-    ]
-
-
 def test_hostile_names_are_missing_files(site, store, bucket):
     outside = site.folder / "outside"
     outside.mkdir()
     secrets = [site.dumps / "secret.txt", site.folder / "secret.txt", outside / "secret.txt"]
     for path in secrets:
-        path.write_bytes(b"TOP SECRET " * 100)
-    names = hostile_names(secrets[1])
+        path.write_bytes(b"TOP SECRET")
+    inside = windows_path(secrets[1])
+    names = ["..\\secret.txt", "logs/../../secret.txt", inside, inside[2:], "Z:secret.txt", "\\\\?\\" + inside,
+             "note.txt:stream", "nul.txt", "linked\\secret.txt", "linked/secret.txt", "link.txt", "packed.txt"]
     folder = site.dumps / "hostile"
     write_folder(folder, {"note.txt": b"a note", "logs/太郎.txt": b"a log below", "game.log": b"log"},
                  header(Catalog=catalog(dump=names[0], log="game.log",
@@ -85,21 +67,19 @@ def test_hostile_names_are_missing_files(site, store, bucket):
     (folder / "header.json").chmod(0o444)
 
     with site.start() as agent:
-        site.wait_all_sent()
         assert agent.wait() == 0
     for name in names:
         assert f" Failed to copy or compress attachment {name}. Error=Failed to find attachment on disk\r\n" \
             in agent.stderr.decode()
 
-    (key,) = store.keys(bucket)
-    package = read_package(store.get(bucket, key))
+    package = read_package(store.get(bucket, *store.keys(bucket)))
     assert {entry.name: entry.original for entry in package.entries} == {
         "game.log": b"log", "note.txt": b"a note", "logs/太郎.txt": b"a log below"}
     assert package.header["Catalog"]["Dump"] == {"File": "", "MD5": ""}
     # Wine would delete what a link points to, so there the agent refuses, and the rest of the folder stays.
     assert not (folder / "header.json").exists() and not (folder / "game.log").exists()
     for path in secrets:
-        assert path.read_bytes() == b"TOP SECRET " * 100
+        assert path.read_bytes() == b"TOP SECRET"
 
 
 def test_linked_submissions_are_neither_sent_nor_deleted(site, store, bucket):
@@ -124,10 +104,8 @@ def test_files_as_games_name_them(site, store, bucket):
     names = ["plain.txt", "ready.txt", "trace.gz", "empty.txt", "missing.txt"]
     write_folder(site.dumps / "names", files, header(Catalog=catalog(dump="太郎.dmp", attachments=names)))
     with site.start() as agent:
-        site.wait_all_sent()
         assert agent.wait() == 0
-    (key,) = store.keys(bucket)
-    package = read_package(store.get(bucket, key))
+    package = read_package(store.get(bucket, *store.keys(bucket)))
     assert {entry.name: entry.original for entry in package.entries} == {
         "太郎.dmp": b"dump", "plain.txt": b"plain", "ready.txt": b"ready", "trace.gz": b"raw trace"}
     assert package.header["InstanceKey"] == "太郎"

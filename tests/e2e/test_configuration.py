@@ -7,45 +7,34 @@ from submissions import write_small
 from wine import windows_path
 
 
-@pytest.mark.parametrize("content, texts", [
-    (b'{"Application": "' + b"x" * 30_000_000, ["position ", "Failed to decode json header data!"]),
-    (b'{"Application": {"Processes": [], "Components": [], "ApplicationFolder": ""}}', ["", "Element is not an object"]),
+@pytest.mark.parametrize("content, error", [
+    (b'{"Application": "' + b"x" * 30_000_000, "Failed to decode json header data!"),
+    (b'{"Application": {"Processes": [], "Components": [], "ApplicationFolder": ""}}', "Element is not an object"),
 ], ids=["unterminated", "wrong kind"])
-def test_a_fault_of_the_application_stops_it(site, content, texts):
+def test_a_fault_of_the_application_stops_it(site, content, error):
     path = site.write_configuration(content)
     site.write_configuration = lambda: path
     with site.start() as agent:
         assert agent.wait() == 2
-    detail, error = texts
-    errors = agent.stderr.decode()
-    assert f" Initialization failure. Error={error}\r\n" in errors
-    assert not detail or f' Failed to parse file "{windows_path(path)}" at {detail}' in errors
+    assert f" Initialization failure. Error={error}\r\n" in agent.stderr.decode()
 
 
 FAULTY_PROCESSES = {
     # instance: (class, section or None, error)
     "A no section": ("Watcher", None, "configuration section not found"),
-    "A no object": ("Watcher", [], "configuration section found is not an object"),
     "A no folder": ("Watcher", {}, "Field not found in json"),
     "A wrong kind": ("Watcher", {"Folder": 3}, "Field not string"),
-    "A negative": ("Watcher", {"Folder": "f", "TimeBetweenChecks": -1}, "Field not unsigned integer"),
-    "A number for bool": ("Watcher", {"Folder": "f", "ShutdownAfterCheck": 1}, "Field not bool"),
     "A no metrics": ("Watcher", {"Folder": "f", "MetricsCollectorName": "M"},
                      "No metrics process to provide metrics collection for watcher"),
-    "B no watcher": ("Packager", {"WatcherName": "none"}, "No watcher process to provide submission for packager"),
     "B regex": ("Packager", {"WatcherName": "DumpWatcher", "AttachmentBlacklist": ["a", "("]},
                 "Invalid regular expression in attachment black list"),
     "B source": ("Packager", {"WatcherName": "DumpWatcher", "Source": "NOWHERE"},
                  "Unknown enum value found in data"),
-    "B limits": ("Packager", {"WatcherName": "DumpWatcher", "AttachmentLimits": {}}, "Not an array"),
     "C keys": ("UploaderS3", {"WatcherName": "PackageWatcher", "BucketName": "b", "AccessKey": "k"},
                "Field not found in json"),
-    "C no watcher": ("UploaderS3", {"WatcherName": "none", "BucketName": "b", "AccessKey": "k", "SecretKey": "s"},
-                     "No watcher process to provide submissions for uploader"),
     "C unknown key": ("UploaderS3", {"WatcherName": "PackageWatcher", "BucketName": "b", "AccessKey": "k",
                                      "SecretKey": "s", "askpermission": True},
                       "configuration section has an unknown key"),
-    "D no section": ("ProcessMonitor", None, "configuration section not found"),
 }
 
 

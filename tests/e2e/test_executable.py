@@ -22,17 +22,10 @@ def headers_of(program):
                           text=True).stdout
 
 
-@pytest.fixture(scope="module")
-def headers():
-    return headers_of(EXECUTABLE)
-
-
-def test_exports_exactly_these(headers):
+def test_exports_exactly_these_and_is_hardened():
+    headers = headers_of(EXECUTABLE)
     table = headers[headers.index("[Ordinal/Name Pointer] Table"):]
     assert set(re.findall(r"^\s*\[\s*\d+\]\s+(\S+)$", table, re.MULTILINE)) == EXPORTS
-
-
-def test_is_a_hardened_windows_program(headers):
     for mark in ("HIGH_ENTROPY_VA", "DYNAMIC_BASE", "NX_COMPAT", "(Windows GUI)"):
         assert mark in headers
 

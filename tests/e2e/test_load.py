@@ -7,11 +7,6 @@ from submissions import write_small
 COUNT = 1000
 
 
-def names_in(store, bucket):
-    """The submissions' names as their packages carry them, in no order."""
-    return [read_package(store.get(bucket, key)).header["Key"] for key in store.keys(bucket)]
-
-
 @pytest.mark.limit(240)
 def test_a_thousand_submissions_arrive(site, store, bucket):
     names = [f"load-{number:04}" for number in range(COUNT)]
@@ -22,7 +17,7 @@ def test_a_thousand_submissions_arrive(site, store, bucket):
         site.wait_all_sent(200)
         assert beside.quit() == 0
 
-    assert sorted(names_in(store, bucket)) == names
+    assert sorted(read_package(store.get(bucket, key)).header["Key"] for key in store.keys(bucket)) == names
     uploads = store.uploads()
     assert len(uploads) == COUNT, "one request each"
     assert max(upload["in_flight"] for upload in uploads) == 4

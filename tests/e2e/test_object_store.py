@@ -1,5 +1,6 @@
 """The clients of the store without the agent: one object against a real store, and against peers that no store
 resembles. Each client is the probe of a build: WinHTTP's under Wine, the AWS SDK's if the native build has it."""
+import contextlib
 import hashlib
 import os
 import re
@@ -22,11 +23,10 @@ LINE = re.compile(r'result="(.*)" etag=\[(.*)\] ms=(\d+)')
 class Probe:
     def __init__(self, name, bucket, scratch):
         self._windows = name == "winhttp"
-        self._command = [wine.ROOT / "scripts" / "run-wine.sh", wine.BIN / "ObjectStoreProbe.exe"]
+        self._command = ([wine.ROOT / "scripts" / "run-wine.sh", wine.BIN / "ObjectStoreProbe.exe"] if self._windows
+                         else [NATIVE_PROBE])
         # Curl, below the SDK, notices a transfer that stands still only after some seconds more.
         self.latest = TIMEOUT + (1 if self._windows else 8)
-        if not self._windows:
-            self._command = [NATIVE_PROBE]
         self._file = scratch / "object"
         self._arguments = {"bucket": bucket, "accessKey": ACCESS_KEY, "secretKey": SECRET_KEY,
                            "requestTimeout": int(TIMEOUT * 1000)}
@@ -57,22 +57,14 @@ def probe(request, bucket, scratch):
     return Probe(request.param, bucket, scratch)
 
 
-def tag_of(body):
-    return f'"{hashlib.md5(body).hexdigest()}"'
-
-
-@pytest.mark.parametrize("arguments", [{}, {"pathStyle": 1}, {"key": "a b/\N{LATIN SMALL LETTER U WITH DIAERESIS}+%~.x"}],
-                         ids=["package", "path-style", "odd-key"])
-def test_an_object_arrives(probe, store, bucket, arguments):
-    body = b"one package"
-    assert [outcome[:2] for outcome in probe.put(body, endpoint=store.endpoint, **arguments)] == [(True, tag_of(body))]
-    assert store.keys(bucket) == [arguments.get("key", tag_of(body).strip('"'))]
-
-
-def test_a_large_object_arrives_four_times_at_once(probe, store):
-    body = bytes(16 << 20)
-    outcomes = probe.put(body, endpoint=store.endpoint, parallel=4, requestTimeout=30000)
-    assert [outcome[:2] for outcome in outcomes] == [(True, tag_of(body))] * 4
+@pytest.mark.parametrize("size, arguments", [
+    (10, {"pathStyle": 1}), (10, {"key": "a b/\N{LATIN SMALL LETTER U WITH DIAERESIS}+%~.x"}),
+    (16 << 20, {"parallel": 4, "requestTimeout": 30000})], ids=["path-style", "odd-key", "large"])
+def test_an_object_arrives(probe, store, bucket, size, arguments):
+    digest = hashlib.md5(bytes(size)).hexdigest()
+    for outcome in probe.put(bytes(size), endpoint=store.endpoint, **arguments):
+        assert outcome[:2] == (True, f'"{digest}"')
+    assert store.keys(bucket) == [arguments.get("key", digest)]
 
 
 @pytest.mark.parametrize("arguments, statuses", [
@@ -106,15 +98,10 @@ def slowly_reading(connection, over):
         pass
 
 
-def refusing_early(connection, _):
-    connection.recv(1)
-    connection.sendall(b"HTTP/1.1 503 Slow Down\r\nContent-Length: 0\r\n\r\n")
-
-
 @pytest.mark.parametrize("scheme, peer, size", [
     ("http", silent, 10), ("http", dripping, 10), ("http", never_reading, 32 << 20), ("http", slowly_reading, 32 << 20),
-    ("http", refusing_early, 32 << 20), ("https", never_reading, 10),
-], ids=["silent", "drip", "never-read", "slow-read", "early", "no-tls"])
+    ("https", never_reading, 10),
+], ids=["silent", "drip", "never-read", "slow-read", "no-tls"])
 def test_no_peer_holds_a_client(probe, scheme, peer, size):
     with serving(peer) as port:
         assert probe.fails(b"x" * size, endpoint=f"{scheme}://127.0.0.1:{port}") < probe.latest + size / (32 << 20)
@@ -122,14 +109,12 @@ def test_no_peer_holds_a_client(probe, scheme, peer, size):
 
 def test_connecting_ends_with_its_own_timeout(probe):
     """A full backlog: the system answers no further connection."""
-    with socket.create_server(("127.0.0.1", 0), backlog=0) as server:
-        waiting = [socket.socket() for _ in range(4)]
-        for client in waiting:
+    with socket.create_server(("127.0.0.1", 0), backlog=0) as server, contextlib.ExitStack() as waiting:
+        for _ in range(4):
+            client = waiting.enter_context(socket.socket())
             client.setblocking(False)
             client.connect_ex(server.getsockname())
         seconds = probe.fails(b"x", endpoint=f"http://127.0.0.1:{server.getsockname()[1]}", connectTimeout=500)
-        for client in waiting:
-            client.close()
     assert 0.4 < seconds < 1
 
 
@@ -137,9 +122,8 @@ def test_connecting_ends_with_its_own_timeout(probe):
     (b'HTTP/1.1 200 OK\r\nETag: "a-B"\r\nContent-Length: 0\r\n\r\n', (True, '"a-B"')),
     (b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n", (True, "")),
     (b'HTTP/1.1 401 No\r\nWWW-Authenticate: NTLM\r\nETag: "a"\r\nContent-Length: 0\r\n\r\n', (False, "")),
-    (b"\x00\x01 not HTTP\r\n\r\n", (False, "")),
     (b"", (False, "")),
-], ids=["tag", "no-tag", "password-asked", "garbage", "nothing"])
+], ids=["tag", "no-tag", "password-asked", "nothing"])
 def test_answers(probe, answer, expected):
     heads = []
 
