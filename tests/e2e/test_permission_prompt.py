@@ -79,6 +79,20 @@ def test_answer_decides(site, store, bucket, display, act, sent):
         check_outcome(site, agent, store, bucket, sent)
 
 
+@pytest.mark.parametrize("key, sent", [("Return", 3), ("Escape", 0)])
+def test_asks_once_a_run(site, store, bucket, display, key, sent):
+    with prompted(site, display) as agent:
+        settled_prompt(display)
+        write_small(site.dumps, "two")
+        agent.agent.wait_for("Packaged folder two")
+        assert len(display.windows(ENGLISH)) == 1
+        display.press(key)
+        wait_all_gone(site)
+        write_small(site.dumps, "three")
+        agent.agent.wait_for("Packaged folder three")
+        check_outcome(site, agent, store, bucket, sent)
+
+
 def test_nothing_leaves_before_yes(site, store, bucket, display):
     site.configuration["Uploader"]["EndpointOverride"] = f"http://localhost:{store.ports['http']}"
     with prompted(site, display, WINEDEBUG="trace+winsock") as agent:

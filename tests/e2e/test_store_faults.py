@@ -80,3 +80,13 @@ def test_a_silent_store_fails_within_the_request_timeout(site, store, bucket):
         assert beside.quit() == 0
     assert_failed(beside.agent, 4)
     assert_later_run_sends(site, store, bucket, 4)
+
+
+def test_uploads_in_flight_end_before_the_agent(site, store, bucket):
+    write_small(site.dumps, "in-flight")
+    store.set_faults({"kind": "delay", "ms": 3000})
+    with site.start_with_game() as beside:
+        wait_until(lambda: store.uploads(), 20, "the upload's start")
+        assert beside.quit() == 0
+    assert " Waiting for 1 active uploads to complete\r\n" in beside.agent.text
+    assert len(store.keys(bucket)) == 1 and not site.waiting_packages()
