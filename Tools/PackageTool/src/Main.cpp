@@ -1,6 +1,10 @@
 #include <cstdio>
 #include <exception>
+#include <span>
+#include <string>
+#include <vector>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_Path.h"
 #include "Tools/PackageTool/src/Arguments.h"
 #include "Tools/PackageTool/src/ConfigCheck.h"
 #include "Tools/PackageTool/src/ConfigSchema.h"
@@ -69,8 +73,15 @@ ExitCode Run(const Arguments& arguments) {
     return ExitCode::WrongUsage; // not reached: parsing refuses other commands
 }
 
-ExitCode ParseAndRun(const std::vector<std::string>& words) {
+ExitCode ParseAndRun(std::span<const Platform::SystemText::value_type* const> given) {
     try {
+        std::vector<std::string> words(given.size());
+        for (std::size_t i = 0; i < given.size(); ++i) {
+            if (Platform::ToUtf8(given[i], words[i]) != Platform::NoError) {
+                Console::PrintError("an argument is not Unicode text");
+                return ExitCode::WrongUsage;
+            }
+        }
         Arguments arguments;
         std::string error;
         if (!ParseArguments(words, arguments, error)) {
@@ -86,7 +97,8 @@ ExitCode ParseAndRun(const std::vector<std::string>& words) {
 
 } // namespace
 
-int main(int argc, char** argv) {
+// main, or wmain where narrow arguments can't hold every name.
+int PACKAGE_TOOL_MAIN(int argc, Platform::SystemText::value_type** argv) {
     const Console::Session session;
     ExitCode code = ParseAndRun({argv + (argc > 0 ? 1 : 0), argv + argc});
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
