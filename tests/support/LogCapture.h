@@ -5,7 +5,6 @@
 #include <mutex>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <vector>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
@@ -15,12 +14,6 @@ namespace TestSupport {
 // Collects the log entries of all threads while it lives. One at a time.
 class LogCapture {
 public:
-    struct Entry {
-        std::wstring log;
-        std::string text; // what follows the time prefix
-        bool operator==(const Entry&) const = default;
-    };
-
     LogCapture() : m_previous(EXP_GetLogEventCallback()) {
         const std::lock_guard lock(s_lock);
         s_entries.clear();
@@ -30,17 +23,13 @@ public:
     LogCapture(const LogCapture&) = delete; // it owns the installed callback
     LogCapture& operator=(const LogCapture&) = delete;
 
-    std::vector<Entry> Entries() const {
-        const std::lock_guard lock(s_lock);
-        return s_entries;
-    }
-
     // The texts of one log, in their order.
     std::vector<std::string> Texts(std::wstring_view log) const {
         std::vector<std::string> texts;
-        for (Entry& entry : Entries()) {
+        const std::lock_guard lock(s_lock);
+        for (const Entry& entry : s_entries) {
             if (entry.log == log) {
-                texts.push_back(std::move(entry.text));
+                texts.push_back(entry.text);
             }
         }
         return texts;
@@ -49,11 +38,15 @@ public:
     std::vector<std::string> Errors() const { return Texts(Platform::ErrorLog); }
 
     bool Contains(std::wstring_view log, std::string_view text) const {
-        const std::vector<Entry> entries = Entries();
-        return std::ranges::find(entries, Entry{std::wstring(log), std::string(text)}) != entries.end();
+        return std::ranges::count(Texts(log), text) > 0;
     }
 
 private:
+    struct Entry {
+        std::wstring log;
+        std::string text; // what follows the time prefix
+    };
+
     static constexpr std::size_t PrefixLength = 22; // "[2026-01-31 23:59:59]\t"
 
     static void Collect(const wchar_t* logName, const char* data, uint32_t length, int) {

@@ -4,7 +4,6 @@
 
 TEST(AnswerGuard, AnswersCountAfterASecond) {
     constexpr uint64_t Start = uint64_t{1} << 33; // the system has run for months
-    constexpr uint64_t Month = 30ull * 24 * 3600 * 1000;
     AnswerGuard guard;
     EXPECT_FALSE(guard.AcceptsClick(Start));
     guard.Shown(Start);
@@ -20,7 +19,6 @@ TEST(AnswerGuard, AnswersCountAfterASecond) {
         {"too soon", Start + 999, false, false},
         {"in sight for a second", Start + 1000, true, false},
         {"with the keyboard for a second", Start + 1500, true, true},
-        {"a month later", Start + Month, true, true},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(guard.AcceptsClick(row.pressed), row.click) << row.when;

@@ -2,14 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/AssertCapture.h"
 #include "tests/support/LogCapture.h"
 
 namespace {
-
-std::shared_ptr<WindowsApplication> MakeApplication() {
-    return std::make_shared<WindowsApplication>(0, nullptr);
-}
 
 TEST(WindowsApplication, PassesWholeLinesOnWhileItLives) {
     const struct {
@@ -25,25 +20,12 @@ TEST(WindowsApplication, PassesWholeLinesOnWhileItLives) {
             Platform::LogWrite(Platform::InfoLog, text.c_str(), static_cast<uint32_t>(text.size()));
         };
         {
-            const auto application = MakeApplication();
+            const auto application = std::make_shared<WindowsApplication>(0, nullptr);
             write();
         }
         write();
         EXPECT_EQ(log.Infos(), (std::vector<std::string>{row.lines, row.text}));
     }
-}
-
-TEST(WindowsApplication, ThereIsOneAtATime) {
-    const TestSupport::LogCapture log;
-    const AssertCapture assertions;
-    {
-        const auto first = MakeApplication();
-        MakeApplication();
-        PLATFORM_LOG(Platform::InfoLog, " still here");
-    }
-    MakeApplication();
-    EXPECT_EQ(assertions.Texts(), std::vector<std::string>{"s_this == nullptr|"});
-    EXPECT_EQ(log.Infos(), std::vector<std::string>{" still here\r\n"});
 }
 
 } // namespace

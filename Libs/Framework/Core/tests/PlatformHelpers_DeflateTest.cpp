@@ -4,25 +4,28 @@
 #include <zlib.h>
 
 #include <algorithm>
+#include <limits>
 #include <random>
 #include <string>
 
+#include "Libs/Framework/Core/src/PlatformHelpers_Inflate.h"
+
 namespace {
 
-std::vector<uint8_t> Noise(std::size_t size) {
+using Bytes = std::vector<uint8_t>;
+
+Bytes Noise(std::size_t size) {
     std::mt19937 random(7);
-    std::vector<uint8_t> bytes(size);
-    for (uint8_t& byte : bytes) {
-        byte = static_cast<uint8_t>(random() >> 24);
-    }
+    Bytes bytes(size);
+    std::ranges::generate(bytes, [&] { return static_cast<uint8_t>(random() >> 24); });
     return bytes;
 }
 
 // Words in random order: compresses as a log file does.
-std::vector<uint8_t> Prose(std::size_t size) {
+Bytes Prose(std::size_t size) {
     const std::string words[] = {"frame ", "module ", "thread\n", "0x7ff", "kernel32.dll ", "4711 "};
     std::mt19937 random(11);
-    std::vector<uint8_t> bytes;
+    Bytes bytes;
     while (bytes.size() < size) {
         const std::string& word = words[random() % std::size(words)];
         bytes.insert(bytes.end(), word.begin(), word.end());
@@ -31,45 +34,39 @@ std::vector<uint8_t> Prose(std::size_t size) {
     return bytes;
 }
 
-// The gzip stream's content, or nothing unless the stream is whole and ends with the last byte.
-std::vector<uint8_t> Decompress(std::vector<uint8_t> packed, std::size_t expectedSize) {
-    std::vector<uint8_t> plain(expectedSize + 1);
-    z_stream stream = {};
-    EXPECT_EQ(inflateInit2(&stream, 16 + MAX_WBITS), Z_OK); // gzip alone
-    stream.next_in = packed.data();
-    stream.avail_in = static_cast<uInt>(packed.size());
-    stream.next_out = plain.data();
-    stream.avail_out = static_cast<uInt>(plain.size());
-    const int ret = inflate(&stream, Z_FINISH);
-    plain.resize(ret == Z_STREAM_END && stream.avail_in == 0 ? stream.total_out : 0);
-    inflateEnd(&stream);
-    return plain;
+Bytes Compressed(const Bytes& content) {
+    Bytes compressed;
+    EXPECT_STREQ(PlatformHelpers::Compress(content, compressed).Text(), "OK");
+    return compressed;
+}
+
+// Returns the result's text; unpacks into content as far as the stream and the limit allow.
+std::string Unpack(const Bytes& input, Bytes& content,
+                   uint64_t limit = std::numeric_limits<uint64_t>::max()) {
+    PlatformHelpers::InflateProgress progress;
+    content.clear();
+    const ResultCode result = PlatformHelpers::Decompress(
+        input, limit,
+        [&](std::span<const uint8_t> piece) {
+            content.insert(content.end(), piece.begin(), piece.end());
+            return true;
+        },
+        progress);
+    EXPECT_EQ(progress.produced, content.size());
+    return result.Text();
 }
 
 TEST(Compress, EmptyInputFailsAndAppendsNothing) {
-    std::vector<uint8_t> output;
+    Bytes output;
     EXPECT_STREQ(PlatformHelpers::Compress({}, output).Text(), "Failed to deflate file");
     EXPECT_TRUE(output.empty());
-}
-
-TEST(Compress, AnyGzipReaderGetsTheInputBack) {
-    for (const std::size_t size : {1u, 131071u, 131072u, 131073u, 262144u, 1000000u}) {
-        for (const auto& input : {Noise(size), Prose(size), std::vector<uint8_t>(size, 0)}) {
-            SCOPED_TRACE(testing::Message() << size << " bytes, the first " << int{input[0]});
-            std::vector<uint8_t> output = {1, 2, 3}; // what is there stays
-            ASSERT_TRUE(PlatformHelpers::Compress(input, output).Succeeded());
-            ASSERT_EQ(std::vector<uint8_t>(output.begin(), output.begin() + 3),
-                      (std::vector<uint8_t>{1, 2, 3}));
-            ASSERT_EQ(Decompress({output.begin() + 3, output.end()}, size), input);
-        }
-    }
 }
 
 // The settings, not only the format: zlib's one-call form with the same ones gives the same body. Without a
 // time, and with a file system that does not depend on where it runs, the header is the same everywhere.
 TEST(Compress, BytesAreTheSameEverywhere) {
-    std::vector<uint8_t> input = Prose(400000);
-    std::vector<uint8_t> expected(input.size());
+    Bytes input = Prose(400000);
+    Bytes expected(input.size());
     z_stream stream = {};
     ASSERT_EQ(deflateInit2(&stream, 9, Z_DEFLATED, 31, 9, Z_DEFAULT_STRATEGY), Z_OK);
     stream.next_in = input.data();
@@ -79,12 +76,57 @@ TEST(Compress, BytesAreTheSameEverywhere) {
     ASSERT_EQ(deflate(&stream, Z_FINISH), Z_STREAM_END);
     expected.resize(stream.total_out);
     deflateEnd(&stream);
-    const std::vector<uint8_t> header = {0x1F, 0x8B, 8, 0, 0, 0, 0, 0, 2, 11};
-    std::ranges::copy(header, expected.begin());
+    std::ranges::copy(Bytes{0x1F, 0x8B, 8, 0, 0, 0, 0, 0, 2, 11}, expected.begin());
+    EXPECT_EQ(Compressed(input), expected);
+}
 
-    std::vector<uint8_t> output;
-    ASSERT_TRUE(PlatformHelpers::Compress(input, output).Succeeded());
-    EXPECT_EQ(output, expected);
+TEST(Decompress, GivesBackWhatWasCompressed) {
+    Bytes content;
+    for (const std::size_t size : {1u, 65536u, 131071u, 131072u, 131073u, 262144u, 1000000u}) {
+        for (const auto& input : {Noise(size), Prose(size), Bytes(size, 0)}) {
+            EXPECT_EQ(Unpack(Compressed(input), content), "OK") << size;
+            ASSERT_EQ(content, input) << size;
+        }
+    }
+}
+
+TEST(Decompress, TakesStreamsInARowAsOneContent) {
+    Bytes row = Compressed({'a', 'b'});
+    ASSERT_TRUE(PlatformHelpers::Compress(Bytes{'c'}, row)); // what is there stays
+    Bytes content;
+    EXPECT_EQ(Unpack(row, content), "OK");
+    EXPECT_EQ(content, (Bytes{'a', 'b', 'c'}));
+    row.push_back(0);
+    EXPECT_EQ(Unpack(row, content), "Other bytes follow the gzip stream");
+}
+
+TEST(Decompress, RefusesEveryShorterOrChangedStream) {
+    const Bytes whole = Compressed(Noise(300));
+    Bytes content;
+    for (std::size_t size = 0; size < whole.size(); ++size) {
+        const Bytes shorter(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
+        EXPECT_EQ(Unpack(shorter, content),
+                  size < 2 ? "Not a gzip stream" : "The gzip stream ends too early");
+        Bytes changed = whole;
+        changed[size] = static_cast<uint8_t>(changed[size] ^ 0xFF);
+        if (size >= 10) { // the header's flags and time may change without harm
+            EXPECT_NE(Unpack(changed, content), "OK") << size;
+        }
+    }
+}
+
+TEST(Decompress, StopsAtTheLimitAndWhenTheSinkRefuses) {
+    const Bytes bomb = Compressed(Bytes(10 << 20));
+    Bytes content;
+    EXPECT_EQ(Unpack(bomb, content, 100000), "The unpacked content is over the limit");
+    EXPECT_LE(content.size(), 100000u);
+    EXPECT_EQ(Unpack(bomb, content, 10 << 20), "OK");
+    int calls = 0;
+    PlatformHelpers::InflateProgress progress;
+    const auto refuse = [&](std::span<const uint8_t>) { return ++calls == 0; };
+    EXPECT_STREQ(PlatformHelpers::Decompress(bomb, 10 << 20, refuse, progress).Text(),
+                 "The unpacked content was refused");
+    EXPECT_EQ(calls, 1);
 }
 
 } // namespace

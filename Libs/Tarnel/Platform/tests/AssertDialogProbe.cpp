@@ -35,10 +35,6 @@ DWORD OnEvent(const DEBUG_EVENT& event, HANDLE process, const char*& image) {
     switch (event.dwDebugEventCode) {
     case CREATE_PROCESS_DEBUG_EVENT:
         image = static_cast<const char*>(event.u.CreateProcessInfo.lpBaseOfImage);
-        CloseHandle(event.u.CreateProcessInfo.hFile);
-        return DBG_CONTINUE;
-    case LOAD_DLL_DEBUG_EVENT:
-        CloseHandle(event.u.LoadDll.hFile);
         return DBG_CONTINUE;
     case EXCEPTION_DEBUG_EVENT: {
         const EXCEPTION_RECORD& record = event.u.Exception.ExceptionRecord;

@@ -7,7 +7,6 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
-#include "tests/support/AssertCapture.h"
 #include "tests/support/ScratchFolder.h"
 
 using namespace Platform;
@@ -82,25 +81,6 @@ TEST(PlatformIO, FailuresHaveTheirOutcomes) {
         EXPECT_EQ(WriteWholeFile(path, Bytes(1)), WriteOutcome::OpenFailed) << path;
         EXPECT_FALSE(FolderListing(path + "none").Next());
     }
-    EXPECT_NE(FolderListing(scratch.PathOf("missing")).Error(), NoError);
-    EXPECT_NE(RemoveFile(scratch.PathOf("missing")), NoError);
-}
-
-TEST(PlatformIO, MisuseOfAFileIsReported) {
-    const TestSupport::ScratchFolder scratch;
-    const AssertCapture capture;
-    File file;
-    ReportOpening(file.Open(scratch.PathOf("file"), 0));
-    EXPECT_FALSE(file.Close());
-    ASSERT_EQ(file.Open(scratch.MakeFile("file", "1234"), FileRead), NoError);
-    EXPECT_EQ(file.Open(scratch.PathOf("file"), FileRead), File::AlreadyOpen);
-    EXPECT_EQ(capture.Texts(),
-              (std::vector<std::string>{
-                  "false|File access flags not specified",
-                  "file_handle != INVALID_HANDLE_VALUE|Invalid File Handle passed into CloseFile"}));
-    EXPECT_FALSE(WriteFileAt(file.Get(), 0, "x", 1));
-    ASSERT_EQ(capture.Failures().size(), 3u);
-    EXPECT_TRUE(capture.Failures()[2].message.starts_with("File write failed. Error code is "));
 }
 
 TEST(PlatformIO, TreesBeginBelowTheRoot) {
@@ -122,13 +102,6 @@ TEST(PlatformIO, TreesBeginBelowTheRoot) {
         EXPECT_EQ(CreateDirectoryTree(row.path.c_str()), row.isMade) << row.path;
         EXPECT_EQ(Exists(row.path), row.isMade) << row.path;
     }
-    const std::wstring wide = scratch.Wide() + L"/w/J\u00F6rg/\u592A/";
-    EXPECT_TRUE(CreateDirectoryTree(wide.c_str()));
-    EXPECT_TRUE(scratch.Exists("w/J\xC3\xB6rg/\xE5\xA4\xAA"));
-    const AssertCapture capture;
-    EXPECT_FALSE(CreateDirectoryTree(static_cast<const char*>(nullptr)));
-    EXPECT_FALSE(CreateDirectoryTree(static_cast<const wchar_t*>(nullptr)));
-    EXPECT_EQ(capture.Texts(), (std::vector<std::string>{"szCompleteFilePath|", "szCompleteFilePath|"}));
 }
 
 #if defined(_WIN32)

@@ -7,22 +7,12 @@
 
 #include "tests/support/OnThreads.h"
 
-TEST(SpinLock, ExcludesOtherThreads) {
-    Platform::SpinLock lock;
-    int counter = 0; // not atomic: lost updates would show
-    TestSupport::OnThreads(4, [&](int) {
-        for (int i = 0; i < 20000; ++i) {
-            const std::lock_guard guard(lock);
-            ++counter;
-        }
-    });
-    EXPECT_EQ(counter, 80000);
-}
-
-TEST(ReaderWriterLock, ReadersNeverSeeHalfAWrite) {
+TEST(Locks, ExcludeOtherThreads) {
     Platform::ReaderWriterLock lock;
-    int first = 0;
+    Platform::SpinLock spinLock;
+    int first = 0; // not atomic: lost updates would show
     int second = 0;
+    int rounds = 0;
     std::atomic<int> torn = 0;
     TestSupport::OnThreads(4, [&](int) {
         for (int i = 0; i < 5000; ++i) {
@@ -34,8 +24,11 @@ TEST(ReaderWriterLock, ReadersNeverSeeHalfAWrite) {
                 const std::shared_lock reader(lock);
                 torn += first != second;
             }
+            const std::lock_guard guard(spinLock);
+            ++rounds;
         }
     });
     EXPECT_EQ(torn, 0);
     EXPECT_EQ(second, 5000);
+    EXPECT_EQ(rounds, 20000);
 }

@@ -1,4 +1,0 @@
-// A program that exists for its version resource.
-int main() {
-    return 0;
-}
