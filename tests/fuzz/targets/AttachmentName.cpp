@@ -17,7 +17,8 @@ bool IsDevice(std::string part) {
         "com\xC2\xB3 lpt1 lpt2 lpt3 lpt4 lpt5 lpt6 lpt7 lpt8 lpt9 lpt\xC2\xB9 lpt\xC2\xB2 lpt\xC2\xB3 ";
     part.erase(std::min(part.find('.'), part.size()));
     part.erase(part.find_last_not_of(' ') + 1);
-    return Devices.find(" " + String::LowerAscii(part) + " ") != std::string_view::npos;
+    const bool isOneWord = part.find(' ') == std::string::npos; // two would match two names in a row
+    return isOneWord && Devices.find(" " + String::LowerAscii(part) + " ") != std::string_view::npos;
 }
 
 } // namespace
