@@ -43,7 +43,9 @@ def settled_prompt(display):
 
 
 def wait_all_gone(site):
-    wait_until(lambda: not any(site.packaged.iterdir()), 20, "every package sent or deleted")
+    # A submission's folder is deleted only after its package is complete.
+    wait_until(lambda: not any(site.dumps.iterdir()) and not any(site.packaged.iterdir()), 20,
+               "every package sent or deleted")
 
 
 def check_outcome(site, agent, store, bucket, sent):
