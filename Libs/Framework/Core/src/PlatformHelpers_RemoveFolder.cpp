@@ -40,8 +40,9 @@ private:
     const std::size_t m_topLength;
     const std::string m_shownFolder;
     const RetryPause& m_pause;
-    std::vector<std::vector<Entry>>
-        m_subFolders; // of each folder down to this one: those still to do, last first
+
+    // The sub-folders still to delete, the next one last, of each folder down to m_path.
+    std::vector<std::vector<Entry>> m_subFolders;
 };
 
 ResultCode FolderRemoval::Run() {

@@ -125,9 +125,9 @@ public:
     [[nodiscard]] bool Close();
 
     NativeHandle Get() const { return m_handle.Get(); }
-    NativeHandle Release() {
-        return m_handle.Release();
-    } // for a file that is to stay open until the process ends
+
+    // For a file that stays open until the process ends.
+    NativeHandle Release() { return m_handle.Release(); }
 
 private:
     friend class Folder;
