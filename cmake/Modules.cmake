@@ -22,7 +22,9 @@ endif()
 if(MSVC)
     # __FILE__ starts at the repository's root, as the reports show it.
     target_compile_options(morvane_options INTERFACE "/d1trimfile:${CMAKE_SOURCE_DIR}\\" /guard:cf)
-    target_link_options(morvane_options INTERFACE /guard:cf /DYNAMICBASE /HIGHENTROPYVA /NXCOMPAT)
+    target_link_options(morvane_options INTERFACE
+        /guard:cf /DYNAMICBASE /HIGHENTROPYVA /NXCOMPAT
+        /MANIFEST:NO) # every program has one in its resources, and there is room for one
     set(CMAKE_MSVC_RUNTIME_LIBRARY "MultiThreaded$<$<CONFIG:Debug>:Debug>")
 else()
     target_compile_options(morvane_options INTERFACE

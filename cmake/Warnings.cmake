@@ -3,6 +3,7 @@ add_library(morvane_warnings INTERFACE)
 if(MSVC)
     target_compile_options(morvane_warnings INTERFACE
         /W4 /WX /permissive- /utf-8 /Zc:__cplusplus /Zc:preprocessor
+        /wd4127  # conditions that are constant in one use of a macro, or on one system
         /wd4324) # padding added by alignas is what alignas asks for
 else()
     target_compile_options(morvane_warnings INTERFACE

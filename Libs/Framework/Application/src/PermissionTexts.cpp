@@ -33,7 +33,7 @@ constexpr std::array<uint16_t, 12> Languages = {
 
 // An identifier without its region.
 constexpr uint16_t PrimaryLanguage(uint16_t language) {
-    return language & 0x3ff;
+    return static_cast<uint16_t>(language & 0x3ff);
 }
 
 std::span<const wchar_t> FindBlock(HMODULE module, uint16_t language, unsigned id) {

@@ -8,6 +8,7 @@
 #include <mutex>
 #include <new>
 #include <string>
+#include <utility>
 
 #include "Libs/Framework/Core/src/Thread.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"

@@ -29,7 +29,8 @@ public:
 
     // Listed if any expression is found anywhere in the name. Time and stack depend on the expression and
     // grow at most linearly with the name; only an expression with back-references can search forever, and
-    // needs about a kilobyte of stack for each byte of the name.
+    // needs about a kilobyte of stack for each byte of the name. Built with Visual Studio's library, every
+    // search that takes too many steps or too much stack ends as Unknown.
     Verdict Judge(const std::string& name) const;
 
 private:

@@ -48,16 +48,18 @@ TEST(ParseText, TakesOneJsonTextInUtf8) {
         {"[\"\xED\xA0\x80\"]", "Invalid encoding in string.@2"},
         {R"(["\ud83d\ude00\ud7ff"])", "[\"\xF0\x9F\x98\x80\xED\x9F\xBF\"]"},
         {R"(["\ud800"])", "The surrogate pair in string is invalid.@2"},
-        {R"(["\ud83d\ude00\ude00"])", "The surrogate pair in string is invalid.@21"},
-        {R"({"\udc00":1})", "The surrogate pair in string is invalid.@9"},
         {"[1e-0000000001,0." + zeros + "1e400]", "[0.1,0.1]"},
         {"[1" + zeros + "]", "Number too big to be stored in double.@1"},
         {"[0.00000000000001e-2147483639]", "Number too big to be stored in double.@1"},
-        {"[18446744073709551615,18446744073709551616]", "[18446744073709551615,18446744073709553000.0]"},
+        {"[18446744073709551615,20000000000000000000]", "[18446744073709551615,20000000000000000000.0]"},
         {"[-9223372036854775808,-9223372036854775809]", "[-9223372036854775808,-9223372036854776000.0]"},
     };
     for (const auto& row : rows) {
         EXPECT_EQ(Rewritten(row.json), row.rewritten) << row.json;
+    }
+    for (const char* json :
+         {R"(["\ud83d\ude00\ude00"])", R"({"\udc00":1})"}) { // versions of RapidJSON differ in the place
+        EXPECT_TRUE(Rewritten(json).starts_with("The surrogate pair in string is invalid.@")) << json;
     }
 }
 

@@ -13,7 +13,7 @@ struct alignas(8) EmptyValue {
 };
 static_assert(offsetof(EmptyValue, terminator) == sizeof(BasicHeader));
 
-constexpr EmptyValue EmptyBasicString;
+constexpr EmptyValue EmptyBasicString = {};
 
 } // namespace
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <exception>
 #include <type_traits>
+#include <utility>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResolvePath.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
