@@ -5,6 +5,7 @@
 #   ./test.sh [STEP...]    all steps, in this order, without names
 #
 #   source    rules of the sources that a machine can check
+#   clang     the product's sources for Windows, read by a second compiler
 #   native    unit tests of what needs no Windows, with address and undefined-behaviour sanitizers
 #   threads   those of the modules that share state between threads, with the thread sanitizer
 #   fuzz      each fuzz target for some seconds
@@ -14,7 +15,7 @@ set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 
 steps=("$@")
-[ $# -gt 0 ] || steps=(source native threads fuzz debug e2e)
+[ $# -gt 0 ] || steps=(source clang native threads fuzz debug e2e)
 passed=0
 failed=()
 
@@ -79,6 +80,7 @@ scripts/setup.sh
 for name in "${steps[@]}"; do
     case $name in
     source) step source scripts/check-source.sh ;;
+    clang) step clang scripts/clang.py ;;
     native) step native native_tests ;;
     threads) step threads thread_tests ;;
     fuzz) step fuzz scripts/fuzz.sh --seconds 4 ;;
