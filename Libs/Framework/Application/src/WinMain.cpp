@@ -9,6 +9,7 @@
 
 #include "Libs/Framework/Application/src/WindowsApplication.h"
 #include "Libs/Framework/Core/src/CommonMain.h"
+#include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
@@ -34,6 +35,17 @@ std::vector<std::string> Arguments() {
     return arguments;
 }
 
+int RunWithArguments() {
+    const std::vector<std::string> arguments = Arguments();
+    std::vector<const char*> pointers;
+    pointers.reserve(arguments.size() + 1);
+    for (const std::string& argument : arguments) {
+        pointers.push_back(argument.c_str());
+    }
+    pointers.push_back(nullptr); // as main's arguments end
+    return CommonMain(static_cast<int>(arguments.size()), pointers.data());
+}
+
 } // namespace
 
 std::shared_ptr<ApplicationBase> CreateApplication(int argc, const char** argv) {
@@ -44,12 +56,13 @@ int WINAPI WinMain(HINSTANCE, HINSTANCE, LPSTR, int) {
     PLATFORM_ASSERT(GetMainThreadId() == GetCurrentThreadIdImpl());
     // A drive without a medium fails its call instead of asking the player for one.
     SetErrorMode(SEM_FAILCRITICALERRORS | SEM_NOOPENFILEERRORBOX);
-    const std::vector<std::string> arguments = Arguments();
-    std::vector<const char*> pointers;
-    pointers.reserve(arguments.size() + 1);
-    for (const std::string& argument : arguments) {
-        pointers.push_back(argument.c_str());
+    int exitCode = NoApplication;
+    const ResultCode result = ExceptionToResult([&] {
+        exitCode = RunWithArguments();
+        return Platform::Success;
+    });
+    if (!result) {
+        PLATFORM_LOG(Platform::ErrorLog, " The application could not be made. Error=%s", result.Text());
     }
-    pointers.push_back(nullptr); // as main's arguments end
-    return CommonMain(static_cast<int>(arguments.size()), pointers.data());
+    return exitCode;
 }

@@ -8,8 +8,6 @@
 
 namespace {
 
-enum ExitCode : int { Done = 0, NoApplication = 1, InitializeFailed = 2, RunFailed = 3, ShutdownFailed = 4 };
-
 void SetUpLogRoot(int argc, const char** argv) {
     const std::string folder = ResolveLogFolder(argc, argv, ".");
     if (const ResultCode result = SetLogRootFolder(folder); !result) {

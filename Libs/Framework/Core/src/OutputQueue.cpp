@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <condition_variable>
 #include <cstdio>
 #include <deque>
 #include <mutex>
@@ -22,6 +21,13 @@ struct Line {
     std::string text;
 };
 
+// The standard ones allocate when they are first used, and one whose allocation failed crashes its next user.
+struct QueueLock {
+    SRWLOCK section = SRWLOCK_INIT;
+    void lock() { AcquireSRWLockExclusive(&section); }
+    void unlock() { ReleaseSRWLockExclusive(&section); }
+};
+
 void WriteWhole(const Line& line) {
     DWORD written = 0;
     for (std::size_t done = 0; done < line.text.size(); done += written) {
@@ -36,8 +42,8 @@ void WriteWhole(const Line& line) {
 } // namespace
 
 struct OutputQueue::State {
-    std::mutex lock; // guards all of it
-    std::condition_variable changed;
+    QueueLock lock; // guards all of it
+    CONDITION_VARIABLE changed = CONDITION_VARIABLE_INIT;
     std::deque<Line> lines;
     std::size_t bytes = 0;      // of the texts in lines
     std::size_t dropped = 0;    // since the queue was full
@@ -52,8 +58,10 @@ struct OutputQueue::State {
 
     // The next line to write, once there is one. False at the end.
     bool Take(Line& line) {
-        std::unique_lock guard(lock);
-        changed.wait(guard, [this] { return closed || dropped > 0 || !lines.empty(); });
+        const std::lock_guard guard(lock);
+        while (!closed && dropped == 0 && lines.empty()) {
+            SleepConditionVariableSRW(&changed, &lock.section, INFINITE, 0);
+        }
         if (!lines.empty()) {
             line = std::move(lines.front());
             lines.pop_front();
@@ -96,14 +104,14 @@ void OutputQueue::Write(void* output, std::string_view text) {
     } catch (const std::bad_alloc&) {
         m_state->Drop(output);
     }
-    m_state->changed.notify_one();
+    WakeConditionVariable(&m_state->changed);
 }
 
 bool OutputQueue::Close() {
     {
         const std::lock_guard guard(m_state->lock);
         m_state->closed = true;
-        m_state->changed.notify_one();
+        WakeConditionVariable(&m_state->changed);
     }
     return WaitForSingleObject(m_thread->GetHandle(), LongestWait) == WAIT_OBJECT_0;
 }

@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <new>
 #include <utility>
 
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
@@ -13,14 +14,22 @@ namespace PlatformHelpers {
 
 namespace {
 
+SystemPath Made(SystemPath path) {
+    if (path.Error() == Platform::NoMemory) {
+        throw std::bad_alloc();
+    }
+    return path;
+}
+
 // The deletion of one folder. Works on the system's own names, so that also those are deleted that have no
 // UTF-8 form, and keeps its own stack, so that the depth of the folders does not matter.
 class FolderRemoval {
 public:
-    // shownFolder, with a trailing separator, stands for the path in log lines.
-    FolderRemoval(SystemPath path, std::string shownFolder, const RetryPause& pause)
+    // shownFolder, with a trailing separator, stands for the path in log lines. isReported becomes true if a
+    // failure has its line in the log.
+    FolderRemoval(SystemPath path, std::string shownFolder, const RetryPause& pause, bool& isReported)
         : m_path(std::move(path)), m_topLength(m_path.Text().size()), m_shownFolder(std::move(shownFolder)),
-          m_pause(pause) {}
+          m_pause(pause), m_isReported(isReported) {}
 
     ResultCode Run();
 
@@ -33,13 +42,14 @@ private:
 
     ResultCode EnterFolder();
     ResultCode RemoveFiles(std::vector<Entry>& files);
-    ResultCode Remove(const SystemPath& path, Kind kind) const;
+    ResultCode Remove(const SystemPath& path, Kind kind);
     std::string Shown(const SystemPath& path) const;
 
     SystemPath m_path; // the folder that is being worked on
     const std::size_t m_topLength;
     const std::string m_shownFolder;
     const RetryPause& m_pause;
+    bool& m_isReported;
 
     // The sub-folders still to delete, the next one last, of each folder down to m_path.
     std::vector<std::vector<Entry>> m_subFolders;
@@ -54,16 +64,16 @@ ResultCode FolderRemoval::Run() {
         std::vector<Entry>& subFolders = m_subFolders.back();
         if (subFolders.empty()) {
             RETURN_IF_FAILED(Remove(m_path, Kind::Folder));
-            m_path = m_path.Parent();
+            m_path = Made(m_path.Parent());
             m_subFolders.pop_back();
             continue;
         }
         const Entry subFolder = std::move(subFolders.back());
         subFolders.pop_back();
         if (subFolder.isLink) {
-            RETURN_IF_FAILED(Remove(m_path.Below(subFolder.name), Kind::Folder));
+            RETURN_IF_FAILED(Remove(Made(m_path.Below(subFolder.name)), Kind::Folder));
         } else {
-            m_path = m_path.Below(subFolder.name);
+            m_path = Made(m_path.Below(subFolder.name));
             RETURN_IF_FAILED(EnterFolder());
         }
     }
@@ -94,18 +104,20 @@ ResultCode FolderRemoval::RemoveFiles(std::vector<Entry>& files) {
     const auto others = std::stable_partition(
         files.begin(), files.end(), [](const Entry& file) { return file.isReadOnly && !file.isLink; });
     for (auto file = files.begin(); file != others; ++file) {
-        const SystemPath path = m_path.Below(file->name);
-        RETURN_IF_FAILED(SetReadOnly(path, Shown(path), false, m_pause));
+        const SystemPath path = Made(m_path.Below(file->name));
+        const ResultCode result = SetReadOnly(path, Shown(path), false, m_pause);
+        m_isReported = !result;
+        RETURN_IF_FAILED(result);
     }
     for (const Entry& file : files) {
-        RETURN_IF_FAILED(Remove(m_path.Below(file.name), Kind::File));
+        RETURN_IF_FAILED(Remove(Made(m_path.Below(file.name)), Kind::File));
     }
     return Platform::Success;
 }
 
 // A file, an empty folder, or a link to either, which is deleted alone. The read-only attribute may keep the
 // system from deleting a folder or a link.
-ResultCode FolderRemoval::Remove(const SystemPath& path, Kind kind) const {
+ResultCode FolderRemoval::Remove(const SystemPath& path, Kind kind) {
     const auto remove = [&] {
         return kind == Kind::File ? Platform::RemoveFile(path) : RemoveEmptyFolder(path);
     };
@@ -119,6 +131,7 @@ ResultCode FolderRemoval::Remove(const SystemPath& path, Kind kind) const {
                    : error;
     };
     const SystemError error = Platform::RetryWhileHeld(attempt, m_pause);
+    m_isReported = error != NoError;
     return error == NoError ? Platform::Success
                             : RemovalFailure(kind, Shown(path) + (kind == Kind::Folder ? "\\" : ""), error);
 }
@@ -139,18 +152,25 @@ ResultCode RemoveFolder(const std::string& path) {
 }
 
 ResultCode RemoveFolder(const std::string& path, const RetryPause& pause) {
-    return ExceptionToResult([&]() -> ResultCode {
-        std::string shownFolder = path;
-        RETURN_IF_FAILED(EnsureTrailingFolderSeparator(shownFolder));
-        SystemPath systemPath(path);
-        if (systemPath.Error() != NoError) {
-            return "Removing folder failed! Failed to convert folder path from multi-byte to wide string!";
-        }
-        if (systemPath.IsRoot()) {
-            return RemovalFailure(Kind::Folder, shownFolder, RemoveEmptyFolder(systemPath));
-        }
-        return FolderRemoval(std::move(systemPath), std::move(shownFolder), pause).Run();
-    });
+    bool isReported = false;
+    const auto attempt = [&] {
+        return ExceptionToResult([&]() -> ResultCode {
+            std::string shownFolder = path;
+            RETURN_IF_FAILED(EnsureTrailingFolderSeparator(shownFolder));
+            SystemPath systemPath = Made(path);
+            if (systemPath.Error() != NoError) {
+                return "Removing folder failed! Failed to convert folder path from multi-byte to wide "
+                       "string!";
+            }
+            if (systemPath.IsRoot()) {
+                return RemovalFailure(Kind::Folder, shownFolder, RemoveEmptyFolder(systemPath));
+            }
+            return FolderRemoval(std::move(systemPath), std::move(shownFolder), pause, isReported).Run();
+        });
+    };
+    // A deletion was repeated already; a listing or the memory may have failed just once.
+    const ResultCode result = attempt();
+    return result || isReported ? result : attempt();
 }
 
 } // namespace PlatformHelpers

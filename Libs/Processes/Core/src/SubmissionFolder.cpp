@@ -8,7 +8,7 @@
 namespace {
 
 bool IsOfTheMachine(Platform::SystemError error) {
-    return Platform::IsHeld(error) || error == Platform::NoMemory;
+    return error != Platform::Folder::NotInside && error != Platform::NotText && !Platform::IsMissing(error);
 }
 
 } // namespace

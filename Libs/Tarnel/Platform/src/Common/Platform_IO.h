@@ -67,8 +67,12 @@ bool Exists(const SystemPath& path) noexcept; // of whatever kind; false too if 
 // out.
 bool IsHeld(SystemError error);
 
+// No file of that name is there: not an error of the disk, the network or the memory, after which one may be.
+bool IsMissing(SystemError error);
+
 // Ten attempts while it is held, with pauses of 2, 4, 8 ... 512 ms between them. pause waits for that time,
-// or less.
+// or less. Any other failure but a missing file gets a second attempt at once: a disk, a network or the
+// memory may fail once.
 using RetryPause = std::function<void(uint32_t milliseconds)>;
 inline constexpr uint32_t LastRetryPause = 512;
 inline constexpr uint32_t AllRetryPauses = 1022; // their sum
@@ -78,6 +82,9 @@ void SleepFor(uint32_t milliseconds);
 template <class Attempt> // returns a SystemError
 SystemError RetryWhileHeld(Attempt attempt, const RetryPause& pause = SleepFor) {
     SystemError error = attempt();
+    if (error != NoError && !IsHeld(error) && !IsMissing(error)) {
+        error = attempt();
+    }
     for (uint32_t delay = 2; IsHeld(error) && delay <= LastRetryPause; delay *= 2) {
         pause(delay);
         error = attempt();

@@ -81,6 +81,11 @@ bool IsHeld(SystemError) {
     return false; // no program can lock others out here
 }
 
+bool IsMissing(SystemError error) {
+    return error == ENOENT || error == ENOTDIR || error == EISDIR || error == ENAMETOOLONG ||
+           error == ELOOP || error == EINVAL;
+}
+
 SystemError File::Open(const SystemPath& path, uint32_t access, uint32_t, Patience) noexcept {
     if (m_handle) {
         return AlreadyOpen;

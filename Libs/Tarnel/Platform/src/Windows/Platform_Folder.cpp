@@ -13,6 +13,10 @@ namespace {
 
 // linkFlag: FILE_FLAG_OPEN_REPARSE_POINT opens a link itself.
 KernelHandle OpenToAsk(const SystemPath& path, DWORD linkFlag) {
+    if (path.Error() != NoError) {
+        SetLastError(path.Error());
+        return KernelHandle();
+    }
     return KernelHandle(CreateFileW(path.Get(), FILE_READ_ATTRIBUTES, ShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS | linkFlag, nullptr));
 }
@@ -27,20 +31,25 @@ bool AskWhatItIs(const KernelHandle& handle, FileInfo& info) {
     return true;
 }
 
-// What the system calls the opened file, after all links and without its volume. Empty if there is no answer.
-std::wstring NameOf(NativeHandle handle) {
+// Where an opened file really is: its name after all links, without the volume.
+struct Place {
+    DWORD volume = 0;
+    std::wstring name;
+};
+
+SystemError FindPlace(NativeHandle handle, Place& place) {
     constexpr std::size_t MaxPathUnits = 32768;
     struct {
         DWORD bytes;
         wchar_t name[MaxPathUnits];
     } answer;
-    const bool answered = GetFileInformationByHandleEx(handle, FileNameInfo, &answer, sizeof(answer)) != 0;
-    return answered ? std::wstring(answer.name, answer.bytes / sizeof(wchar_t)) : std::wstring();
-}
-
-DWORD VolumeOf(NativeHandle handle) {
     BY_HANDLE_FILE_INFORMATION data = {};
-    return GetFileInformationByHandle(handle, &data) ? data.dwVolumeSerialNumber : 0;
+    if (!GetFileInformationByHandleEx(handle, FileNameInfo, &answer, sizeof(answer)) ||
+        !GetFileInformationByHandle(handle, &data)) {
+        return LastError();
+    }
+    place = {data.dwVolumeSerialNumber, std::wstring(answer.name, answer.bytes / sizeof(wchar_t))};
+    return NoError;
 }
 
 // Without the dots and blanks at the end of every name: some layers report names without them.
@@ -56,39 +65,58 @@ std::wstring WithoutNameTails(std::wstring_view path) {
     return plain;
 }
 
-// Whether the opened file is the one of that name below the opened folder, and no other that a link leads to.
-bool IsNamedBelow(NativeHandle file, NativeHandle folder, std::wstring_view name) {
-    std::wstring expected = NameOf(folder);
-    if (expected.empty() || VolumeOf(file) != VolumeOf(folder)) {
-        return false;
+// NotInside if the opened file is not the one of that name below the opened folder: a link led to it.
+SystemError CheckPlace(NativeHandle file, NativeHandle folder, std::wstring_view name) {
+    Place expected;
+    Place actual;
+    SystemError error = FindPlace(folder, expected);
+    error = error == NoError ? FindPlace(file, actual) : error;
+    if (error != NoError) {
+        return error;
     }
-    expected.append(expected.back() == L'\\' ? L"" : L"\\").append(name);
-    expected = WithoutNameTails(expected);
-    const std::wstring actual = WithoutNameTails(NameOf(file));
-    return CompareStringOrdinal(actual.c_str(), static_cast<int>(actual.size()), expected.c_str(),
-                                static_cast<int>(expected.size()), TRUE) == CSTR_EQUAL;
+    expected.name.append(expected.name.ends_with(L'\\') ? L"" : L"\\").append(name);
+    expected.name = WithoutNameTails(expected.name);
+    actual.name = WithoutNameTails(actual.name);
+    const bool isSame =
+        actual.volume == expected.volume &&
+        CompareStringOrdinal(actual.name.c_str(), static_cast<int>(actual.name.size()), expected.name.c_str(),
+                             static_cast<int>(expected.name.size()), TRUE) == CSTR_EQUAL;
+    return isSame ? NoError : Folder::NotInside;
 }
 
 } // namespace
 
-bool IsHostLink(const SystemPath& path) noexcept try {
+SystemError CheckForHostLink(const SystemPath& path) noexcept try {
     static const bool isWine = GetProcAddress(GetModuleHandleW(L"ntdll.dll"), "wine_get_version") != nullptr;
     if (!isWine || path.IsRoot()) {
-        return false;
+        return NoError;
     }
     const SystemPath parent = path.Parent();
     const KernelHandle opened = OpenToAsk(path, FILE_FLAG_OPEN_REPARSE_POINT);
+    if (!opened) {
+        return LastError();
+    }
     const KernelHandle folder = OpenToAsk(parent, 0);
-    return opened && folder &&
-           !IsNamedBelow(opened.Get(), folder.Get(), path.Text().substr(path.Text().rfind(L'\\') + 1));
+    return folder ? CheckPlace(opened.Get(), folder.Get(), path.Text().substr(path.Text().rfind(L'\\') + 1))
+                  : LastError();
 } catch (const std::exception&) {
-    return true; // unknown: treat it as a link, never follow it
+    return NoMemory;
 }
 
+// What the system can't tell counts as a link, which nobody follows.
 bool IsLink(const SystemPath& path) noexcept {
-    const KernelHandle handle = OpenToAsk(path, FILE_FLAG_OPEN_REPARSE_POINT);
-    FileInfo info;
-    return handle && AskWhatItIs(handle, info) && (info.IsLink() || IsHostLink(path));
+    bool isLink = false;
+    const SystemError error = RetryWhileHeld([&] {
+        const KernelHandle handle = OpenToAsk(path, FILE_FLAG_OPEN_REPARSE_POINT);
+        FileInfo info;
+        if (!handle || !AskWhatItIs(handle, info)) {
+            return LastError();
+        }
+        const SystemError hostLink = CheckForHostLink(path);
+        isLink = info.IsLink() || hostLink == Folder::NotInside;
+        return isLink ? NoError : hostLink;
+    });
+    return isLink || (error != NoError && !IsMissing(error));
 }
 
 SystemError QueryIdentity(const SystemPath& path, FileIdentity& identity) noexcept {
@@ -106,9 +134,10 @@ SystemError Folder::Open(SystemPath path) noexcept {
     m_handle = OpenToAsk(m_path, FILE_FLAG_OPEN_REPARSE_POINT);
     FileInfo info;
     if (!m_handle || !AskWhatItIs(m_handle, info)) {
-        return m_path.Error() != NoError ? m_path.Error() : LastError();
+        return LastError();
     }
-    return info.IsLink() || IsHostLink(m_path) ? NotInside : info.IsFolder() ? NoError : ERROR_DIRECTORY;
+    const SystemError error = info.IsLink() ? NotInside : CheckForHostLink(m_path);
+    return error != NoError || info.IsFolder() ? error : ERROR_DIRECTORY;
 }
 
 SystemError Folder::OpenFile(std::string_view name, Patience patience, File& file) const noexcept try {
@@ -117,16 +146,15 @@ SystemError Folder::OpenFile(std::string_view name, Patience patience, File& fil
         return ERROR_INVALID_HANDLE;
     }
     File opened;
-    const SystemError error = opened.Open(path, FileRead, ShareAll, patience);
-    if (error != NoError) {
-        return error;
-    }
     const std::size_t start = m_path.Text().size() + (m_path.IsRoot() ? 0 : 1);
-    if (!IsNamedBelow(opened.Get(), m_handle.Get(), std::wstring_view(path.Text()).substr(start))) {
-        return NotInside;
+    SystemError error = opened.Open(path, FileRead, ShareAll, patience);
+    if (error == NoError) {
+        error = CheckPlace(opened.Get(), m_handle.Get(), std::wstring_view(path.Text()).substr(start));
     }
-    file = std::move(opened);
-    return NoError;
+    if (error == NoError) {
+        file = std::move(opened);
+    }
+    return error;
 } catch (const std::exception&) {
     return NoMemory;
 }

@@ -13,6 +13,7 @@
 #include <memory>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 #include "Libs/Tarnel/Platform/src/Windows/Platform_WindowsFile.h"
 #include "Libs/Tarnel/Types/src/Types_Limits.h"
 
@@ -32,7 +33,10 @@ SystemError ChangeEntry(const SystemPath& path, Change change) noexcept {
     if (path.Error() != NoError) {
         return path.Error();
     }
-    return IsHostLink(path) ? ERROR_SYMLINK_NOT_SUPPORTED : ErrorUnless(change(path.Get()));
+    const SystemError error = CheckForHostLink(path);
+    return error == NoError             ? ErrorUnless(change(path.Get()))
+           : error == Folder::NotInside ? ERROR_SYMLINK_NOT_SUPPORTED
+                                        : error;
 }
 
 SystemError OpenFile(const SystemPath& path, uint32_t access, uint32_t share, KernelHandle& handle,
@@ -105,6 +109,13 @@ SystemError RenameFile(const SystemPath& from, const SystemPath& to) noexcept {
 
 bool IsHeld(SystemError error) {
     return error == ERROR_ACCESS_DENIED || error == ERROR_SHARING_VIOLATION;
+}
+
+bool IsMissing(SystemError error) {
+    constexpr SystemError Errors[] = {ERROR_FILE_NOT_FOUND,       ERROR_PATH_NOT_FOUND, ERROR_INVALID_NAME,
+                                      ERROR_FILENAME_EXCED_RANGE, ERROR_BAD_PATHNAME,   ERROR_DIRECTORY,
+                                      ERROR_CANT_RESOLVE_FILENAME};
+    return std::ranges::find(Errors, error) != std::end(Errors);
 }
 
 SystemError File::Open(const SystemPath& path, uint32_t access, uint32_t share, Patience patience) noexcept {

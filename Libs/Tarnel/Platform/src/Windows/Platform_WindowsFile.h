@@ -36,7 +36,7 @@ FileInfo ToFileInfo(const SystemInfo& from) {
 }
 
 // Wine resolves links of its host without being asked, so a call meant for the link would reach its target.
-// On Windows this is never true.
-bool IsHostLink(const SystemPath& path) noexcept;
+// Folder::NotInside for such a link, and the system's error if it can't tell. On Windows never a failure.
+[[nodiscard]] SystemError CheckForHostLink(const SystemPath& path) noexcept;
 
 } // namespace Platform
