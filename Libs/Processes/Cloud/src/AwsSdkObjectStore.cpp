@@ -13,6 +13,7 @@
 #include <aws/s3/S3Client.h>
 #include <aws/s3/model/PutObjectRequest.h>
 
+#include "Libs/Processes/Cloud/src/AwsSdkTransport.h"
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
 
@@ -46,7 +47,7 @@ void SetWhatVersionsDifferIn(Configuration& configuration) {
 
 // The SDK's timeouts start again with every byte, and some transports have none for an answer that drips.
 // This one starts again only when bytes were sent. The SDK asks between two pieces of the body or the answer,
-// so a silent store is left to the transport's own timeout.
+// so a silent store is left to the transport's own timeouts.
 void LimitWaiting(Aws::S3::Model::PutObjectRequest& put, uint32_t timeoutMs) {
     using Clock = std::chrono::steady_clock;
     const auto deadline = [timeoutMs] { return Clock::now() + std::chrono::milliseconds(timeoutMs); };
@@ -137,7 +138,10 @@ std::unique_ptr<IObjectStore> CreateObjectStore(const ObjectStoreConfig& config)
 
 ResultCode InitializeObjectStores() {
     ForbidInstanceMetadata();
-    const Aws::SDKOptions options; // no logging, no memory manager, the SDK's own HTTP and hashing
+    Aws::SDKOptions options; // no logging, no memory manager, the SDK's own hashing
+#ifdef _WIN32
+    options.httpOptions.httpClientFactory_create_fn = CreateSdkTransport;
+#endif
     Aws::InitAPI(options);
     g_isRunning = true;
     return Platform::Success;
