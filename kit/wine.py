@@ -61,6 +61,7 @@ class Program:
     Both outputs are read by threads as they come; lines keep their order within one output. With reads=False nobody
     reads them, and the pipes hold one page, until read() is called.
     """
+    started = []  # all of them
 
     def __init__(self, executable, *arguments, cwd=None, command=(), variables=None, reads=True):
         self._process = subprocess.Popen(
@@ -70,6 +71,7 @@ class Program:
         self._arrival = threading.Condition()
         self._output = {"stdout": b"", "stderr": b""}
         self._readers = [threading.Thread(target=self._read, args=(name,), daemon=True) for name in self._output]
+        self.started.append(self)
         if reads:
             self.read()
 

@@ -55,6 +55,15 @@ def limit(request):
     signal.alarm(0)
 
 
+@pytest.fixture(autouse=True)
+def programs():
+    """Ends what a failed test left running: the next test's windows would compete with its own."""
+    yield
+    for program in wine.Program.started:
+        program.kill()
+    wine.Program.started.clear()
+
+
 def short_name(request):
     """The test's name in characters that buckets and folders allow, with a number that makes it unique."""
     name = re.sub(r"[^a-z0-9]+", "-", request.node.name.lower())[:48].strip("-")

@@ -80,7 +80,11 @@ class Display:
                               **{"stdout": subprocess.PIPE, **options})
 
     def _read(self, what):
-        return json.loads(self._wine(READER, what).stdout, object_hook=lambda fields: Window(**fields))
+        try:
+            output = self._wine(READER, what).stdout
+        except subprocess.CalledProcessError:  # Wine ends a program whose call met a window that has just gone
+            output = self._wine(READER, what).stdout
+        return json.loads(output, object_hook=lambda fields: Window(**fields))
 
     def _x(self, *command):
         return subprocess.run(command, env=self.variables(), check=True, timeout=30, stdout=subprocess.PIPE).stdout
