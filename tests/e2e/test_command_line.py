@@ -41,6 +41,18 @@ def test_a_quiet_run_says_exactly_this(idle):
     assert agent.stderr == b"" and re.fullmatch(rb"(%s)+" % LINE.pattern, agent.stdout)
 
 
+def test_the_agent_explains_its_options_instead_of_starting(idle):
+    for question, answers in (("-?", ["1.0.0.0 (1)", *"-config= -appFolder= -log= -console -process=".split()]),
+                              ("--VERSION", ["MorvaneCrashReporter 1.0.0.0 (1)\r\n"])):
+        with idle.start(question) as agent:
+            assert agent.wait() == 0
+        assert all(answer in agent.text for answer in answers) and not (idle.folder / "app").exists()
+    with idle.start("-proces=Game.exe", "-console=1", "-LOGS=x", "plain") as agent:
+        assert agent.wait() == 0
+    assert re.findall(r'option "(.*?)", did you mean "(.*?)"', agent.stderr.decode()) == [
+        ("-proces=Game.exe", "-process="), ("-console=1", "-console")]
+
+
 def test_folders_are_made_with_their_parents(idle):
     app, log = idle.folder / "a 太郎" / "b", idle.folder / "logs" / "deep"
     code, agent = run(f"-config={windows_path(idle.write_configuration())}", f"-APPFOLDER={windows_path(app)}",

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Libs/Framework/Application/src/UsageText.h"
 #include "Libs/Framework/Application/src/WindowsApplication.h"
 #include "Libs/Framework/Core/src/CommonMain.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
@@ -43,7 +44,12 @@ int RunWithArguments() {
         pointers.push_back(argument.c_str());
     }
     pointers.push_back(nullptr); // as main's arguments end
-    return CommonMain(static_cast<int>(arguments.size()), pointers.data());
+    const int count = static_cast<int>(arguments.size());
+    if (const std::string answer = UsageText::Answer(count, pointers.data()); !answer.empty()) {
+        UsageText::Show(answer);
+        return Done;
+    }
+    return CommonMain(count, pointers.data());
 }
 
 } // namespace

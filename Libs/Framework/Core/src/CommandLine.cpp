@@ -1,7 +1,10 @@
 #include "Libs/Framework/Core/src/CommandLine.h"
 
+#include <algorithm>
 #include <cstring>
+#include <vector>
 
+#include "Libs/Shared/src/ConfigKeys.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
 namespace {
@@ -40,4 +43,17 @@ bool CommandLine::HasFlag(int argc, const char* const* argv, const char* flag) {
         }
     }
     return false;
+}
+
+std::string_view CommandLine::ProbablyMeant(const char* argument) {
+    static constexpr const char* WithValue[] = {"-config", "-appFolder", "-log", "-process"};
+    static const std::vector<std::string_view> Known = {
+        "-config=", "-appFolder=", "-log=", "-process=", "-console", "-help"};
+    const auto isGiven = [&](const char* option) { return ValueOfArgument(argument, option) != nullptr; };
+    if (!argument || *argument != '-' || _stricmp(argument, "-console") == 0 ||
+        std::ranges::any_of(WithValue, isGiven)) {
+        return {};
+    }
+    const std::string_view word(argument);
+    return ConfigKeys::Nearest(word.substr(0, word.find('=')), Known);
 }

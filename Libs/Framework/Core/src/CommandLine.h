@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 
 // The grammar of the command line. An argument gives option "-log" a value if it begins with "-log", in any
 // case, and has a "=" anywhere; the value is everything after the first "=". So "-logs=x" counts as "-log",
@@ -17,5 +18,9 @@ std::optional<std::string> FindOption(int argc, const char* const* argv, const c
 
 // Whether an argument is exactly the flag, in any case.
 bool HasFlag(int argc, const char* const* argv, const char* flag);
+
+// The option that was probably meant by an argument that begins like one and is none that the agent knows;
+// empty for any other argument. May throw std::bad_alloc.
+std::string_view ProbablyMeant(const char* argument);
 
 } // namespace CommandLine

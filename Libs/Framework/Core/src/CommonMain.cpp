@@ -1,6 +1,7 @@
 #include "Libs/Framework/Core/src/CommonMain.h"
 
 #include "Libs/Framework/Core/src/ApplicationFolders.h"
+#include "Libs/Framework/Core/src/CommandLine.h"
 #include "Libs/Framework/Core/src/ConsoleLogSink.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
@@ -13,6 +14,15 @@ void SetUpLogRoot(int argc, const char** argv) {
     if (const ResultCode result = SetLogRootFolder(folder); !result) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to set log root folder to \"%s\". Error=%s", folder.c_str(),
                      result.Text());
+    }
+}
+
+void ReportMisspeltOptions(int argc, const char** argv) {
+    for (int i = 1; i < argc; ++i) {
+        if (const std::string_view meant = CommandLine::ProbablyMeant(argv[i]); !meant.empty()) {
+            PLATFORM_LOG(Platform::ErrorLog, " Unknown option \"%s\", did you mean \"%s\"? -help says more.",
+                         Platform::ShownName(argv[i]).text, meant.data());
+        }
     }
 }
 
@@ -47,6 +57,7 @@ int CommonMain(int argc, const char** argv) {
         return NoApplication;
     }
     LogVersion(*application);
+    ReportMisspeltOptions(argc, argv);
 
     PLATFORM_LOG(Platform::InfoLog, " initializing application...");
     ResultCode result = ExceptionToResult([&] { return application->Initialize(argc, argv); });
