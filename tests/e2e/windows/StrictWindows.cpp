@@ -8,6 +8,7 @@
 //                  relative to the executable, and at the end a line "CLASS CALLS" for each class
 //   STRICT_FAULT   "CLASS FIRST LAST ERROR": calls FIRST to LAST of the class fail with that Windows error
 //   STRICT_ANSWER  what a dialog returns instead of being shown
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -26,33 +27,17 @@
 
 namespace {
 
-// Up to Folders the calls take paths.
-enum Class {
-    Open,
-    Attributes,
-    Rename,
-    Delete,
-    List,
-    Folders,
-    Read,
-    Write,
-    Flush,
-    Map,
-    Allocate,
-    Threads,
-    Http,
-    Digest,
-    Processes,
-    Output,
-    Dialog,
-    ClassCount
-}; // clang-format off
-constexpr const char* Names[ClassCount] = {
-    "open", "attributes", "rename", "delete", "list", "folder", "read", "write", "flush", "map", "allocate",
-    "thread", "winhttp", "bcrypt", "processes", "console", "dialog"}; // clang-format on
+// The calls of the first six take paths.
+constexpr std::string_view Classes[] = {"open",    "attributes", "rename",    "delete",  "list",     "folder",
+                                        "read",    "write",      "flush",     "map",     "allocate", "thread",
+                                        "winhttp", "bcrypt",     "processes", "console", "dialog"};
+
+consteval int ClassOf(std::string_view name) {
+    return static_cast<int>(std::ranges::find(Classes, name) - std::begin(Classes));
+}
 
 struct Fault {
-    char name[16] = "";
+    char kind[16] = "";
     long first = 0;
     long last = 0;
     unsigned long error = 0;
@@ -62,7 +47,7 @@ Fault g_fault;
 char g_report[4096] = "";
 int g_answer = 0;
 bool g_counting = false;
-volatile LONG g_calls[ClassCount];
+volatile LONG g_calls[std::size(Classes)];
 volatile LONG g_reported;
 
 void Report(const std::string& line) {
@@ -88,12 +73,12 @@ void ReportFailure(const char* function) {
     Report(line);
 }
 
-bool IsToFail(Class kind, const char* function) {
+bool IsToFail(int kind, const char* function) {
     if (!g_counting) {
         return false;
     }
     const LONG call = InterlockedIncrement(&g_calls[kind]);
-    if (std::strcmp(g_fault.name, Names[kind]) != 0 || call < g_fault.first || call > g_fault.last) {
+    if (Classes[kind] != g_fault.kind || call < g_fault.first || call > g_fault.last) {
         return false;
     }
     ReportFailure(function);
@@ -115,9 +100,10 @@ bool IsDevice(std::wstring_view name) {
 }
 
 // The error of a Windows with LongPathsEnabled = 0 for that path, or 0.
-DWORD ErrorOf(Class kind, std::wstring_view path) {
+DWORD ErrorOf(int kind, std::wstring_view path) {
     const bool isLiteral = path.starts_with(L"\\\\?\\");
-    if (!isLiteral && GetFullPathNameW(path.data(), 0, nullptr, nullptr) > (kind == Folders ? 248u : 260u)) {
+    if (!isLiteral &&
+        GetFullPathNameW(path.data(), 0, nullptr, nullptr) > (kind == ClassOf("folder") ? 248u : 260u)) {
         return ERROR_PATH_NOT_FOUND; // that length counts the terminator
     }
     while (!path.empty()) {
@@ -131,9 +117,9 @@ DWORD ErrorOf(Class kind, std::wstring_view path) {
 }
 
 template <class Argument>
-bool IsRefused([[maybe_unused]] Class kind, [[maybe_unused]] Argument argument) {
+bool IsRefused([[maybe_unused]] int kind, [[maybe_unused]] Argument argument) {
     if constexpr (std::is_same_v<Argument, LPCWSTR>) {
-        const DWORD error = kind <= Folders && argument ? ErrorOf(kind, argument) : NO_ERROR;
+        const DWORD error = kind <= ClassOf("folder") && argument ? ErrorOf(kind, argument) : NO_ERROR;
         if (error != NO_ERROR) {
             Report("refused a path of " + std::to_string(std::wcslen(argument)) + " units");
             SetLastError(error);
@@ -143,24 +129,35 @@ bool IsRefused([[maybe_unused]] Class kind, [[maybe_unused]] Argument argument) 
     return false;
 }
 
+struct Patch {
+    const char* name;
+    void* hook;
+    void** real;
+};
+
+template <std::size_t size>
+struct FunctionName {
+    consteval FunctionName(const char (&literal)[size]) { std::copy_n(literal, size, text); }
+    char text[size];
+};
+
 // Stands for one function. failed is what the function returns after a failure.
-template <class Signature, Class kind, INT_PTR failed, int line>
+template <FunctionName name, int kind, INT_PTR failed, class Signature>
 struct Hook;
 
-template <class R, class... Arguments, Class kind, INT_PTR failed, int line>
-struct Hook<R(Arguments...), kind, failed, line> {
+template <FunctionName name, int kind, INT_PTR failed, class R, class... Arguments>
+struct Hook<name, kind, failed, R(Arguments...)> {
     static inline R (*s_real)(Arguments...) = nullptr;
-    static inline const char* s_name = nullptr;
 
     static R Call(Arguments... arguments) {
-        if (IsToFail(KindOf(arguments...), s_name) || (IsRefused(kind, arguments) || ...)) {
+        if (IsToFail(KindOf(arguments...), name.text) || (IsRefused(kind, arguments) || ...)) {
             if constexpr (std::is_pointer_v<R>) {
                 return reinterpret_cast<R>(failed);
             } else {
                 return static_cast<R>(failed);
             }
         }
-        if constexpr (kind == Dialog) {
+        if constexpr (kind == ClassOf("dialog")) {
             if (g_answer != 0) {
                 return g_answer;
             }
@@ -169,115 +166,110 @@ struct Hook<R(Arguments...), kind, failed, line> {
     }
 
     // The log goes to a pipe or a console.
-    static Class KindOf([[maybe_unused]] Arguments... arguments) {
-        if constexpr (kind == Write) {
+    static int KindOf([[maybe_unused]] Arguments... arguments) {
+        if constexpr (kind == ClassOf("write")) {
             const HANDLE file = [](HANDLE first, auto...) { return first; }(arguments...);
-            return GetFileType(file) == FILE_TYPE_DISK ? Write : Output;
+            return GetFileType(file) == FILE_TYPE_DISK ? kind : ClassOf("console");
         } else {
             return kind;
         }
     }
+
+    static Patch Row() {
+        return {name.text, reinterpret_cast<void*>(&Call), reinterpret_cast<void**>(&s_real)};
+    }
 };
 
-UINT WINAPI BeginCounting(UINT mode) {
+UINT (*g_setErrorMode)(UINT) = nullptr;
+
+UINT BeginCounting(UINT mode) {
     g_counting = true;
-    return SetErrorMode(mode);
+    return g_setErrorMode(mode);
 }
 
-struct Patch {
-    const char* name;
-    void* hook;
-    void** real = nullptr;
-    const char** hookName = nullptr;
-};
-
-#define HOOK(function, kind, failed) /* its text, its type and its line are needed */                   \
-    Patch {                                                                                             \
-#function, reinterpret_cast < void*>(&Hook <decltype(function), kind, failed, __LINE__>::Call), \
-            reinterpret_cast < void**>(&Hook <decltype(function), kind, failed, __LINE__>::s_real),     \
-            &Hook < decltype(function), kind, failed, __LINE__> ::s_name                                \
-    }
+// Its text and its type are needed.
+#define HOOK(function, kind, failed) Hook<#function, ClassOf(kind), failed, decltype(function)>::Row()
 
 constexpr INT_PTR NoHandle = -1;
 constexpr INT_PTR NoMemoryStatus = static_cast<INT_PTR>(0xC0000017u);
 
 const Patch Patches[] = {
-    {"SetErrorMode", reinterpret_cast<void*>(&BeginCounting)},
-    HOOK(CreateFileW, Open, NoHandle),
-    HOOK(GetFileAttributesExW, Attributes, 0),
-    HOOK(SetFileAttributesW, Attributes, 0),
-    HOOK(GetFileInformationByHandle, Attributes, 0),
-    HOOK(GetFileInformationByHandleEx, Attributes, 0),
-    HOOK(MoveFileExW, Rename, 0),
-    HOOK(DeleteFileW, Delete, 0),
-    HOOK(RemoveDirectoryW, Delete, 0),
-    HOOK(FindFirstFileExW, List, NoHandle),
-    HOOK(FindNextFileW, List, 0),
-    HOOK(FindFirstChangeNotificationW, List, NoHandle),
-    HOOK(FindNextChangeNotification, List, 0),
-    HOOK(CreateDirectoryW, Folders, 0),
-    HOOK(ReadFile, Read, 0),
-    HOOK(WriteFile, Write, 0),
-    HOOK(FlushFileBuffers, Flush, 0),
-    HOOK(CreateFileMappingW, Map, 0),
-    HOOK(MapViewOfFile, Map, 0),
-    HOOK(malloc, Allocate, 0),
-    HOOK(calloc, Allocate, 0),
-    HOOK(realloc, Allocate, 0),
-    HOOK(_aligned_malloc, Allocate, 0),
-    HOOK(CreateThread, Threads, 0),
-    HOOK(_beginthreadex, Threads, 0),
-    HOOK(ResumeThread, Threads, NoHandle),
-    HOOK(CreateEventW, Threads, 0),
-    HOOK(WinHttpOpen, Http, 0),
-    HOOK(WinHttpConnect, Http, 0),
-    HOOK(WinHttpOpenRequest, Http, 0),
-    HOOK(WinHttpAddRequestHeaders, Http, 0),
-    HOOK(WinHttpSetOption, Http, 0),
-    HOOK(WinHttpSetTimeouts, Http, 0),
-    HOOK(WinHttpSendRequest, Http, 0),
-    HOOK(WinHttpWriteData, Http, 0),
-    HOOK(WinHttpReceiveResponse, Http, 0),
-    HOOK(WinHttpQueryHeaders, Http, 0),
-    HOOK(BCryptHash, Digest, NoMemoryStatus),
-    HOOK(K32EnumProcesses, Processes, 0),
-    HOOK(OpenProcess, Processes, 0),
-    HOOK(GetProcessTimes, Processes, 0),
-    HOOK(K32GetProcessImageFileNameW, Processes, 0),
-    HOOK(AllocConsole, Output, 0),
-    HOOK(ReadConsoleInputW, Output, 0),
-    HOOK(GetNumberOfConsoleInputEvents, Output, 0),
-    HOOK(DialogBoxParamW, Dialog, NoHandle),
+    {"SetErrorMode", reinterpret_cast<void*>(&BeginCounting), reinterpret_cast<void**>(&g_setErrorMode)},
+    HOOK(CreateFileW, "open", NoHandle),
+    HOOK(GetFileAttributesExW, "attributes", 0),
+    HOOK(SetFileAttributesW, "attributes", 0),
+    HOOK(GetFileInformationByHandle, "attributes", 0),
+    HOOK(GetFileInformationByHandleEx, "attributes", 0),
+    HOOK(MoveFileExW, "rename", 0),
+    HOOK(DeleteFileW, "delete", 0),
+    HOOK(RemoveDirectoryW, "delete", 0),
+    HOOK(FindFirstFileExW, "list", NoHandle),
+    HOOK(FindNextFileW, "list", 0),
+    HOOK(FindFirstChangeNotificationW, "list", NoHandle),
+    HOOK(FindNextChangeNotification, "list", 0),
+    HOOK(CreateDirectoryW, "folder", 0),
+    HOOK(ReadFile, "read", 0),
+    HOOK(WriteFile, "write", 0),
+    HOOK(FlushFileBuffers, "flush", 0),
+    HOOK(CreateFileMappingW, "map", 0),
+    HOOK(MapViewOfFile, "map", 0),
+    HOOK(malloc, "allocate", 0),
+    HOOK(calloc, "allocate", 0),
+    HOOK(realloc, "allocate", 0),
+    HOOK(_aligned_malloc, "allocate", 0),
+    HOOK(CreateThread, "thread", 0),
+    HOOK(_beginthreadex, "thread", 0),
+    HOOK(ResumeThread, "thread", NoHandle),
+    HOOK(CreateEventW, "thread", 0),
+    HOOK(WinHttpOpen, "winhttp", 0),
+    HOOK(WinHttpConnect, "winhttp", 0),
+    HOOK(WinHttpOpenRequest, "winhttp", 0),
+    HOOK(WinHttpAddRequestHeaders, "winhttp", 0),
+    HOOK(WinHttpSetOption, "winhttp", 0),
+    HOOK(WinHttpSetTimeouts, "winhttp", 0),
+    HOOK(WinHttpSendRequest, "winhttp", 0),
+    HOOK(WinHttpWriteData, "winhttp", 0),
+    HOOK(WinHttpReceiveResponse, "winhttp", 0),
+    HOOK(WinHttpQueryHeaders, "winhttp", 0),
+    HOOK(BCryptHash, "bcrypt", NoMemoryStatus),
+    HOOK(K32EnumProcesses, "processes", 0),
+    HOOK(OpenProcess, "processes", 0),
+    HOOK(GetProcessTimes, "processes", 0),
+    HOOK(K32GetProcessImageFileNameW, "processes", 0),
+    HOOK(AllocConsole, "console", 0),
+    HOOK(ReadConsoleInputW, "console", 0),
+    HOOK(GetNumberOfConsoleInputEvents, "console", 0),
+    HOOK(DialogBoxParamW, "dialog", NoHandle),
 };
 
 void PatchImport(const char* name, ULONGLONG& function) {
-    for (const Patch& patch : Patches) {
-        if (std::strcmp(patch.name, name) != 0) {
-            continue;
-        }
-        if (patch.real) {
-            *patch.real = reinterpret_cast<void*>(function);
-            *patch.hookName = patch.name;
-        }
+    const auto patch = std::ranges::find_if(
+        Patches, [name](const Patch& known) { return std::strcmp(known.name, name) == 0; });
+    if (patch != std::end(Patches)) {
+        *patch->real = reinterpret_cast<void*>(function);
         DWORD protection = 0;
         VirtualProtect(&function, sizeof(function), PAGE_READWRITE, &protection);
-        function = reinterpret_cast<ULONGLONG>(patch.hook);
+        function = reinterpret_cast<ULONGLONG>(patch->hook);
         VirtualProtect(&function, sizeof(function), protection, &protection);
     }
 }
 
+template <class T>
+T* At(char* image, ULONGLONG offset) {
+    return reinterpret_cast<T*>(image + offset);
+}
+
 void PatchImports(char* image) {
-    const auto at = [image]<class T>(T*, ULONGLONG offset) { return reinterpret_cast<T*>(image + offset); };
-    const auto* headers = at(static_cast<IMAGE_NT_HEADERS*>(nullptr),
-                             static_cast<ULONGLONG>(reinterpret_cast<IMAGE_DOS_HEADER*>(image)->e_lfanew));
-    const DWORD imports = headers->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT].VirtualAddress;
-    for (auto* from = at(static_cast<IMAGE_IMPORT_DESCRIPTOR*>(nullptr), imports); from->Name != 0; ++from) {
-        auto* name = at(static_cast<IMAGE_THUNK_DATA*>(nullptr), from->OriginalFirstThunk);
-        auto* slot = at(static_cast<IMAGE_THUNK_DATA*>(nullptr), from->FirstThunk);
+    const auto newHeader = static_cast<ULONGLONG>(At<IMAGE_DOS_HEADER>(image, 0)->e_lfanew);
+    const DWORD imports = At<IMAGE_NT_HEADERS>(image, newHeader)
+                              ->OptionalHeader.DataDirectory[IMAGE_DIRECTORY_ENTRY_IMPORT]
+                              .VirtualAddress;
+    for (auto* library = At<IMAGE_IMPORT_DESCRIPTOR>(image, imports); library->Name != 0; ++library) {
+        auto* name = At<IMAGE_THUNK_DATA>(image, library->OriginalFirstThunk);
+        auto* slot = At<IMAGE_THUNK_DATA>(image, library->FirstThunk);
         for (; name->u1.AddressOfData != 0; ++name, ++slot) {
             if (!IMAGE_SNAP_BY_ORDINAL(name->u1.Ordinal)) {
-                PatchImport(at(static_cast<IMAGE_IMPORT_BY_NAME*>(nullptr), name->u1.AddressOfData)->Name,
-                            slot->u1.Function);
+                PatchImport(At<IMAGE_IMPORT_BY_NAME>(image, name->u1.AddressOfData)->Name, slot->u1.Function);
             }
         }
     }
@@ -291,7 +283,7 @@ void ReadSettings() {
     char text[64] = "";
     read("STRICT_REPORT", g_report);
     read("STRICT_FAULT", text);
-    std::sscanf(text, "%15s %ld %ld %lu", g_fault.name, &g_fault.first, &g_fault.last, &g_fault.error);
+    std::sscanf(text, "%15s %ld %ld %lu", g_fault.kind, &g_fault.first, &g_fault.last, &g_fault.error);
     read("STRICT_ANSWER", text);
     g_answer = std::atoi(text);
 }
@@ -303,8 +295,8 @@ BOOL WINAPI DllMain(HINSTANCE, DWORD reason, LPVOID) {
         ReadSettings();
         PatchImports(reinterpret_cast<char*>(GetModuleHandleW(nullptr)));
     } else if (reason == DLL_PROCESS_DETACH) {
-        for (int kind = 0; kind < ClassCount; ++kind) {
-            Report(std::string(Names[kind]) + " " + std::to_string(g_calls[kind]));
+        for (const std::string_view& kind : Classes) {
+            Report(std::string(kind) + " " + std::to_string(g_calls[&kind - Classes]));
         }
     }
     return TRUE;

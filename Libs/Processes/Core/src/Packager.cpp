@@ -146,7 +146,8 @@ void Packager::Process(const std::string& submissionFolder) const {
     const std::string name = FolderPath::LastComponent(submissionFolder).value_or("");
     const std::string workFolder = FolderPath::Join(m_config.packageWorkFolder, name);
     const auto discardWork = [&] { // logs a failure; the next attempt replaces what stays
-        if (!name.empty() && !m_sharesFolder && PlatformHelpers::PathExists(workFolder)) {
+        Platform::FileInfo info;
+        if (!name.empty() && !m_sharesFolder && !Platform::IsMissing(Platform::QueryInfo(workFolder, info))) {
             static_cast<void>(PlatformHelpers::RemoveFolder(workFolder));
         }
     };

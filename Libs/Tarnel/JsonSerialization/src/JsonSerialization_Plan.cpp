@@ -16,7 +16,7 @@ using Reflection::TypeDescriptor;
 namespace AttributeName = Reflection::AttributeName;
 
 const Reflection::Attribute* Find(const FieldDescriptor& field, const char* attribute) {
-    return Reflection::FindAttribute(field.attributes, String::GlobalID(attribute));
+    return Reflection::FindAttribute(field.attributes, String::GlobalID::OfText(attribute));
 }
 
 template <class Function>

@@ -45,35 +45,35 @@ inline constexpr char Name[] = "NameAttribtue"; // the registered name, misspell
 
 // The field may be absent from the data, and then keeps its value.
 inline Attribute OptionalAttribute() {
-    return {String::GlobalID(AttributeName::Optional), {}};
+    return {String::GlobalID::OfText(AttributeName::Optional), {}};
 }
 
 // The field is neither read nor written.
 inline Attribute IgnoreAttribute() {
-    return {String::GlobalID(AttributeName::Ignore), {}};
+    return {String::GlobalID::OfText(AttributeName::Ignore), {}};
 }
 
 // The field is read only.
 inline Attribute NoWriteAttribute() {
-    return {String::GlobalID(AttributeName::NoWrite), {}};
+    return {String::GlobalID::OfText(AttributeName::NoWrite), {}};
 }
 
 // The field is written only.
 inline Attribute NoReadAttribute() {
-    return {String::GlobalID(AttributeName::NoRead), {}};
+    return {String::GlobalID::OfText(AttributeName::NoRead), {}};
 }
 
 // The field's name in the data, instead of its own.
 inline Attribute NameAttribute(const char* inData) {
-    return {String::GlobalID(AttributeName::Name), String::Global(inData)};
+    return {String::GlobalID::OfText(AttributeName::Name), String::NeededGlobal(inData)};
 }
 
 inline Attribute SerializationAttribute(SerializeFunction function) {
-    return {String::GlobalID(AttributeName::Serialization), function};
+    return {String::GlobalID::OfText(AttributeName::Serialization), function};
 }
 
 inline Attribute DeserializationAttribute(DeserializeFunction function) {
-    return {String::GlobalID(AttributeName::Deserialization), function};
+    return {String::GlobalID::OfText(AttributeName::Deserialization), function};
 }
 
 } // namespace Reflection

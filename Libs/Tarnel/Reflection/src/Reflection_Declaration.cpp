@@ -20,7 +20,7 @@ void DescribeRecord(TypeDescriptor& descriptor, const char* szType, std::size_t 
         "Reflection_DeclarePolymorphicType in place of Reflection_DeclareType for this type.",
         szType);
     descriptor.kind = TypeKind::Record;
-    descriptor.name = String::Global(szType);
+    descriptor.name = String::NeededGlobal(szType);
     descriptor.size = size;
     descriptor.isPolymorphic = hasVTable;
 }
@@ -28,7 +28,7 @@ void DescribeRecord(TypeDescriptor& descriptor, const char* szType, std::size_t 
 void DescribeEnum(TypeDescriptor& descriptor, const char* szEnumType, std::size_t size) {
     PLATFORM_ASSERT_TEXT(szEnumType && *szEnumType, "!String::IsNullOrEmpty(szEnumType)");
     descriptor.kind = TypeKind::Enumeration;
-    descriptor.name = String::Global(szEnumType);
+    descriptor.name = String::NeededGlobal(szEnumType);
     descriptor.size = size;
 }
 

@@ -89,7 +89,7 @@ struct FieldEntry {
     void AddTo(TypeDescriptor& owner) {
         static_assert(!std::is_reference_v<Member> && !std::is_const_v<Member>);
         Layout<Owner> layout;
-        owner.fields.push_back({&TypeOf<Member>(), String::Global(name), std::move(attributes),
+        owner.fields.push_back({&TypeOf<Member>(), String::NeededGlobal(name), std::move(attributes),
                                 layout.OffsetOf(std::addressof(layout.Object()->*member)), &owner});
     }
 };
@@ -137,7 +137,7 @@ void BuildEnum(TypeDescriptor& descriptor, const char* szEnumType, Entries... en
                   "an enumerator of another enumeration");
     static_assert(sizeof(T) <= sizeof(uint32_t), "the table holds 32-bit values");
     DescribeEnum(descriptor, szEnumType, sizeof(T));
-    descriptor.enumerators = {{static_cast<uint32_t>(entries.value), String::Global(entries.name)}...};
+    descriptor.enumerators = {{static_cast<uint32_t>(entries.value), String::NeededGlobal(entries.name)}...};
 }
 
 // The object as a T, or null if it is not one.

@@ -17,13 +17,13 @@ namespace Reflection {
 
 struct NullType {}; // marks the absence of a type
 
-#define REFLECTION_BUILT_IN_TYPE(Type, szType)             \
-    template <>                                            \
-    struct TypeAccessor<Type> {                            \
-        static void Describe(TypeDescriptor& descriptor) { \
-            descriptor.name = String::Global(szType);      \
-            descriptor.size = sizeof(Type);                \
-        }                                                  \
+#define REFLECTION_BUILT_IN_TYPE(Type, szType)              \
+    template <>                                             \
+    struct TypeAccessor<Type> {                             \
+        static void Describe(TypeDescriptor& descriptor) {  \
+            descriptor.name = String::NeededGlobal(szType); \
+            descriptor.size = sizeof(Type);                 \
+        }                                                   \
     };
 
 REFLECTION_BUILT_IN_TYPE(int8_t, "int8")

@@ -77,6 +77,14 @@ Global::Global(const char* text) {
     }
 }
 
+Global NeededGlobal(const char* text) {
+    const Global global(text);
+    if (text && global == Global()) {
+        throw std::bad_alloc();
+    }
+    return global;
+}
+
 Global FormatGlobal(const char* szFormat, ...) {
     char onStack[1024];
     va_list arguments = {};

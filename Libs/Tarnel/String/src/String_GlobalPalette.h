@@ -99,6 +99,9 @@ private:
     const PaletteNode* m_node = nullptr;
 };
 
+// For a text that must not be lost. Throws std::bad_alloc where the constructor would give no text.
+Global NeededGlobal(const char* text);
+
 // Interns a text formatted by printf rules. Throws std::bad_alloc.
 Global FormatGlobal(const char* szFormat, ...) PLATFORM_PRINTF(1, 2);
 
