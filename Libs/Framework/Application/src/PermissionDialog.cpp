@@ -26,7 +26,7 @@ constexpr UINT KeyboardInterval = 250; // milliseconds
 class InputHooks {
 public:
     explicit InputHooks(AnswerGuard& guard) : m_guard(guard) {
-        t_hooks = this;
+        TlsSetValue(s_slot, this);
         m_messageHook = SetWindowsHookExW(WH_MSGFILTER, &FilterMessage, nullptr, GetCurrentThreadId());
         m_activationHook = SetWindowsHookExW(WH_CBT, &FilterActivation, nullptr, GetCurrentThreadId());
         if (!m_messageHook || !m_activationHook) {
@@ -38,7 +38,7 @@ public:
     ~InputHooks() {
         UnhookWindowsHookEx(m_messageHook); // one that is not installed is refused
         UnhookWindowsHookEx(m_activationHook);
-        t_hooks = nullptr;
+        TlsSetValue(s_slot, nullptr);
     }
     InputHooks(const InputHooks&) = delete; // the hooks know its address
     InputHooks& operator=(const InputHooks&) = delete;
@@ -47,14 +47,16 @@ public:
 
 private:
     static LRESULT CALLBACK FilterMessage(int code, WPARAM wParam, LPARAM lParam) {
-        if (code == MSGF_DIALOGBOX && t_hooks && t_hooks->Drops(*std::bit_cast<const MSG*>(lParam))) {
+        InputHooks* const hooks = OfThread();
+        if (code == MSGF_DIALOGBOX && hooks && hooks->Drops(*std::bit_cast<const MSG*>(lParam))) {
             return TRUE;
         }
         return CallNextHookEx(nullptr, code, wParam, lParam);
     }
 
     static LRESULT CALLBACK FilterActivation(int code, WPARAM wParam, LPARAM lParam) {
-        if (code == HCBT_ACTIVATE && t_hooks && !t_hooks->m_mayActivate) {
+        const InputHooks* const hooks = OfThread();
+        if (code == HCBT_ACTIVATE && hooks && !hooks->m_mayActivate) {
             return TRUE;
         }
         return CallNextHookEx(nullptr, code, wParam, lParam);
@@ -79,7 +81,11 @@ private:
         }
     }
 
-    inline static thread_local InputHooks* t_hooks = nullptr; // a hook gets no argument of its own
+    static InputHooks* OfThread() { return static_cast<InputHooks*>(TlsGetValue(s_slot)); }
+
+    // A hook gets no argument of its own. The first use of a thread_local allocates, and crashes without
+    // memory.
+    inline static const DWORD s_slot = TlsAlloc();
 
     AnswerGuard& m_guard;
     bool m_mayActivate = false;
