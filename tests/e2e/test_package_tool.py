@@ -16,7 +16,7 @@ from package_reader import read_package
 from wine import BIN, ROOT, Program, windows_path
 
 TOOL = Path(os.environ.get("MORVANE_NATIVE_BIN", ROOT / "build" / "native" / "bin")).resolve() / "PackageTool"
-GOOD, PROBLEMS, REFUSED = 0, 1, 3
+GOOD, PROBLEMS, REFUSED, WARNINGS = 0, 1, 3, 4
 
 
 def run(*arguments, expect=GOOD, stdin=b""):
@@ -161,7 +161,9 @@ def test_pack_keeps_what_is_there(scratch, package, submission):
 def test_check_config_passes_the_documented_example(scratch):
     example = re.search(r"```json\n(.*?)```", (ROOT / "docs" / "configuration.md").read_text(), re.S).group(1)
     good = write(scratch / "good.json", example.encode())
-    run("check-config", good, Site(scratch / "site").write_configuration())  # what these tests start the agent with
+    run("check-config", Site(scratch / "site").write_configuration())  # what these tests start the agent with
+    lines = run("check-config", good, expect=WARNINGS)[0].splitlines()
+    assert lines and all(line.endswith(" is a placeholder of the template") for line in lines), lines
     typo = 'Unknown key "Sentinel", did you mean "SentinelFile"?'
     assert typo in run("check-config", "-", stdin=example.replace('"SentinelFile"', '"Sentinel"').encode(), expect=PROBLEMS)[0]
 

@@ -5,12 +5,14 @@
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 #include "Tools/PackageTool/src/ConfigPartners.h"
 #include "Tools/PackageTool/src/ConfigSections.h"
+#include "Tools/PackageTool/src/ConfigWarnings.h"
 
 // The records of --json.
 struct ReportedConfigProblem {
     uint64_t line = 0;
     uint64_t column = 0;
     std::string text;
+    bool isWarning = false;
 };
 struct ReportedConfig {
     std::string file;
@@ -23,20 +25,25 @@ Reflection_DeclareType(ReportedConfigProblem);
 Reflection_DeclareType(ReportedConfig);
 Reflection_DeclareType(ReportedConfigs);
 Reflection_DefineType(ReportedConfigProblem, Reflection_Field(line, "Line"),
-                      Reflection_Field(column, "Column"), Reflection_Field(text, "Text"));
+                      Reflection_Field(column, "Column"), Reflection_Field(text, "Text"),
+                      Reflection_Field(isWarning, "Warning"));
 Reflection_DefineType(ReportedConfig, Reflection_Field(file, "File"), Reflection_Field(problems, "Problems"));
 Reflection_DefineType(ReportedConfigs, Reflection_Field(files, "Files"));
 
 namespace {
 
-using ProblemsByOffset = std::multimap<std::size_t, std::string>;
+struct Found {
+    std::string text;
+    bool isWarning;
+};
+using ProblemsByOffset = std::multimap<std::size_t, Found>;
 
 // Walks the text once for all of them: a long text can have a problem in every word.
 std::vector<ConfigProblem> WithPositions(std::string_view text, const ProblemsByOffset& found) {
     PositionCounter counter(text);
     std::vector<ConfigProblem> problems;
     for (const auto& [offset, problem] : found) {
-        problems.push_back({counter.At(offset), problem});
+        problems.push_back({counter.At(offset), problem.text, problem.isWarning});
     }
     return problems;
 }
@@ -45,7 +52,8 @@ ReportedConfig Check(const std::string& file, const std::vector<uint8_t>& bytes)
     ReportedConfig report{file, {}};
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
     for (const ConfigProblem& problem : CheckConfig(text)) {
-        report.problems.push_back({problem.position.line, problem.position.column, problem.text});
+        report.problems.push_back(
+            {problem.position.line, problem.position.column, problem.text, problem.isWarning});
     }
     return report;
 }
@@ -56,7 +64,7 @@ std::string Lines(const ReportedConfig& report) {
     std::string text = report.problems.empty() ? file + ": good\n" : "";
     for (const ReportedConfigProblem& problem : report.problems) {
         text += file + ":" + std::to_string(problem.line) + ":" + std::to_string(problem.column) + ": " +
-                Console::Printable(problem.text) + "\n";
+                (problem.isWarning ? "warning: " : "") + Console::Printable(problem.text) + "\n";
     }
     return text;
 }
@@ -64,19 +72,26 @@ std::string Lines(const ReportedConfig& report) {
 } // namespace
 
 std::vector<ConfigProblem> CheckConfig(std::string_view text) {
+    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
+        return {{{}, "The file is UTF-16; save it as UTF-8"}};
+    }
     JsonDocument document;
     if (const auto parsed = JsonSerialization::ParseText(text, document); !parsed) {
-        return WithPositions(text, {{parsed.offset, parsed.error}});
+        return WithPositions(text, {{parsed.offset, {parsed.error, false}}});
     }
     const JsonPositions positions(text, document);
     ProblemsByOffset found;
-    const ConfigReport report = [&](const JsonValue& where, std::string problem) {
-        found.emplace(positions.Find(where), std::move(problem));
+    const auto reporter = [&](bool isWarning) -> ConfigReport {
+        return [&, isWarning](const JsonValue& where, std::string problem) {
+            found.emplace(positions.Find(where), Found{std::move(problem), isWarning});
+        };
     };
+    const ConfigReport report = reporter(false);
     if (document.IsObject()) {
         ConfigSections sections;
         ReadConfigSections(document, report, sections);
         CheckPartners(sections, report);
+        CheckWarnings(document, sections, reporter(true));
     } else {
         report(document, "The configuration is not an object");
     }
@@ -95,8 +110,8 @@ ExitCode RunCheckConfig(const Arguments& arguments) {
             continue;
         }
         reports.files.push_back(Check(file, bytes));
-        if (!reports.files.back().problems.empty()) {
-            Raise(code, ExitCode::ProblemsFound);
+        for (const ReportedConfigProblem& problem : reports.files.back().problems) {
+            Raise(code, problem.isWarning ? ExitCode::OnlyWarnings : ExitCode::ProblemsFound);
         }
     }
     if (arguments.json) {

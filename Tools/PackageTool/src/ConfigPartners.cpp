@@ -133,7 +133,7 @@ private:
     // A watcher takes no folder without its sentinel; its consumer looks for that file in the folders.
     void CheckSentinel(const ConfigSection<WatcherConfig>* watcher, const std::string& file,
                        const std::string& who) {
-        if (watcher && watcher->config.sentinelFile != file) {
+        if (watcher && String::LowerAscii(watcher->config.sentinelFile) != String::LowerAscii(file)) {
             m_report(watcher->At("SentinelFile"), "The watcher waits for the sentinel " +
                                                       Quoted(watcher->config.sentinelFile) + ", but " + who +
                                                       " " + Quoted(file));
@@ -179,8 +179,14 @@ private:
     // As each upload does it.
     void CheckAddress(const ConfigSection<UploaderS3Config>& uploader) {
         S3Endpoint endpoint;
-        if (const ResultCode result = ResolveS3Endpoint(uploader.config.GetStore(), endpoint); !result) {
-            m_report(*uploader.json, result.Text());
+        const ResultCode result = ResolveS3Endpoint(uploader.config.GetStore(), endpoint);
+        for (const auto& [beginning, key] : {std::pair("Bucket", "BucketName"),
+                                             {"Region", "Region"},
+                                             {"Access", "AccessKey"},
+                                             {"Endpoint", "EndpointOverride"}}) {
+            if (!result && std::string_view(result.Text()).starts_with(beginning)) {
+                m_report(uploader.At(key), result.Text());
+            }
         }
     }
 

@@ -222,7 +222,8 @@ private:
                 m_report(member.name, "Key " + Quoted(name) + " appears again; only the first counts");
             } else if (instance == m_sections.instances.end()) {
                 if (name != Application) {
-                    m_report(member.name, "Unknown key " + Quoted(name) + ": no process has this name");
+                    m_report(member.name,
+                             "Unknown key " + Quoted(name) + ": no process has this name" + Meant(name));
                 }
             } else if (instance->second.processClass && !instance->second.processClass->section) {
                 m_report(member.name, "Unknown key " + Quoted(name) + ": a " +
@@ -230,6 +231,18 @@ private:
                                           " has no section");
             }
         }
+    }
+
+    // The nearest section that is missing, if one is.
+    std::string Meant(const std::string& name) const {
+        std::vector<std::string_view> missing;
+        for (const auto& [instance, process] : m_sections.instances) {
+            if (process.processClass && process.processClass->section && !m_document.HasMember(instance.c_str())) {
+                missing.push_back(instance);
+            }
+        }
+        const std::string_view nearest = ConfigKeys::Nearest(name, missing);
+        return nearest.empty() ? "" : ", did you mean " + Quoted(nearest) + "?";
     }
 
     const JsonDocument& m_document;

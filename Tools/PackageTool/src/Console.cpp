@@ -17,7 +17,10 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 void Raise(ExitCode& code, ExitCode other) {
-    code = std::max(code, other);
+    if (code == ExitCode::Good ||
+        (other != ExitCode::OnlyWarnings && (code == ExitCode::OnlyWarnings || other > code))) {
+        code = other;
+    }
 }
 
 namespace Console {

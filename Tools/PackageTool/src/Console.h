@@ -9,12 +9,13 @@
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 
-// How the tool ends. If several apply, the highest counts.
+// How the tool ends. If several apply, the highest counts; OnlyWarnings comes after Good.
 enum class ExitCode : int {
     Good = 0,
-    ProblemsFound = 1,   // in a package or in a configuration
-    WrongUsage = 2,      // nothing was done
-    NotReadOrWritten = 3 // a file or folder could not be read or written
+    ProblemsFound = 1,    // in a package or in a configuration
+    WrongUsage = 2,       // nothing was done
+    NotReadOrWritten = 3, // a file or folder could not be read or written
+    OnlyWarnings = 4      // a configuration that works, but hardly as it is meant
 };
 void Raise(ExitCode& code, ExitCode other);
 

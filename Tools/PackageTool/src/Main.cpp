@@ -29,7 +29,7 @@ list           what a package holds: the header's main fields and a row for each
 verify         every length and digest, the header's catalog and each gzip stream
 unpack         header and files into FOLDER; each of several packages into its own folder there
 pack           a package from a submission folder, as the packager writes it: FOLDER/NAME/submission.pkg
-check-config   every problem of a configuration with its line and column
+check-config   every problem of a configuration with its line and column, and what is hardly meant as warnings
 config-schema  the configuration's JSON schema, for editors
 
 FILE           "-" is standard input
@@ -41,7 +41,8 @@ FILE           "-" is standard input
 --to FOLDER    created if it is missing
 --help, --version
 
-exit code: 0 good, 1 problems in a package or configuration, 2 wrong usage, 3 something could not be read or written
+exit code: 0 good, 1 problems in a package or configuration, 2 wrong usage, 3 something could not be read or written,
+4 nothing but warnings
 )";
 
 // May throw std::bad_alloc.

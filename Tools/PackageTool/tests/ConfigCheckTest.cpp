@@ -22,7 +22,8 @@ std::string Problems(std::string_view text) {
     std::string lines;
     for (const ConfigProblem& problem : CheckConfig(text)) {
         lines += (lines.empty() ? "" : "\n") + std::to_string(problem.position.line) + ":" +
-                 std::to_string(problem.position.column) + ": " + problem.text;
+                 std::to_string(problem.position.column) + (problem.isWarning ? ": warning: " : ": ") +
+                 problem.text;
     }
     return lines;
 }
@@ -85,7 +86,31 @@ TEST(ConfigCheck, ValuesThatFailLater) {
     ExpectProblems({
         {R"("AccessKey": "AK")", R"("AccessKey": "")", "9:79: \"AccessKey\" is empty"},
         {R"("AccessKey": "AK")", R"("AccessKey": "AK", "EndpointOverride": "ftp://x")",
-         "9:13: Endpoint override is not a scheme, a host and a port"},
+         "9:105: Endpoint override is not a scheme, a host and a port"},
+    });
+}
+
+TEST(ConfigCheck, WarnsOfWhatIsHardlyMeant) {
+    ExpectProblems({
+        {R"("AK", "SecretKey": "SK")", R"("AKIA...", "SecretKey": "SK ")",
+         "9:79: warning: \"AKIA...\" is a placeholder of the template\n9:103: warning: \"SK \" has a blank "
+         "at its "
+         "end or start"},
+        {R"("WatchedApplications": [])", R"("WatchedApplications": ["game", "C:\\game.exe"])",
+         "11:37: warning: \"game\" matches no program: it does not end in .exe\n11:45: warning: "
+         "\"C:\\game.exe\" "
+         "has a path: give the file's name alone"},
+        {R"("ApplicationFolder": "")", R"("ApplicationFolder": "C:/Game")",
+         "5:58: warning: ApplicationFolder is a name in the user's Documents folder, no path"},
+        {R"("WatcherName": "Dumps")",
+         R"("WatcherName": "Dumps", "AttachmentLimits": [{"Extension": "*.log", "MaxSize": 1}])",
+         "7:73: warning: \"*.log\" matches no file: it is an ending such as .log, no pattern"},
+        {R"("AccessKey": "AK")", R"("Region": "us-east", "AccessKey": "AK")",
+         "9:76: warning: \"us-east\" is no region of Amazon's, such as us-east-1"},
+        {R"("Quota": {})", R"("Quota": {"PackagedQuota": 0})",
+         "10:28: warning: A quota of 0 deletes every package before it is sent"},
+        {R"("Folder": "dumps")", R"("Folder": "dumps", "SentinelFile": "Header.json")",
+         "6:46: warning: \"Header.json\" differs from \"header.json\" in letter case"},
     });
 }
 
@@ -116,6 +141,7 @@ TEST(ConfigCheck, FoldersAndFilesThatDoNotMeet) {
 TEST(ConfigCheck, TextsThatAreNoConfiguration) {
     static constexpr const char* rows[][2] = {
         {"", "1:1: The document is empty."},
+        {"\xFF\xFE{", "1:1: The file is UTF-16; save it as UTF-8"},
         {"{}", "1:1: \"Application\": configuration section not found"},
         {"{\n  \"ä\": ,\n}", "2:8: Invalid value."},
         {"\xEF\xBB\xBF{,", "1:2: Missing a name for object member."},

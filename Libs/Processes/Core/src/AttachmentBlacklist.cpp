@@ -55,7 +55,8 @@ std::regex CompileOne(const std::string& pattern) {
 ResultCode AttachmentBlacklist::Compile(const std::vector<std::string>& patterns, BadPattern& bad) {
     m_expressions.clear();
     for (const std::string& pattern : patterns) {
-        std::string message = "It is too long, or a number in it too large";
+        std::string message = pattern.size() > MaxPatternLength ? "It has more than 1000 bytes"
+                                                                : "A number in it has more than 9 digits";
         try {
             if (pattern.size() <= MaxPatternLength && !HasHugeNumber(pattern)) {
                 m_expressions.push_back(CompileOne(pattern));
