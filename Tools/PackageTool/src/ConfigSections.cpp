@@ -237,7 +237,8 @@ private:
     std::string Meant(const std::string& name) const {
         std::vector<std::string_view> missing;
         for (const auto& [instance, process] : m_sections.instances) {
-            if (process.processClass && process.processClass->section && !m_document.HasMember(instance.c_str())) {
+            if (process.processClass && process.processClass->section &&
+                !m_document.HasMember(instance.c_str())) {
                 missing.push_back(instance);
             }
         }
