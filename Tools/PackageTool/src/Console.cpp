@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 #include <new>
+#include <utility>
 
 #if defined(_WIN32)
 #include <fcntl.h>
@@ -13,7 +14,6 @@
 #endif
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 void Raise(ExitCode& code, ExitCode other) {
@@ -55,6 +55,12 @@ bool ReadStandardInput(std::vector<uint8_t>& bytes, std::string& reason) try {
     bytes = {};
     reason = "Standard input does not fit in memory";
     return false;
+}
+
+bool IsFolder(const std::string& path) {
+    PlatformHelpers::FileStatus status;
+    return PlatformHelpers::PathExists(path) && PlatformHelpers::QueryFileStatus(path, status).Succeeded() &&
+           status.isFolder;
 }
 
 } // namespace
@@ -116,20 +122,35 @@ void PrintError(const std::string& file, const std::string& text) {
     PrintError(file + ": " + text);
 }
 
-bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason) {
-    bytes.clear();
+Platform::ByteSource* Input::Open(const std::string& file, std::string& reason) {
     reason.clear();
     if (file == "-") {
-        return ReadStandardInput(bytes, reason);
+        if (!ReadStandardInput(m_standardInput, reason)) {
+            return nullptr;
+        }
+        m_source = std::make_unique<Platform::MemorySource>(m_standardInput);
+        return m_source.get();
     }
-    const ResultCode result = Platform::ReadFileBytes(file, bytes);
-    if (!result) {
-        PlatformHelpers::FileStatus status;
-        const bool isFolder = PlatformHelpers::PathExists(file) &&
-                              PlatformHelpers::QueryFileStatus(file, status).Succeeded() && status.isFolder;
-        reason = isFolder ? "This is a folder" : result.Text();
+    Platform::File opened;
+    if (opened.Open(file, Platform::FileRead, Platform::ShareAll) != Platform::NoError) {
+        reason = IsFolder(file) ? "This is a folder" : "Failed to open input file";
+    } else if (opened.GetSize() == 0) {
+        reason = "Failed to read zero length input file!";
+    } else {
+        m_source = std::make_unique<Platform::FileSource>(std::move(opened));
     }
-    return result.Succeeded();
+    return m_source.get();
+}
+
+bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason) {
+    Input input;
+    Platform::ByteSource* const source = input.Open(file, reason);
+    if (!source) {
+        return false;
+    }
+    bytes.resize(static_cast<std::size_t>(source->GetSize()));
+    reason = source->Read(0, bytes) ? "" : Platform::ReadFailure;
+    return reason.empty();
 }
 
 std::string Printable(std::string_view text) {

@@ -2,12 +2,14 @@
 
 #include <chrono>
 #include <cstdint>
+#include <memory>
 #include <new>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 
 // How the tool ends. If several apply, the highest counts; OnlyWarnings comes after Good.
 enum class ExitCode : int {
@@ -49,7 +51,18 @@ void PrintJson(const T& record) {
 void PrintError(std::string_view text);
 void PrintError(const std::string& file, const std::string& text); // file: text
 
-// False if reading failed or there was nothing to read; reason then says why. "-" is standard input.
+// A file, or standard input for "-", to be read in pieces. Standard input goes through memory whole.
+class Input {
+public:
+    // Null if it can't be read or is empty; reason then says why. Once.
+    Platform::ByteSource* Open(const std::string& file, std::string& reason);
+
+private:
+    std::vector<uint8_t> m_standardInput;
+    std::unique_ptr<Platform::ByteSource> m_source;
+};
+
+// The same, whole. False if reading failed or there was nothing to read; reason then says why.
 bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason);
 
 // For text from outside: what a terminal would obey rather than show becomes "?".

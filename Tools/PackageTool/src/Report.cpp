@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "Libs/Framework/Core/src/PlatformHelpers_Inflate.h"
-#include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 
 Reflection_DefineType(ReportedEntry, Reflection_Field(name, "Name"), Reflection_Field(offset, "Offset"),
@@ -121,21 +119,22 @@ std::string VerifyLine(const PackageReport& report) {
 }
 
 // Notes the unpacked size of each entry.
-void MeasureEntries(const PackageReader& reader, uint64_t limit, Progress& progress, PackageReport& report) {
+void MeasureEntries(Platform::ByteSource& package, const PackageReader& reader, uint64_t limit,
+                    Progress& progress, PackageReport& report) {
     for (std::size_t i = 0; i < reader.GetEntries().size(); ++i) {
         // A failure is in the report.
-        static_cast<void>(UnpackEntry(reader.GetEntries()[i], i, {}, limit, progress, report));
+        static_cast<void>(UnpackEntry(package, reader.GetEntries()[i], i, {}, limit, progress, report));
     }
 }
 
 } // namespace
 
 ExitCode RunList(const Arguments& arguments) {
-    const auto work = [&](const std::string& file, std::span<const uint8_t> package) {
-        Progress progress(file, package.size());
+    const auto work = [&](const std::string& file, Platform::ByteSource& package) {
+        Progress progress(file, package.GetSize());
         const PackageReader reader(package);
-        PackageReport report = MakeReport(file, package.size(), reader);
-        MeasureEntries(reader, arguments.limit, progress, report);
+        PackageReport report = MakeReport(file, package.GetSize(), reader);
+        MeasureEntries(package, reader, arguments.limit, progress, report);
         return report;
     };
     return ForEachPackage(arguments, work, [](const PackageReport& report) {
@@ -144,12 +143,12 @@ ExitCode RunList(const Arguments& arguments) {
 }
 
 ExitCode RunVerify(const Arguments& arguments) {
-    const auto work = [&](const std::string& file, std::span<const uint8_t> package) {
-        Progress progress(file, 3 * package.size()); // the digests read it twice, unpacking once
+    const auto work = [&](const std::string& file, Platform::ByteSource& package) {
+        Progress progress(file, 2 * package.GetSize()); // the digests read it, then unpacking does
         PackageReader reader(package);
         reader.CheckDigests([&](uint64_t bytes) { progress.Advance(bytes); });
-        PackageReport report = MakeReport(file, package.size(), reader);
-        MeasureEntries(reader, arguments.limit, progress, report);
+        PackageReport report = MakeReport(file, package.GetSize(), reader);
+        MeasureEntries(package, reader, arguments.limit, progress, report);
         return report;
     };
     return ForEachPackage(arguments, work, &VerifyLine);
@@ -161,7 +160,7 @@ PackageReport MakeReport(const std::string& file, uint64_t size, const PackageRe
     report.size = size;
     report.header = reader.GetHeader();
     for (const PackageEntry& entry : reader.GetEntries()) {
-        report.entries.push_back({entry.name, entry.offset, entry.data.size(), -1, entry.digest, ""});
+        report.entries.push_back({entry.name, entry.offset, entry.size, -1, entry.digest, ""});
     }
     for (const PackageProblem& problem : reader.GetProblems()) {
         report.problems.push_back({problem.offset, problem.text});
@@ -169,21 +168,22 @@ PackageReport MakeReport(const std::string& file, uint64_t size, const PackageRe
     return report;
 }
 
-bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink& sink, uint64_t& limit,
-                 Progress& progress, PackageReport& report) {
+bool UnpackEntry(Platform::ByteSource& package, const PackageEntry& entry, std::size_t index,
+                 const ContentSink& sink, uint64_t& limit, Progress& progress, PackageReport& report) {
     PlatformHelpers::InflateProgress inflated;
     uint64_t shown = 0;
     const auto take = [&](std::span<const uint8_t> piece) {
         progress.Advance(inflated.consumed - shown);
         shown = inflated.consumed;
-        return !sink || sink(piece);
+        return sink ? sink(piece) : Platform::Success;
     };
-    const ResultCode result = PlatformHelpers::Decompress(entry.data, limit, take, inflated);
-    progress.Advance(entry.data.size() - shown);
+    const ResultCode result =
+        PlatformHelpers::Decompress(package, entry.DataOffset(), entry.size, limit, take, inflated);
+    progress.Advance(entry.size - shown);
     limit -= inflated.produced;
     if (!result) {
-        report.problems.push_back({entry.offset + PackageFormat::EntryPrefixSize + inflated.consumed,
-                                   "\"" + entry.name + "\": " + result.Text()});
+        report.problems.push_back(
+            {entry.DataOffset() + inflated.consumed, "\"" + entry.name + "\": " + result.Text()});
         return false;
     }
     report.entries[index].unpackedSize = static_cast<int64_t>(inflated.produced);
@@ -194,14 +194,18 @@ ExitCode ForEachPackage(const Arguments& arguments, const PackageWork& work, con
     ExitCode code = ExitCode::Good;
     PackageReports reports;
     for (const std::string& file : arguments.files) {
-        std::vector<uint8_t> package;
         std::string reason;
-        if (!Console::ReadInput(file, package, reason)) {
+        Console::Input input;
+        PackageReport report;
+        if (Platform::ByteSource* const package = input.Open(file, reason)) {
+            report = work(file, *package);
+            reason = package->HasFailed() ? Platform::ReadFailure : "";
+        }
+        if (!reason.empty()) {
             Console::PrintError(file, reason);
             Raise(code, ExitCode::NotReadOrWritten);
             continue;
         }
-        PackageReport report = work(file, package);
         if (!report.problems.empty()) {
             Raise(code, ExitCode::ProblemsFound);
         }

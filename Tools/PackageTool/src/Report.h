@@ -2,10 +2,10 @@
 
 #include <cstdint>
 #include <functional>
-#include <span>
 #include <string>
 #include <vector>
 
+#include "Libs/Framework/Core/src/Gzip.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/PackageReader.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
@@ -50,16 +50,16 @@ ExitCode RunVerify(const Arguments& arguments);
 
 PackageReport MakeReport(const std::string& file, uint64_t size, const PackageReader& reader);
 
-// Takes an entry's content piece by piece; false refuses the rest.
-using ContentSink = std::function<bool(std::span<const uint8_t> piece)>;
+// Takes an entry's content piece by piece; a failure refuses the rest.
+using ContentSink = PlatformHelpers::GzipSink;
 
-// Decompresses the entry into sink, which may be empty, and notes its size or its problem. What it gave is
-// taken from limit; progress advances by the entry's stored size. False if the content is not whole.
-bool UnpackEntry(const PackageEntry& entry, std::size_t index, const ContentSink& sink, uint64_t& limit,
-                 Progress& progress, PackageReport& report);
+// Decompresses the package's entry into sink, which may be empty, and notes its size or its problem. What it
+// gave is taken from limit; progress advances by the entry's stored size. False if the content is not whole.
+bool UnpackEntry(Platform::ByteSource& package, const PackageEntry& entry, std::size_t index,
+                 const ContentSink& sink, uint64_t& limit, Progress& progress, PackageReport& report);
 
-// Reads each package, has the work done, and prints the result: as text at once, as JSON at the end. Goes on
+// Opens each package, has the work done, and prints the result: as text at once, as JSON at the end. Goes on
 // after a package that can't be read.
-using PackageWork = std::function<PackageReport(const std::string& file, std::span<const uint8_t> package)>;
+using PackageWork = std::function<PackageReport(const std::string& file, Platform::ByteSource& package)>;
 using PackageText = std::function<std::string(const PackageReport& report)>;
 ExitCode ForEachPackage(const Arguments& arguments, const PackageWork& work, const PackageText& textOf);

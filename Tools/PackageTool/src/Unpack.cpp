@@ -1,6 +1,7 @@
 #include "Tools/PackageTool/src/Unpack.h"
 
 #include <algorithm>
+#include <span>
 #include <utility>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
@@ -42,18 +43,18 @@ std::string SubFolder(const std::string& file, std::set<std::string>& taken) {
 // Unpacks one package into its folder.
 class Unpacking {
 public:
-    Unpacking(const Arguments& arguments, const std::string& folder, const PackageReader& reader,
-              PackageReport& report, Progress& progress)
-        : m_arguments(arguments), m_folder(folder, arguments.force), m_reader(reader), m_report(report),
-          m_progress(progress), m_limit(arguments.limit) {}
+    Unpacking(const Arguments& arguments, const std::string& folder, Platform::ByteSource& package,
+              const PackageReader& reader, PackageReport& report, Progress& progress)
+        : m_arguments(arguments), m_folder(folder, arguments.force), m_package(package), m_reader(reader),
+          m_report(report), m_progress(progress), m_limit(arguments.limit) {}
 
     void Run() {
-        if (!m_reader.GetHeaderBytes().empty()) {
+        if (const uint64_t size = m_reader.GetHeaderSize(); size > 0) {
             std::string path;
-            Note(PackageFormat::PrefixSize, HeaderFile::Name,
-                 m_folder.Write(
-                     HeaderFile::Name, [&](const auto& write) { return write(m_reader.GetHeaderBytes()); },
-                     path));
+            const auto fill = [&](const ContentSink& write) {
+                return Platform::ForEachPiece(m_package, PackageFormat::PrefixSize, size, write).Succeeded();
+            };
+            Note(PackageFormat::PrefixSize, HeaderFile::Name, m_folder.Write(HeaderFile::Name, fill, path));
         }
         for (std::size_t i = 0; i < m_reader.GetEntries().size(); ++i) {
             Unpack(m_reader.GetEntries()[i], i);
@@ -65,12 +66,12 @@ public:
 private:
     void Unpack(const PackageEntry& entry, std::size_t index) {
         bool isWhole = true;
-        const auto fill = [&](const std::function<bool(UnpackFolder::Piece)>& write) {
+        const auto fill = [&](const ContentSink& write) {
             if (m_arguments.stored) {
-                m_progress.Advance(entry.data.size());
-                return write(entry.data);
+                m_progress.Advance(entry.size);
+                return Platform::ForEachPiece(m_package, entry.DataOffset(), entry.size, write).Succeeded();
             }
-            return isWhole = UnpackEntry(entry, index, write, m_limit, m_progress, m_report);
+            return isWhole = UnpackEntry(m_package, entry, index, write, m_limit, m_progress, m_report);
         };
         std::string name = entry.name.empty() ? "entry-" + std::to_string(index + 1) : entry.name;
         name += m_arguments.stored ? ".gz" : "";
@@ -89,6 +90,7 @@ private:
 
     const Arguments& m_arguments;
     UnpackFolder m_folder;
+    Platform::ByteSource& m_package;
     const PackageReader& m_reader;
     PackageReport& m_report;
     Progress& m_progress;
@@ -115,8 +117,12 @@ std::string WriteNew(const std::string& path, const UnpackFolder::Fill& fill) {
         return "Failed to create the file";
     }
     bool isWritten = true;
-    const bool isFilled =
-        fill([&](UnpackFolder::Piece piece) { return isWritten = file.Write(piece) == Platform::NoError; });
+    uint64_t size = 0;
+    const bool isFilled = fill([&](std::span<const uint8_t> piece) {
+        isWritten = file.Write(size, piece) == Platform::NoError;
+        size += piece.size();
+        return isWritten ? Platform::Success : ResultCode("The unpacked content was refused");
+    });
     isWritten = file.Close() && isWritten;
     if (isWritten && isFilled) {
         return {};
@@ -130,15 +136,15 @@ std::string WriteNew(const std::string& path, const UnpackFolder::Fill& fill) {
 ExitCode RunUnpack(const Arguments& arguments) {
     std::set<std::string> taken;
     bool hasWriteFailed = false;
-    const auto work = [&](const std::string& file, std::span<const uint8_t> package) {
-        Progress progress(file, 3 * package.size());
+    const auto work = [&](const std::string& file, Platform::ByteSource& package) {
+        Progress progress(file, 2 * package.GetSize());
         PackageReader reader(package);
         reader.CheckDigests([&](uint64_t bytes) { progress.Advance(bytes); });
-        PackageReport report = MakeReport(file, package.size(), reader);
+        PackageReport report = MakeReport(file, package.GetSize(), reader);
         const std::string folder = arguments.files.size() == 1
                                        ? arguments.to
                                        : FolderPath::Join(arguments.to, SubFolder(file, taken));
-        Unpacking unpacking(arguments, folder, reader, report, progress);
+        Unpacking unpacking(arguments, folder, package, reader, report, progress);
         unpacking.Run();
         hasWriteFailed = hasWriteFailed || unpacking.HasWriteFailed();
         return report;

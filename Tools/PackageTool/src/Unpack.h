@@ -4,13 +4,13 @@
 #include <functional>
 #include <map>
 #include <set>
-#include <span>
 #include <string>
 #include <vector>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 #include "Tools/PackageTool/src/Arguments.h"
 #include "Tools/PackageTool/src/Console.h"
+#include "Tools/PackageTool/src/Report.h"
 
 // The header and the files of each package. What is whole in a damaged package is unpacked. May throw
 // std::bad_alloc.
@@ -26,9 +26,8 @@ public:
 
     static constexpr char NotWhole[] = "It can't be unpacked whole"; // the fill function gave up
 
-    // Passes the file's bytes to write, piece by piece; false from either ends it.
-    using Piece = std::span<const uint8_t>;
-    using Fill = std::function<bool(const std::function<bool(Piece)>& write)>;
+    // Passes the file's bytes to write, piece by piece, and gives up if that fails. False if it gave up.
+    using Fill = std::function<bool(const ContentSink& write)>;
 
     // Creates the file with all its folders and has it filled. A name that was used before, in any case of
     // ASCII letters, gets a number: game.log, then game~2.log. Returns "" and the file's path if it is whole;

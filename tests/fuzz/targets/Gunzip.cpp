@@ -2,8 +2,7 @@
 #include <limits>
 #include <vector>
 
-#include "Libs/Framework/Core/src/PlatformHelpers_Deflate.h"
-#include "Libs/Framework/Core/src/PlatformHelpers_Inflate.h"
+#include "Libs/Framework/Core/src/Gzip.h"
 #include "tests/fuzz/Fuzz.h"
 
 namespace {
@@ -12,9 +11,11 @@ bool Unpack(std::span<const uint8_t> stream, uint64_t limit, std::string& conten
     PlatformHelpers::InflateProgress progress;
     const auto take = [&](std::span<const uint8_t> piece) {
         content += Fuzz::Text(piece);
-        return true;
+        return Platform::Success;
     };
-    const bool isWhole = PlatformHelpers::Decompress(stream, limit, take, progress).Succeeded();
+    Platform::MemorySource source(stream);
+    const bool isWhole =
+        PlatformHelpers::Decompress(source, 0, stream.size(), limit, take, progress).Succeeded();
     FUZZ_REQUIRE(content.size() == progress.produced && progress.produced <= limit);
     FUZZ_REQUIRE(isWhole ? progress.consumed == stream.size() : progress.consumed <= stream.size());
     return isWhole;
@@ -30,7 +31,12 @@ void FuzzOne(std::span<const uint8_t> input) {
     }
     std::vector<uint8_t> stream;
     again.clear();
-    if (PlatformHelpers::Compress(input, stream)) {
+    Platform::MemorySource source(input);
+    const auto keep = [&](std::span<const uint8_t> piece) {
+        stream.insert(stream.end(), piece.begin(), piece.end());
+        return Platform::Success;
+    };
+    if (PlatformHelpers::Compress(source, keep)) {
         FUZZ_REQUIRE(Unpack(stream, std::numeric_limits<uint64_t>::max(), again));
     }
     FUZZ_REQUIRE(again == Fuzz::Text(input));

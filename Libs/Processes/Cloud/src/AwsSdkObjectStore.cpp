@@ -1,7 +1,6 @@
 #include <chrono>
 #include <cstdlib>
 #include <memory>
-#include <sstream>
 #include <type_traits>
 #include <utility>
 
@@ -9,10 +8,10 @@
 #include <aws/core/auth/AWSCredentials.h>
 #include <aws/core/client/ClientConfiguration.h>
 #include <aws/core/client/DefaultRetryStrategy.h>
-#include <aws/core/utils/memory/stl/AWSStringStream.h>
 #include <aws/s3/S3Client.h>
 #include <aws/s3/model/PutObjectRequest.h>
 
+#include "Libs/Processes/Cloud/src/AwsSdkBody.h"
 #include "Libs/Processes/Cloud/src/AwsSdkTransport.h"
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
@@ -91,18 +90,9 @@ ResultCode AwsSdkObjectStore::PutObject(const PutObjectRequest& request, std::st
                                    Aws::Client::AWSAuthV4Signer::PayloadSigningPolicy::RequestDependent,
                                    endpoint.bucketInHost);
 
-    const auto body =
-        Aws::MakeShared<Aws::StringStream>(AllocationTag, std::ios::in | std::ios::out | std::ios::binary);
-    body->write(reinterpret_cast<const char*>(request.body.data()),
-                static_cast<std::streamsize>(request.body.size()));
-    body->flush();
-    body->seekg(0);
-    if (!*body) {
-        return "Failed to copy the body into a stream"; // a stream does not throw
-    }
     Aws::S3::Model::PutObjectRequest put;
     put.SetBucket(ToAws(m_config.bucket));
-    put.SetBody(body);
+    put.SetBody(Aws::MakeShared<AwsSdkBody>(AllocationTag, *request.body));
     put.SetContentLength(request.contentLength);
     put.SetContentMD5(ToAws(request.contentMd5));
     put.SetContentType(ToAws(request.contentType));

@@ -2,9 +2,9 @@
 
 #include <cstdint>
 #include <memory>
-#include <span>
 #include <string>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // Where a client sends, as whom, and how long it waits.
@@ -19,13 +19,13 @@ struct ObjectStoreConfig {
     uint32_t requestTimeoutMs = 0; // for each piece of the body, and for the answer to it
 };
 
-// One object to store. The caller keeps the body alive during the call.
+// One object to store.
 struct PutObjectRequest {
-    std::string key;           // needs no escaping in a URL
-    std::string contentMd5;    // base64 of the body's MD5; the store refuses another body
-    std::string contentType;   // media type
-    int64_t contentLength = 0; // as announced to the store
-    std::span<const uint8_t> body;
+    std::string key;                      // needs no escaping in a URL
+    std::string contentMd5;               // base64 of the body's MD5; the store refuses another body
+    std::string contentType;              // media type
+    int64_t contentLength = 0;            // as announced to the store
+    Platform::ByteSource* body = nullptr; // never null in a call; read in pieces, perhaps more than once
 };
 
 // A client of one bucket. Lives for one upload, on the upload's thread. Clients share nothing but the

@@ -1,34 +1,54 @@
 #include "Libs/Processes/Cloud/src/S3Upload.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
 
-ResultCode PutPackage(IObjectStore& store, std::span<const uint8_t> package) {
+namespace {
+
+ResultCode Digest(Platform::ByteSource& package, Crypto::MD5& md5) {
+    RETURN_IF_FAILED(Platform::ForEachPiece(package, 0, package.GetSize(), [&](auto piece) {
+        md5.Update(piece);
+        return Platform::Success;
+    }));
+    md5.Finish();
+    return Platform::Success;
+}
+
+} // namespace
+
+ResultCode PutPackage(IObjectStore& store, Platform::ByteSource& package) {
+    static constexpr char NotPut[] = "Failed to put stream in S3 bucket";
+    if (!std::cmp_equal(AnnouncedLength(package.GetSize()), package.GetSize())) {
+        return NotPut;
+    }
+    PutObjectRequest request;
     std::string eTag;
-    if (!store.PutObject(RequestForPackage(package), eTag)) {
-        return "Failed to put stream in S3 bucket";
+    if (!RequestForPackage(package, request) || !store.PutObject(request, eTag)) {
+        return NotPut;
     }
     // Hashed again, so that the check covers the bytes as they are after sending. A tag that is unquoted, in
     // upper case or of several parts ("...-2") comes from a store that hashed something else.
-    if (eTag != "\"" + Crypto::MD5OfBytes(package) + "\"") {
+    Crypto::MD5 sent;
+    if (!Digest(package, sent) || eTag != "\"" + Crypto::ToHex(sent.Digest()) + "\"") {
         return "MD5 of stream received by S3 doesn't match the MD5 we computed locally";
     }
     return Platform::Success;
 }
 
-PutObjectRequest RequestForPackage(std::span<const uint8_t> package) {
-    const Crypto::MD5Digest digest = Crypto::MD5DigestOf(package);
-    PutObjectRequest request;
-    request.key = Crypto::ToHex(digest);
-    request.contentMd5 = Base64Encode(digest);
+ResultCode RequestForPackage(Platform::ByteSource& package, PutObjectRequest& request) {
+    Crypto::MD5 md5;
+    RETURN_IF_FAILED(Digest(package, md5));
+    request.key = Crypto::ToHex(md5.Digest());
+    request.contentMd5 = Base64Encode(md5.Digest());
     request.contentType = "application/octet-stream";
-    request.contentLength = AnnouncedLength(package.size());
-    request.body = package;
-    return request;
+    request.contentLength = AnnouncedLength(package.GetSize());
+    request.body = &package;
+    return Platform::Success;
 }
 
-int64_t AnnouncedLength(std::size_t packageSize) {
+int64_t AnnouncedLength(uint64_t packageSize) {
     return static_cast<int32_t>(static_cast<uint32_t>(packageSize)); // deliberately narrowed, see the header
 }
 

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 #include <span>
 #include <string>
@@ -12,15 +11,17 @@
 // judged. Any thread; no state. All may throw std::bad_alloc.
 
 // Sends the whole package in one request and checks the answer against the bytes that were sent. The same
-// bytes sent again land under the same key. After a failure the object may be in the bucket nevertheless.
-ResultCode PutPackage(IObjectStore& store, std::span<const uint8_t> package);
+// bytes sent again land under the same key. After a failure the object may be in the bucket nevertheless. A
+// package of 2 GiB or more fails before anything is done.
+ResultCode PutPackage(IObjectStore& store, Platform::ByteSource& package);
 
-// The key is the package's MD5 in 32 lower-case digits, so that the content is its address.
-PutObjectRequest RequestForPackage(std::span<const uint8_t> package);
+// The key is the package's MD5 in 32 lower-case digits, so that the content is its address. Fails if the
+// package can't be read.
+ResultCode RequestForPackage(Platform::ByteSource& package, PutObjectRequest& request);
 
 // The length that a request announces: taken as a signed 32-bit number. Packages are far below 2 GiB; a
 // larger one is announced wrongly and taken by no store.
-[[nodiscard]] int64_t AnnouncedLength(std::size_t packageSize);
+[[nodiscard]] int64_t AnnouncedLength(uint64_t packageSize);
 
 // With padding, without line breaks.
 [[nodiscard]] std::string Base64Encode(std::span<const uint8_t> bytes);

@@ -2,12 +2,14 @@
 
 #include <algorithm>
 #include <array>
+#include <span>
 
 #include <windows.h>
 // bcrypt.h needs windows.h first
 #include <bcrypt.h>
 
 #include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Handle.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 
 namespace SigV4 {
@@ -22,17 +24,27 @@ using Digest = std::array<uint8_t, 32>;
 constexpr uintptr_t Sha256 = 0x41;
 constexpr uintptr_t HmacSha256 = 0xb1;
 
-std::optional<Digest> Hash(uintptr_t algorithm, std::span<const uint8_t> key,
-                           std::span<const uint8_t> bytes) {
+constexpr ResultCode HashFailed = "The system's hashing fails";
+
+BCRYPT_ALG_HANDLE HandleOf(uintptr_t algorithm) {
     // The system hands its algorithms out as numbers. NOLINTNEXTLINE(performance-no-int-to-ptr)
-    auto* const handle = reinterpret_cast<BCRYPT_ALG_HANDLE>(algorithm);
-    // The interface takes inputs as writable and leaves them alone.
-    const auto input = [](std::span<const uint8_t> in) { return const_cast<PUCHAR>(in.data()); };
+    return reinterpret_cast<BCRYPT_ALG_HANDLE>(algorithm);
+}
+
+// The interface takes inputs as writable and leaves them alone.
+PUCHAR Input(std::span<const uint8_t> bytes) {
+    return const_cast<PUCHAR>(bytes.data());
+}
+
+bool CloseHash(void* hash) {
+    return BCRYPT_SUCCESS(BCryptDestroyHash(hash));
+}
+
+std::optional<Digest> Hmac(std::span<const uint8_t> key, std::span<const uint8_t> bytes) {
     Digest digest;
-    const bool isHashed = bytes.size() <= MAXDWORD &&
-                          BCRYPT_SUCCESS(BCryptHash(handle, input(key), static_cast<ULONG>(key.size()),
-                                                    input(bytes), static_cast<ULONG>(bytes.size()),
-                                                    digest.data(), static_cast<ULONG>(digest.size())));
+    const bool isHashed = BCRYPT_SUCCESS(
+        BCryptHash(HandleOf(HmacSha256), Input(key), static_cast<ULONG>(key.size()), Input(bytes),
+                   static_cast<ULONG>(bytes.size()), digest.data(), static_cast<ULONG>(digest.size())));
     return isHashed ? std::optional(digest) : std::nullopt;
 }
 
@@ -100,11 +112,11 @@ std::string CanonicalRequest(const Request& request, const std::vector<Header>& 
 
 // Binds the secret to a day, a region and a service: a signing key that leaks is worth no more than that.
 std::optional<Digest> SigningKey(const std::string& secretKey, const Scope& scope) {
-    std::optional<Digest> key = Hash(HmacSha256, BytesOf("AWS4" + secretKey), BytesOf(DayOf(scope)));
+    std::optional<Digest> key = Hmac(BytesOf("AWS4" + secretKey), BytesOf(DayOf(scope)));
     for (const std::string_view part : {std::string_view(scope.region), std::string_view(scope.service),
                                         std::string_view("aws4_request")}) {
         if (key) {
-            key = Hash(HmacSha256, *key, BytesOf(part));
+            key = Hmac(*key, BytesOf(part));
         }
     }
     return key;
@@ -127,22 +139,37 @@ std::string EncodePath(std::string_view path) {
     return encoded;
 }
 
-std::optional<std::string> HashOf(std::span<const uint8_t> bytes) {
-    const std::optional<Digest> digest = Hash(Sha256, {}, bytes);
-    return digest ? std::optional(Crypto::ToHex(*digest)) : std::nullopt;
+std::optional<std::string> HashOf(Platform::ByteSource& bytes) {
+    BCRYPT_HASH_HANDLE opened = nullptr;
+    if (!BCRYPT_SUCCESS(BCryptCreateHash(HandleOf(Sha256), &opened, nullptr, 0, nullptr, 0, 0))) {
+        return std::nullopt;
+    }
+    const Platform::Handle<CloseHash> hash(opened);
+    Digest digest;
+    const ResultCode hashed =
+        Platform::ForEachPiece(bytes, 0, bytes.GetSize(), [&](auto piece) -> ResultCode {
+            const auto count = static_cast<ULONG>(piece.size());
+            return BCRYPT_SUCCESS(BCryptHashData(opened, Input(piece), count, 0)) ? Platform::Success
+                                                                                  : HashFailed;
+        });
+    const bool isHashed = hashed && BCRYPT_SUCCESS(BCryptFinishHash(opened, digest.data(),
+                                                                    static_cast<ULONG>(digest.size()), 0));
+    return isHashed ? std::optional(Crypto::ToHex(digest)) : std::nullopt;
 }
 
 std::optional<std::string> Authorization(const Request& request, const Credentials& credentials,
                                          const Scope& scope) {
     const std::vector<Header> headers = CanonicalHeaders(request.headers);
-    const auto requestHash = HashOf(BytesOf(CanonicalRequest(request, headers)));
+    const std::string canonicalRequest = CanonicalRequest(request, headers);
+    Platform::MemorySource requestBytes(BytesOf(canonicalRequest));
+    const auto requestHash = HashOf(requestBytes);
     const auto key = SigningKey(credentials.secretKey, scope);
     if (!requestHash || !key) {
         return std::nullopt;
     }
     const std::string stringToSign =
         std::string(Algorithm) + "\n" + scope.timestamp + "\n" + ScopeText(scope) + "\n" + *requestHash;
-    const auto signature = Hash(HmacSha256, *key, BytesOf(stringToSign));
+    const auto signature = Hmac(*key, BytesOf(stringToSign));
     if (!signature) {
         return std::nullopt;
     }

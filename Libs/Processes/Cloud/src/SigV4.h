@@ -2,10 +2,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 
 // Signature Version 4: proves to the store that a request comes from the holder of the secret key and was not
 // changed. The secret enters nothing but the signature. Hashing is the operating system's. Any thread; all
@@ -43,8 +44,8 @@ struct Scope {
 // double slashes stay, since they are part of a key.
 [[nodiscard]] std::string EncodePath(std::string_view path);
 
-// SHA-256 in 64 lower-case digits. Nothing if the system's hashing fails or bytes are 4 GiB or more.
-[[nodiscard]] std::optional<std::string> HashOf(std::span<const uint8_t> bytes);
+// SHA-256 in 64 lower-case digits. Nothing if the system's hashing fails or bytes can't be read.
+[[nodiscard]] std::optional<std::string> HashOf(Platform::ByteSource& bytes);
 
 // The value of the Authorization header. Nothing if the system's hashing fails.
 [[nodiscard]] std::optional<std::string> Authorization(const Request& request, const Credentials& credentials,

@@ -17,7 +17,7 @@ UploaderThreadS3::~UploaderThreadS3() {
     WaitForEnd();
 }
 
-ResultCode UploaderThreadS3::UploadPackage(const std::vector<uint8_t>& package) {
+ResultCode UploaderThreadS3::UploadPackage(Platform::ByteSource& package) {
     try {
         return PutPackage(*CreateObjectStore(m_store), package);
     } catch (const std::exception&) { // out of memory: fails this upload, not the run

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <string>
-#include <vector>
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Processes/Cloud/src/UploaderS3Config.h"
@@ -14,7 +13,7 @@ public:
     UploaderThreadS3(UploadPermission permission, const std::string& folder, const UploaderS3Config& config);
     ~UploaderThreadS3() override;
 
-    ResultCode UploadPackage(const std::vector<uint8_t>& package) override;
+    ResultCode UploadPackage(Platform::ByteSource& package) override;
 
 private:
     ObjectStoreConfig m_store; // constant after construction

@@ -88,7 +88,7 @@ public:
 
     // Also succeeds if the connection breaks during the body: the store may have refused early, and Receive
     // shows its answer. Names and values are printable ASCII.
-    ResultCode Send(const std::vector<SigV4::Header>& headers, std::span<const uint8_t> body);
+    ResultCode Send(const std::vector<SigV4::Header>& headers, Platform::ByteSource& body);
 
     // Does not read the answer's body. A missing or unreasonable ETag is empty.
     ResultCode Receive(uint32_t& status, std::string& eTag);
@@ -188,7 +188,7 @@ WinHttpPut::Outcome WinHttpPut::Wait(bool isStarted) {
     return m_step->failed ? Outcome::Failed : Outcome::Done;
 }
 
-ResultCode WinHttpPut::Send(const std::vector<SigV4::Header>& headers, std::span<const uint8_t> body) {
+ResultCode WinHttpPut::Send(const std::vector<SigV4::Header>& headers, Platform::ByteSource& body) {
     for (const SigV4::Header& header : headers) {
         const std::wstring line = Widen(header.name + ": " + header.value);
         if (!WinHttpAddRequestHeaders(m_request.Get(), line.c_str(), static_cast<DWORD>(line.size()),
@@ -200,17 +200,20 @@ ResultCode WinHttpPut::Send(const std::vector<SigV4::Header>& headers, std::span
                                 WINHTTP_IGNORE_REQUEST_TOTAL_LENGTH, m_context)) != Outcome::Done) {
         return "Failed to send HTTP request";
     }
-    while (!body.empty()) {
-        const auto piece = body.first(std::min(body.size(), LargestPiece));
-        m_step->piece.assign(piece.begin(), piece.end());
-        switch (Wait(WinHttpWriteData(m_request.Get(), m_step->piece.data(), static_cast<DWORD>(piece.size()),
-                                      nullptr))) {
+    std::vector<uint8_t>& piece = m_step->piece;
+    for (uint64_t sent = 0; sent < body.GetSize(); sent += piece.size()) {
+        piece.resize(static_cast<std::size_t>(std::min<uint64_t>(body.GetSize() - sent, LargestPiece)));
+        if (!body.Read(sent, piece)) {
+            return Platform::ReadFailure;
+        }
+        switch (Wait(
+            WinHttpWriteData(m_request.Get(), piece.data(), static_cast<DWORD>(piece.size()), nullptr))) {
         case Outcome::TimedOut:
             return "Timed out while sending HTTP body";
         case Outcome::Failed:
             return Platform::Success; // the store may have said why
         case Outcome::Done:
-            body = body.subspan(piece.size());
+            break;
         }
     }
     return Platform::Success;
@@ -271,8 +274,7 @@ private:
 };
 
 ResultCode WinHttpObjectStore::PutObject(const PutObjectRequest& request, std::string& eTag) {
-    if (!std::in_range<uint64_t>(request.contentLength) ||
-        static_cast<uint64_t>(request.contentLength) != request.body.size()) {
+    if (!std::cmp_equal(request.contentLength, request.body->GetSize())) {
         return "Announced length is not the length of the body"; // no store takes it
     }
     S3Endpoint endpoint;
@@ -284,7 +286,7 @@ ResultCode WinHttpObjectStore::PutObject(const PutObjectRequest& request, std::s
     uint32_t status = 0;
     std::string tag;
     RETURN_IF_FAILED(put.Open(endpoint, signedPut.path));
-    RETURN_IF_FAILED(put.Send(signedPut.headers, request.body));
+    RETURN_IF_FAILED(put.Send(signedPut.headers, *request.body));
     RETURN_IF_FAILED(put.Receive(status, tag));
     if (status < 200 || status > 299) {
         return "Store refused the object";
@@ -298,7 +300,7 @@ ResultCode WinHttpObjectStore::MakeSignedPut(const PutObjectRequest& request, co
                                              SigV4::Request& signedPut) const {
     const SigV4::Scope scope = {CurrentTimestamp(), m_config.region};
     const auto payloadHash =
-        endpoint.secure ? std::optional<std::string>(SigV4::UnsignedPayload) : SigV4::HashOf(request.body);
+        endpoint.secure ? std::optional<std::string>(SigV4::UnsignedPayload) : SigV4::HashOf(*request.body);
     if (!payloadHash) {
         return "Failed to hash the body";
     }

@@ -31,7 +31,9 @@ int64_t Number(const char* name, int64_t otherwise) {
     return std::stoll(Text(name, std::to_string(otherwise)));
 }
 
-bool PutOne(const ObjectStoreConfig& config, const PutObjectRequest& request) {
+bool PutOne(const ObjectStoreConfig& config, PutObjectRequest request, std::span<const uint8_t> content) {
+    Platform::MemorySource body(content); // of this thread
+    request.body = &body;
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
     std::string eTag;
@@ -57,8 +59,10 @@ int main(int argc, char** argv) {
                                       static_cast<uint32_t>(Number("requestTimeout", 30000))};
     std::ifstream file(Text("file"), std::ios::binary);
     const std::string content{std::istreambuf_iterator<char>(file), {}};
-    PutObjectRequest request =
-        RequestForPackage({reinterpret_cast<const uint8_t*>(content.data()), content.size()});
+    const std::span bytes(reinterpret_cast<const uint8_t*>(content.data()), content.size());
+    Platform::MemorySource body(bytes);
+    PutObjectRequest request;
+    static_cast<void>(RequestForPackage(body, request)); // memory can be read
     request.key = Text("key", request.key);
     request.contentMd5 = Text("md5", request.contentMd5);
     request.contentLength = Number("length", request.contentLength);
@@ -67,12 +71,12 @@ int main(int argc, char** argv) {
     std::vector<std::jthread> others;
     for (int64_t count = Number("parallel", 1); count > 1; --count) {
         others.emplace_back([&] {
-            if (!PutOne(config, request)) {
+            if (!PutOne(config, request, bytes)) {
                 isGood = false;
             }
         });
     }
-    if (!PutOne(config, request)) {
+    if (!PutOne(config, request, bytes)) {
         isGood = false;
     }
     others.clear();

@@ -26,7 +26,8 @@ std::string Put(const char* eTag, ResultCode result = {}, bool changesByte = fal
     };
     std::string package = "hello";
     Store store(package.data(), changesByte ? 'j' : 'h', eTag, result);
-    return PutPackage(store, {reinterpret_cast<const uint8_t*>(package.data()), package.size()}).Text();
+    Platform::MemorySource source({reinterpret_cast<const uint8_t*>(package.data()), package.size()});
+    return PutPackage(store, source).Text();
 }
 
 } // namespace

@@ -1,7 +1,6 @@
 #include "Libs/Processes/Core/src/AttachmentLimit.h"
 
 #include <algorithm>
-#include <cstddef>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
@@ -42,36 +41,54 @@ uint64_t FindAttachmentSizeLimit(const std::vector<AttachmentLimit>& limits, std
     return found == limits.end() ? 0 : found->maxSize;
 }
 
-void TruncateToSizeLimit(const std::vector<AttachmentLimit>& limits, std::string_view file,
-                         std::vector<uint8_t>& attBytes) {
-    PLATFORM_ASSERT_TEXT(IsAttachmentOverSizeLimit(limits, file, attBytes.size()),
-                         "IsAttachmentOverSizeLimit(file, attBytes.size())");
-    const uint64_t fileSize = attBytes.size();
-    const uint64_t maxFileSize = FindAttachmentSizeLimit(limits, file);
-    PLATFORM_ASSERT(fileSize > maxFileSize);
-    TruncateAroundMiddle(attBytes, maxFileSize);
-}
-
 TruncationCut ComputeTruncationCut(uint64_t size, uint64_t limit) {
     const uint64_t halfExcess = Half(size - limit);
     const uint64_t halfSize = Half(size); // rounding is monotonic: never less than halfExcess
     return {halfSize - halfExcess, halfSize + std::min(halfExcess, size - halfSize)};
 }
 
-void TruncateAroundMiddle(std::vector<uint8_t>& bytes, uint64_t limit) {
-    const uint64_t size = bytes.size();
-    if (limit >= size) {
+LimitedBytes::LimitedBytes(Platform::ByteSource& file, const std::vector<AttachmentLimit>& limits,
+                           std::string_view name)
+    : m_file(file), m_cut{file.GetSize(), file.GetSize()} {
+    const uint64_t fileSize = file.GetSize();
+    if (!IsAttachmentOverSizeLimit(limits, name, fileSize)) {
         return;
     }
-    const TruncationCut cut = ComputeTruncationCut(size, limit);
-    const std::string banner = Banner(size, limit);
-    const auto at = [&](uint64_t offset) { return bytes.begin() + static_cast<std::ptrdiff_t>(offset); };
-    // The banner overwrites what it can of the stretch, so that the tail moves once.
-    const std::size_t fitting = std::min(banner.size(), static_cast<std::size_t>(cut.end - cut.begin));
-    std::copy_n(banner.begin(), fitting, at(cut.begin));
-    if (fitting < banner.size()) {
-        bytes.insert(at(cut.end), banner.begin() + static_cast<std::ptrdiff_t>(fitting), banner.end());
-    } else {
-        bytes.erase(at(cut.begin + fitting), at(cut.end));
+    const uint64_t maxFileSize = FindAttachmentSizeLimit(limits, name);
+    PLATFORM_ASSERT(fileSize > maxFileSize);
+    if (fileSize > maxFileSize) {
+        m_cut = ComputeTruncationCut(fileSize, maxFileSize);
+        m_banner = Banner(fileSize, maxFileSize);
     }
+}
+
+uint64_t LimitedBytes::GetSize() const {
+    return m_file.GetSize() - (m_cut.end - m_cut.begin) + m_banner.size();
+}
+
+bool LimitedBytes::ReadInside(uint64_t offset, std::span<uint8_t> buffer) {
+    const uint64_t bannerEnd = m_cut.begin + m_banner.size();
+    const auto upTo = [&](uint64_t end) {
+        return buffer.first(static_cast<std::size_t>(std::min<uint64_t>(buffer.size(), end - offset)));
+    };
+    while (!buffer.empty()) {
+        std::span<uint8_t> piece = buffer;
+        bool isRead = true;
+        if (offset < m_cut.begin) {
+            piece = upTo(m_cut.begin);
+            isRead = m_file.Read(offset, piece);
+        } else if (offset < bannerEnd) {
+            piece = upTo(bannerEnd);
+            m_banner.copy(reinterpret_cast<char*>(piece.data()), piece.size(),
+                          static_cast<std::size_t>(offset - m_cut.begin));
+        } else {
+            isRead = m_file.Read(offset - bannerEnd + m_cut.end, piece);
+        }
+        if (!isRead) {
+            return false;
+        }
+        offset += piece.size();
+        buffer = buffer.subspan(piece.size());
+    }
+    return true;
 }

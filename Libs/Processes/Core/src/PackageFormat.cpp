@@ -1,53 +1,74 @@
 #include "Libs/Processes/Core/src/PackageFormat.h"
 
-#include <algorithm>
 #include <cstring>
-#include <iterator>
-#include <string>
-#include <utility>
-
-#include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
 
 namespace PackageFormat {
 
 namespace {
 
-void WriteLength(uint8_t* target, std::size_t length) {
+void WriteLength(uint8_t* target, uint64_t length) {
     static constexpr char Digits[] = "0123456789ABCDEF";
-    auto rest = static_cast<uint32_t>(length);
-    for (std::size_t i = LengthSize; i-- > 0; rest >>= 4) {
-        target[i] = static_cast<uint8_t>(Digits[rest & 0xF]);
+    for (std::size_t i = LengthSize; i-- > 0; length >>= 4) {
+        target[i] = static_cast<uint8_t>(Digits[length & 0xF]);
     }
 }
 
-void WriteDigest(uint8_t* target, std::span<const uint8_t> bytes) {
-    std::memcpy(target, Crypto::MD5OfBytes(bytes).data(), DigestSize);
+std::string DigestOf(Crypto::MD5 md5) {
+    md5.Finish();
+    return Crypto::ToHex(md5.Digest());
 }
 
 } // namespace
 
-Composer::Composer(std::span<const uint8_t> header, std::size_t expectedBodySize)
-    : m_headerSize(header.size()) {
-    m_package.reserve(PrefixSize + std::max(expectedBodySize, header.size()));
-    m_package.resize(PrefixSize);
-    m_package.insert(m_package.end(), header.begin(), header.end());
+ResultCode Composer::Append(std::span<const uint8_t> bytes) {
+    RETURN_IF_FAILED(m_target(m_end, bytes));
+    m_body.Update(bytes);
+    m_end += bytes.size();
+    return Platform::Success;
 }
 
-void Composer::AppendEntry(std::span<const uint8_t> data) {
+ResultCode Composer::AppendHeader(std::span<const uint8_t> header) {
+    m_headerSize = header.size();
+    return Append(header);
+}
+
+ResultCode Composer::AppendEntry(Platform::ByteSource& data, std::string digest) {
+    digest.resize(DigestSize, '0'); // nobody has to know one
+    const Crypto::MD5 bodyBefore = m_body;
+    const uint64_t start = m_end;
+    std::string actual;
+    RETURN_IF_FAILED(AppendEntryAs(digest, data, actual));
+    if (actual == digest) {
+        return Platform::Success;
+    }
+    m_body = bodyBefore;
+    m_end = start;
+    RETURN_IF_FAILED(AppendEntryAs(actual, data, digest));
+    return actual == digest ? Platform::Success : Platform::ReadFailure; // it changes meanwhile
+}
+
+ResultCode Composer::AppendEntryAs(const std::string& digest, Platform::ByteSource& data,
+                                   std::string& actual) {
     uint8_t prefix[EntryPrefixSize];
-    WriteLength(prefix, data.size());
-    WriteDigest(prefix + LengthSize, data);
-    m_package.insert(m_package.end(), std::begin(prefix), std::end(prefix));
-    m_package.insert(m_package.end(), data.begin(), data.end());
+    WriteLength(prefix, data.GetSize());
+    std::memcpy(prefix + LengthSize, digest.data(), DigestSize);
+    RETURN_IF_FAILED(Append(prefix));
+    Crypto::MD5 md5;
+    RETURN_IF_FAILED(Platform::ForEachPiece(data, 0, data.GetSize(), [&](auto piece) {
+        md5.Update(piece);
+        return Append(piece);
+    }));
+    actual = DigestOf(md5);
+    return Platform::Success;
 }
 
-std::vector<uint8_t> Composer::Take() {
-    const std::span<const uint8_t> body = std::span(m_package).subspan(PrefixSize);
-    WriteLength(m_package.data(), body.size());
-    // Like the length, of the low 32 bits.
-    WriteDigest(m_package.data() + LengthSize, body.first(static_cast<uint32_t>(body.size())));
-    WriteLength(m_package.data() + LengthSize + DigestSize, m_headerSize);
-    return std::exchange(m_package, {});
+ResultCode Composer::Finish(uint64_t& size) {
+    uint8_t prefix[PrefixSize];
+    WriteLength(prefix, m_end - PrefixSize);
+    std::memcpy(prefix + LengthSize, DigestOf(m_body).data(), DigestSize);
+    WriteLength(prefix + LengthSize + DigestSize, m_headerSize);
+    size = m_end;
+    return m_target(0, prefix);
 }
 
 } // namespace PackageFormat

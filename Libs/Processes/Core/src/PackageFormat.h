@@ -2,11 +2,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <span>
-#include <vector>
+#include <string>
+#include <utility>
 
-// The layout of a package (see docs/formats.md). Lengths are the low 32 bits in eight upper-case hexadecimal
-// digits, so a body or entry of 4 GiB or more is written with a wrapped length.
+#include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
+
+// The layout of a package (see docs/formats.md).
 namespace PackageFormat {
 
 inline constexpr std::size_t LengthSize = 8;
@@ -14,20 +19,36 @@ inline constexpr std::size_t DigestSize = 32;
 inline constexpr std::size_t EntryPrefixSize = LengthSize + DigestSize;
 inline constexpr std::size_t PrefixSize = LengthSize + DigestSize + LengthSize;
 
-// Composes one package in one buffer. May throw std::bad_alloc.
+// Lengths are eight hexadecimal digits. Who makes a package sees to it that none is longer.
+inline constexpr uint64_t MaxLength = 0xFFFFFFFF;
+
+// Takes bytes of a package and their place in it.
+using Target = std::function<ResultCode(uint64_t offset, std::span<const uint8_t> bytes)>;
+
+// Composes one package in pieces. Every byte is given to target in its order, but for the prefix, which is
+// the last. A failure of the target ends the composing.
 class Composer {
 public:
-    // The expected size only saves the buffer from growing.
-    Composer(std::span<const uint8_t> header, std::size_t expectedBodySize);
+    explicit Composer(Target target) : m_target(std::move(target)) {}
 
-    void AppendEntry(std::span<const uint8_t> data);
+    // The first, and once.
+    ResultCode AppendHeader(std::span<const uint8_t> header);
 
-    // The finished package; call it last, and once.
-    std::vector<uint8_t> Take();
+    // The data is hashed while it is written, after the digest that it should have. If it has another one,
+    // the entry is given to target once more.
+    ResultCode AppendEntry(Platform::ByteSource& data, std::string digest);
+
+    // The last; gives the package's size.
+    ResultCode Finish(uint64_t& size);
 
 private:
-    std::size_t m_headerSize;
-    std::vector<uint8_t> m_package; // the prefix, which Take fills in, then the body
+    ResultCode Append(std::span<const uint8_t> bytes);
+    ResultCode AppendEntryAs(const std::string& digest, Platform::ByteSource& data, std::string& actual);
+
+    Target m_target;
+    Crypto::MD5 m_body;
+    uint64_t m_end = PrefixSize; // where the next byte goes
+    uint64_t m_headerSize = 0;
 };
 
 } // namespace PackageFormat

@@ -6,8 +6,8 @@
 
 #include "Libs/Processes/Core/src/AttachmentName.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
-#include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
+#include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 
 namespace {
 
@@ -16,30 +16,13 @@ using PackageFormat::EntryPrefixSize;
 using PackageFormat::LengthSize;
 using PackageFormat::PrefixSize;
 
-std::string_view AsText(std::span<const uint8_t> bytes) {
-    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
-}
-
-std::string DigestOf(std::span<const uint8_t> bytes, const PackageReader::Progress& progress) {
-    constexpr std::size_t Piece = 1 << 20;
-    Crypto::MD5 md5;
-    while (!bytes.empty()) {
-        const auto piece = bytes.first(std::min(bytes.size(), Piece));
-        md5.Update(piece);
-        progress(piece.size());
-        bytes = bytes.subspan(piece.size());
-    }
-    md5.Finish();
-    return Crypto::ToHex(md5.Digest());
-}
-
-std::string Count(std::size_t count, const char* what) {
+std::string Count(uint64_t count, const char* what) {
     return std::to_string(count) + " " + what;
 }
 
 } // namespace
 
-PackageReader::PackageReader(std::span<const uint8_t> package) : m_package(package) {
+PackageReader::PackageReader(Platform::ByteSource& package) : m_package(package) {
     if (ReadPrefix()) {
         const bool hasHeader = ReadHeader();
         ReadEntries();
@@ -50,13 +33,13 @@ PackageReader::PackageReader(std::span<const uint8_t> package) : m_package(packa
 }
 
 bool PackageReader::ReadPrefix() {
-    if (m_package.size() < PrefixSize) {
+    if (m_package.GetSize() < PrefixSize) {
         Report(0, "A package begins with 48 bytes of lengths and digest, but " +
-                      Count(m_package.size(), "bytes are all there is"));
+                      Count(m_package.GetSize(), "bytes are all there is"));
         return false;
     }
-    const std::size_t present = m_package.size() - PrefixSize;
-    std::size_t bodySize = present;
+    const uint64_t present = m_package.GetSize() - PrefixSize;
+    uint64_t bodySize = present;
     static_cast<void>(ReadLength(0, "body", bodySize)); // if it can't be read, the body is all there is
     m_bodyDigest = ReadDigest(LengthSize, "body");
     if (bodySize != present) {
@@ -64,43 +47,46 @@ bool PackageReader::ReadPrefix() {
                       Count(present, "bytes follow the prefix"));
     }
     m_end = PrefixSize + std::min(bodySize, present);
-    const std::size_t lengthAt = LengthSize + DigestSize;
+    constexpr uint64_t lengthAt = LengthSize + DigestSize;
     if (!ReadLength(lengthAt, "header", m_headerSize)) {
         return false;
     }
     if (m_headerSize > m_end - PrefixSize) {
         Report(lengthAt, "The header is recorded as " + Count(m_headerSize, "bytes") + ", but the body has " +
                              Count(m_end - PrefixSize, "bytes"));
+        m_headerSize = 0;
         return false;
     }
     return true;
 }
 
 bool PackageReader::ReadHeader() {
-    m_headerBytes = m_package.subspan(PrefixSize, m_headerSize);
-    if (const ResultCode result = HeaderFile::Parse(AsText(m_headerBytes), m_header); !result) {
-        Report(PrefixSize, result.Text());
-        return false;
+    ResultCode result = HeaderFile::NoHeader; // a longer text would be refused, after it was read
+    if (m_headerSize <= JsonSerialization::MaxTextSize) {
+        result = HeaderFile::Parse(ReadText(PrefixSize, m_headerSize), m_header);
     }
-    return true;
+    if (!result) {
+        Report(PrefixSize, result.Text());
+    }
+    return result.Succeeded();
 }
 
 void PackageReader::ReadEntries() {
-    std::size_t offset = PrefixSize + m_headerSize;
+    uint64_t offset = PrefixSize + m_headerSize;
     while (offset < m_end && ReadEntry(offset)) {
-        offset += EntryPrefixSize + m_entries.back().data.size();
+        offset = m_entries.back().DataOffset() + m_entries.back().size;
     }
 }
 
 // False if nothing after it can be read.
-bool PackageReader::ReadEntry(std::size_t offset) {
-    const std::size_t left = m_end - offset;
+bool PackageReader::ReadEntry(uint64_t offset) {
+    const uint64_t left = m_end - offset;
     if (left < EntryPrefixSize) {
         Report(offset, "An entry begins with 40 bytes of length and digest, but the body ends after " +
                            Count(left, "bytes"));
         return false;
     }
-    std::size_t size = 0;
+    uint64_t size = 0;
     if (!ReadLength(offset, "entry", size)) {
         return false;
     }
@@ -112,7 +98,7 @@ bool PackageReader::ReadEntry(std::size_t offset) {
                            Count(left - EntryPrefixSize, "bytes"));
         return false;
     }
-    entry.data = m_package.subspan(offset + EntryPrefixSize, size);
+    entry.size = size;
     m_entries.push_back(std::move(entry));
     return true;
 }
@@ -136,9 +122,9 @@ void PackageReader::NameEntries() {
     }
 }
 
-bool PackageReader::ReadLength(std::size_t offset, const char* what, std::size_t& length) {
-    std::size_t value = 0;
-    for (const char digit : AsText(m_package.subspan(offset, LengthSize))) {
+bool PackageReader::ReadLength(uint64_t offset, const char* what, uint64_t& length) {
+    uint64_t value = 0;
+    for (const char digit : ReadText(offset, LengthSize)) {
         const std::size_t place = std::string_view("0123456789ABCDEF").find(digit);
         if (place == std::string_view::npos) {
             Report(offset,
@@ -151,33 +137,63 @@ bool PackageReader::ReadLength(std::size_t offset, const char* what, std::size_t
     return true;
 }
 
-std::string PackageReader::ReadDigest(std::size_t offset, const char* what) {
-    const std::string_view digest = AsText(m_package.subspan(offset, DigestSize));
-    if (digest.find_first_not_of("0123456789abcdef") != std::string_view::npos) {
+std::string PackageReader::ReadDigest(uint64_t offset, const char* what) {
+    std::string digest = ReadText(offset, DigestSize);
+    if (digest.find_first_not_of("0123456789abcdef") != std::string::npos) {
         Report(offset, std::string("The digest of the ") + what + " is not 32 lower-case hexadecimal digits");
         return {};
     }
-    return std::string(digest);
+    return digest;
+}
+
+// Zeros if the package can't be read.
+std::string PackageReader::ReadText(uint64_t offset, uint64_t size) {
+    std::string text(static_cast<std::size_t>(size), '\0');
+    static_cast<void>(m_package.Read(offset, {reinterpret_cast<uint8_t*>(text.data()), text.size()}));
+    return text;
 }
 
 void PackageReader::CheckDigests(const Progress& progress) {
-    const auto check = [&](std::span<const uint8_t> bytes, const std::string& recorded, std::size_t offset,
-                           const std::string& what) {
-        const std::string digest = DigestOf(bytes, progress);
-        if (!recorded.empty() && recorded != digest) {
-            Report(offset, what + ": the recorded digest is " + recorded + ", that of its bytes " + digest);
-        }
-    };
-    if (m_package.size() < PrefixSize) {
+    if (m_package.GetSize() < PrefixSize) {
         return;
     }
-    check(m_package.subspan(PrefixSize, m_end - PrefixSize), m_bodyDigest, LengthSize, "Body");
-    for (const PackageEntry& entry : m_entries) {
-        check(entry.data, entry.digest, entry.offset + LengthSize,
-              entry.name.empty() ? "Entry" : "\"" + entry.name + "\"");
+    Crypto::MD5 body;
+    uint64_t hashed = PrefixSize;
+    const auto hashUpTo = [&](uint64_t end,
+                              Crypto::MD5* entry) { // for a package that can't be read: see ReadText
+        static_cast<void>(Platform::ForEachPiece(m_package, hashed, end - hashed, [&](auto piece) {
+            body.Update(piece);
+            if (entry) {
+                entry->Update(piece);
+            }
+            progress(piece.size());
+            return Platform::Success;
+        }));
+        hashed = end;
+    };
+    std::vector<Crypto::MD5> entries(m_entries.size());
+    for (std::size_t i = 0; i < m_entries.size(); ++i) {
+        hashUpTo(m_entries[i].DataOffset(), nullptr);
+        hashUpTo(m_entries[i].DataOffset() + m_entries[i].size, &entries[i]);
+    }
+    hashUpTo(m_end, nullptr);
+    Compare(body, m_bodyDigest, LengthSize, "Body");
+    for (std::size_t i = 0; i < m_entries.size(); ++i) {
+        const PackageEntry& entry = m_entries[i];
+        Compare(entries[i], entry.digest, entry.offset + LengthSize,
+                entry.name.empty() ? "Entry" : "\"" + entry.name + "\"");
     }
 }
 
-void PackageReader::Report(std::size_t offset, std::string text) {
+void PackageReader::Compare(Crypto::MD5& md5, const std::string& recorded, uint64_t offset,
+                            const std::string& what) {
+    md5.Finish();
+    const std::string digest = Crypto::ToHex(md5.Digest());
+    if (!recorded.empty() && recorded != digest) {
+        Report(offset, what + ": the recorded digest is " + recorded + ", that of its bytes " + digest);
+    }
+}
+
+void PackageReader::Report(uint64_t offset, std::string text) {
     m_problems.push_back({offset, std::move(text)});
 }

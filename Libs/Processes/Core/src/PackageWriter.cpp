@@ -1,5 +1,9 @@
 #include "Libs/Processes/Core/src/PackageWriter.h"
 
+#include <algorithm>
+#include <utility>
+#include <vector>
+
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
@@ -13,41 +17,86 @@ namespace {
 
 constexpr char NotOpened[] = "Failed to open package file for writing";
 
-// A file that can't be measured counts nothing: reading it will say why.
-std::size_t BodySize(std::size_t headerSize, const std::vector<const Attachment*>& files,
-                     const std::string& workFolder) {
-    uint64_t size = headerSize;
-    for (const Attachment* file : files) {
-        Platform::FileInfo info;
-        if (Platform::QueryInfo(FolderPath::Join(workFolder, file->file + ".gz"), info) ==
-            Platform::NoError) {
+constexpr char NotWritten[] = "Failed to write package file";
+
+// What a work folder holds, in the order of the package.
+class PreparedSubmission {
+public:
+    explicit PreparedSubmission(const std::string& workFolder)
+        : m_workFolder(workFolder), m_work(workFolder) {}
+
+    // Measures before anything is written. A file that can't be measured counts nothing: reading it will say
+    // why.
+    ResultCode ReadHeader() {
+        Platform::File file;
+        RETURN_IF_FAILED(m_work.OpenFile(HeaderFile::Name, "", file));
+        RETURN_IF_FAILED(Platform::ReadFileBytes(file, m_headerBytes));
+        RETURN_IF_FAILED(HeaderFile::Parse(
+            {reinterpret_cast<const char*>(m_headerBytes.data()), m_headerBytes.size()}, m_header));
+        uint64_t size = m_headerBytes.size();
+        for (const Attachment* entry : m_header.catalog.FilesInPackageOrder()) {
+            Platform::FileInfo info;
+            static_cast<void>(Platform::QueryInfo(FolderPath::Join(m_workFolder, entry->file + ".gz"), info));
             size += PackageFormat::EntryPrefixSize + info.size;
         }
+        return size > PackageFormat::MaxLength ? ResultCode(SubmissionFault::TooLong) : Platform::Success;
     }
-    return static_cast<std::size_t>(size);
-}
 
-ResultCode ReadPrepared(const SubmissionFolder& work, const std::string& name, const char* ending,
-                        std::vector<uint8_t>& bytes) {
-    Platform::File file;
-    RETURN_IF_FAILED(work.OpenFile(name, ending, file));
-    return ReadAttachment(file, bytes);
-}
+    ResultCode Compose(PackageFormat::Target target, uint64_t& size) const {
+        PackageFormat::Composer composer(std::move(target));
+        RETURN_IF_FAILED(composer.AppendHeader(m_headerBytes));
+        for (const Attachment* entry : m_header.catalog.FilesInPackageOrder()) {
+            Platform::File file;
+            RETURN_IF_FAILED(m_work.OpenFile(entry->file, ".gz", file));
+            Platform::FileSource data(std::move(file));
+            if (data.GetSize() == 0) {
+                return SubmissionFault::EmptyFile;
+            }
+            RETURN_IF_FAILED(composer.AppendEntry(data, entry->md5));
+        }
+        return composer.Finish(size);
+    }
 
-bool HoldsExactly(const std::string& path, const std::vector<uint8_t>& bytes) {
-    std::vector<uint8_t> present;
-    return Platform::ReadWholeFile(path, present) == Platform::ReadOutcome::Done && present == bytes;
-}
+private:
+    const std::string& m_workFolder;
+    const SubmissionFolder m_work;
+    std::vector<uint8_t> m_headerBytes;
+    BugHeader m_header;
+};
 
-ResultCode Write(const std::string& path, const std::vector<uint8_t>& package) {
-    switch (Platform::WriteWholeFile(path, package, Platform::WriteDurability::FlushToDisk)) {
-    case Platform::WriteOutcome::Done:
-        return Platform::Success;
-    case Platform::WriteOutcome::OpenFailed:
+ResultCode Write(const std::string& path, const PreparedSubmission& submission) {
+    Platform::File package;
+    if (package.Open(path, Platform::FileWrite | Platform::FileCreateAndTruncate) != Platform::NoError) {
         return NotOpened;
-    default:
-        return "Failed to write package file";
     }
+    uint64_t size = 0;
+    RETURN_IF_FAILED(submission.Compose(
+        [&](uint64_t offset, std::span<const uint8_t> bytes) -> ResultCode {
+            return package.Write(offset, bytes) == Platform::NoError ? Platform::Success
+                                                                     : ResultCode(NotWritten);
+        },
+        size));
+    const bool isFlushed = package.Flush() == Platform::NoError;
+    return package.Close() && isFlushed ? Platform::Success : ResultCode(NotWritten);
+}
+
+// Success if the finished package at path is the one that would be written.
+ResultCode Compare(const std::string& path, const PreparedSubmission& submission) {
+    Platform::File present;
+    if (present.Open(path, Platform::FileRead, Platform::ShareAll) != Platform::NoError) {
+        return NotOpened;
+    }
+    Platform::FileSource package(std::move(present));
+    std::vector<uint8_t> found;
+    uint64_t size = 0;
+    RETURN_IF_FAILED(submission.Compose(
+        [&](uint64_t offset, std::span<const uint8_t> bytes) -> ResultCode {
+            found.resize(bytes.size());
+            return package.Read(offset, found) && std::ranges::equal(found, bytes) ? Platform::Success
+                                                                                   : ResultCode(NotOpened);
+        },
+        size));
+    return size == package.GetSize() ? Platform::Success : ResultCode(NotOpened);
 }
 
 // Without a word in the log: the failure that leads here has its own. A folder that holds anything else
@@ -72,47 +121,26 @@ ResultCode PackageWriter::Generate(const std::string& name) const {
     const std::string workFolder = FolderPath::Join(m_config.packageWorkFolder, name);
     const std::string targetFolder = FolderPath::Join(m_config.packagedFolder, name);
     const std::string path = FolderPath::Join(targetFolder, m_config.submissionFilename);
-    std::vector<uint8_t> package;
-    RETURN_IF_FAILED(Compose(workFolder, package));
+    if (workFolder.empty()) {
+        return "Submission folder is invalid";
+    }
     RETURN_IF_FAILED(PlatformHelpers::EnsureFolderExists(targetFolder));
-    const ResultCode result = ExceptionToResult([&] { return WriteAndFinish(path, package, workFolder); });
+    const ResultCode result = ExceptionToResult([&] { return WriteAndFinish(path, workFolder); });
     if (!result && !IsFinishedPackage(path)) {
         RemoveHalfPackage(targetFolder, path);
     }
     return result;
 }
 
-ResultCode PackageWriter::WriteAndFinish(const std::string& path, const std::vector<uint8_t>& package,
-                                         const std::string& workFolder) const {
-    if (!IsFinishedPackage(path)) {
-        RETURN_IF_FAILED(Write(path, package));
-    } else if (!HoldsExactly(path, package)) {
-        return NotOpened;
+ResultCode PackageWriter::WriteAndFinish(const std::string& path, const std::string& workFolder) const {
+    {
+        PreparedSubmission submission(workFolder); // holds the work folder open
+        RETURN_IF_FAILED(submission.ReadHeader());
+        RETURN_IF_FAILED(IsFinishedPackage(path) ? Compare(path, submission) : Write(path, submission));
     }
     if (!m_keepWorkFolder) {
         // A work folder that can't be deleted is logged; the package is sent all the same.
         static_cast<void>(PlatformHelpers::RemoveFolder(workFolder));
     }
     return PlatformHelpers::MakeFileReadOnly(path);
-}
-
-ResultCode PackageWriter::Compose(const std::string& workFolder, std::vector<uint8_t>& package) const {
-    if (workFolder.empty()) {
-        return "Submission folder is invalid";
-    }
-    const SubmissionFolder work(workFolder);
-    std::vector<uint8_t> headerBytes;
-    RETURN_IF_FAILED(ReadPrepared(work, HeaderFile::Name, "", headerBytes));
-    BugHeader header;
-    RETURN_IF_FAILED(
-        HeaderFile::Parse({reinterpret_cast<const char*>(headerBytes.data()), headerBytes.size()}, header));
-    const std::vector<const Attachment*> files = header.catalog.FilesInPackageOrder();
-    PackageFormat::Composer composer(headerBytes, BodySize(headerBytes.size(), files, workFolder));
-    for (const Attachment* file : files) {
-        std::vector<uint8_t> data;
-        RETURN_IF_FAILED(ReadPrepared(work, file->file, ".gz", data));
-        composer.AppendEntry(data);
-    }
-    package = composer.Take();
-    return Platform::Success;
 }

@@ -1,8 +1,6 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
-#include <vector>
 
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
@@ -10,7 +8,8 @@
 // Read-only marks a package as finished.
 bool IsFinishedPackage(const std::string& path);
 
-// Bundles a prepared work folder into one package file. The same work folder always gives the same bytes.
+// Bundles a prepared work folder into one package file, which goes through memory in pieces. The same work
+// folder always gives the same bytes.
 // Lives on the packager's thread; the configuration (its folders resolved) outlives it.
 class PackageWriter {
 public:
@@ -24,9 +23,7 @@ public:
     ResultCode Generate(const std::string& name) const;
 
 private:
-    ResultCode Compose(const std::string& workFolder, std::vector<uint8_t>& package) const;
-    ResultCode WriteAndFinish(const std::string& path, const std::vector<uint8_t>& package,
-                              const std::string& workFolder) const;
+    ResultCode WriteAndFinish(const std::string& path, const std::string& workFolder) const;
 
     const PackagerConfig& m_config;
     bool m_keepWorkFolder;

@@ -15,7 +15,7 @@ bool IsOfTheMachine(Platform::SystemError error) {
 
 bool SubmissionFault::Is(ResultCode result) {
     const char* const faults[] = {NoName,       NoHeaderFile, EmptyHeaderFile, HeaderFile::NoHeader,
-                                  NoAttachment, NoFile,       EmptyFile};
+                                  NoAttachment, NoFile,       EmptyFile,       TooLong};
     return std::ranges::find(faults, result.Text()) != std::end(faults);
 }
 
@@ -53,15 +53,4 @@ ResultCode SubmissionFolder::OpenFile(const std::string& name, const char* endin
         return Platform::Success;
     }
     return IsOfTheMachine(error) ? ResultCode("Failed to open input file") : SubmissionFault::NoFile;
-}
-
-ResultCode ReadAttachment(Platform::File& file, std::vector<uint8_t>& bytes) {
-    switch (Platform::ReadWholeFile(file, bytes)) {
-    case Platform::ReadOutcome::Done:
-        return Platform::Success;
-    case Platform::ReadOutcome::Empty:
-        return SubmissionFault::EmptyFile;
-    default:
-        return "Failed to read file bytes";
-    }
 }

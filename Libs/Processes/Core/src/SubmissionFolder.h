@@ -19,6 +19,7 @@ inline constexpr char EmptyHeaderFile[] = "Invalid header of size 0 in dump fold
 inline constexpr char NoAttachment[] = "Failed to find attachment on disk";
 inline constexpr char NoFile[] = "Failed to open input file";
 inline constexpr char EmptyFile[] = "Failed to read zero length input file!";
+inline constexpr char TooLong[] = "Too long for a package, whose lengths end below 4 GiB";
 
 bool Is(ResultCode result);
 
@@ -46,6 +47,3 @@ private:
     Platform::Folder m_folder;
     Platform::SystemError m_error;
 };
-
-// The whole file, with the texts of an attachment. A file that does not fit in memory is a failure.
-ResultCode ReadAttachment(Platform::File& file, std::vector<uint8_t>& bytes);

@@ -3,11 +3,10 @@
 #include <string>
 
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
+#include "Libs/Processes/Core/src/AttachmentPacker.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
-
-class AttachmentPacker;
 
 // Prepares one submission in its work folder: filters, limits, compresses and hashes its files and rewrites
 // its header. Never changes the submission folder. Lives on the packager's thread; configuration (its folders

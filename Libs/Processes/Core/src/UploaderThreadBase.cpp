@@ -5,27 +5,7 @@
 
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
-
-namespace {
-
-// Fails while somebody still holds the file open for writing, and for one that does not fit in memory.
-ResultCode LoadPackage(const std::string& path, std::vector<uint8_t>& package) {
-    switch (Platform::ReadWholeFile(path, package, Platform::ReadSharing::DenyWriters)) {
-    case Platform::ReadOutcome::Done:
-        return Platform::Success;
-    case Platform::ReadOutcome::OpenFailed:
-        return "Failed to open package file";
-    case Platform::ReadOutcome::Empty:
-        return "Failed to read package file of invalid size";
-    case Platform::ReadOutcome::ReadFailed:
-        break;
-    }
-    return "Failed to read package file";
-}
-
-} // namespace
 
 UploaderThreadBase::UploaderThreadBase(UploadPermission permission, std::string folder,
                                        std::string submissionFileName, uint32_t timeBetweenRetriesMs)
@@ -70,20 +50,33 @@ void UploaderThreadBase::ThreadMain() {
 }
 
 ResultCode UploaderThreadBase::UploadFolder() {
-    std::vector<uint8_t> package;
-    const char* const separator = m_folder.ends_with('\\') ? "" : "\\";
-    const ResultCode loaded = LoadPackage(m_folder + separator + m_submissionFileName, package);
-    if (!loaded) {
+    const auto notLoaded = [this](const char* reason) { // said in its own words
         PLATFORM_LOG(Platform::ErrorLog, " Failed to load package in \"%s\" for upload . Error=%s",
-                     m_folder.c_str(), loaded.Text());
-        return Platform::Success; // said in its own words
+                     m_folder.c_str(), reason);
+        return Platform::Success;
+    };
+    {
+        const std::string path = m_folder + (m_folder.ends_with('\\') ? "" : "\\") + m_submissionFileName;
+        Platform::File file;
+        // Nobody writes to it or shortens it meanwhile; the quota may delete it.
+        if (file.Open(path, Platform::FileRead, Platform::ShareRead | Platform::ShareDelete) !=
+            Platform::NoError) {
+            return notLoaded("Failed to open package file");
+        }
+        Platform::FileSource package(std::move(file)); // closed before its folder is deleted
+        if (package.GetSize() == 0) {
+            return notLoaded("Failed to read package file of invalid size");
+        }
+        const auto start = std::chrono::steady_clock::now();
+        const ResultCode uploaded = UploadPackage(package);
+        const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
+        if (package.HasFailed()) {
+            return notLoaded("Failed to read package file");
+        }
+        RETURN_IF_FAILED(uploaded);
+        PLATFORM_LOG(Platform::InfoLog, " Uploaded package for submission folder \"%s\" in %0.3f seconds",
+                     m_folder.c_str(), elapsed.count());
     }
-    const auto start = std::chrono::steady_clock::now();
-    const ResultCode uploaded = UploadPackage(package);
-    const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
-    RETURN_IF_FAILED(uploaded);
-    PLATFORM_LOG(Platform::InfoLog, " Uploaded package for submission folder \"%s\" in %0.3f seconds",
-                 m_folder.c_str(), elapsed.count());
     DeleteFolder();
     return Platform::Success;
 }

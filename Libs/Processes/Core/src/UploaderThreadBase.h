@@ -3,13 +3,13 @@
 #include <cstdint>
 #include <memory>
 #include <string>
-#include <vector>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/Thread.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// One attempt to upload one submission folder, on a thread of its own: loads the package, hands it to the
+// One attempt to upload one submission folder, on a thread of its own: opens the package, hands it to the
 // concrete upload and deletes the folder after success, or deletes it unread when the player refused. After a
 // failure the folder stays for a later run. Owned by its uploader; made, started, asked and destroyed on the
 // uploader's thread.
@@ -24,9 +24,9 @@ public:
     UploaderThreadBase(const UploaderThreadBase&) = delete; // the running thread holds the object's address
     UploaderThreadBase& operator=(const UploaderThreadBase&) = delete;
 
-    // Sends the whole package to the store. Called at most once, on the upload's own thread. A success means
-    // that the store has confirmed it: the folder is deleted then.
-    virtual ResultCode UploadPackage(const std::vector<uint8_t>& package) = 0;
+    // Sends the whole package to the store. Called at most once, on the upload's own thread. Nobody can write
+    // to the package meanwhile. A success means that the store has confirmed it: the folder is deleted then.
+    virtual ResultCode UploadPackage(Platform::ByteSource& package) = 0;
 
     // Starts the thread; once.
     ResultCode Start();

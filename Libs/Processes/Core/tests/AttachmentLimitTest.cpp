@@ -2,12 +2,19 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 namespace {
 
 std::string Truncated(const std::vector<AttachmentLimit>& limits, const std::string& content) {
-    std::vector<uint8_t> bytes(content.begin(), content.end());
-    TruncateToSizeLimit(limits, "a.txt", bytes);
-    return {bytes.begin(), bytes.end()};
+    Platform::MemorySource file({reinterpret_cast<const uint8_t*>(content.data()), content.size()});
+    LimitedBytes limited(file, limits, "a.txt");
+    std::string whole(limited.GetSize(), ' ');
+    const std::span room(reinterpret_cast<uint8_t*>(whole.data()), whole.size());
+    for (std::size_t at = 0; at < room.size(); at += 7) { // no piece ends where a part does
+        EXPECT_TRUE(limited.Read(at, room.subspan(at, std::min<std::size_t>(7, room.size() - at))));
+    }
+    return whole;
 }
 
 std::string Counting(std::size_t size) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -26,12 +27,21 @@ std::string Header(const std::string& log, const std::string& attachments) {
 }
 
 std::string Package(const std::string& header, const std::vector<std::string>& entries) {
-    PackageFormat::Composer composer(Bytes(header), 0);
+    std::string package;
+    PackageFormat::Composer composer([&](uint64_t offset, std::span<const uint8_t> bytes) {
+        package.resize(std::max<std::size_t>(package.size(), offset + bytes.size()));
+        std::ranges::copy(bytes, package.begin() + static_cast<std::ptrdiff_t>(offset));
+        return Platform::Success;
+    });
+    EXPECT_TRUE(composer.AppendHeader(Bytes(header)));
     for (const std::string& entry : entries) {
-        composer.AppendEntry(Bytes(entry));
+        Platform::MemorySource data(Bytes(entry));
+        EXPECT_TRUE(composer.AppendEntry(data, "")); // it finds the digest itself
     }
-    const std::vector<uint8_t> package = composer.Take();
-    return {package.begin(), package.end()};
+    uint64_t size = 0;
+    EXPECT_TRUE(composer.Finish(size));
+    EXPECT_EQ(size, package.size());
+    return package;
 }
 
 std::string UsualPackage() {
@@ -41,7 +51,8 @@ std::string UsualPackage() {
 
 // Every problem, digests included, as lines of offset and text.
 std::string Problems(const std::string& package) {
-    PackageReader reader(Bytes(package));
+    Platform::MemorySource source(Bytes(package));
+    PackageReader reader(source);
     reader.CheckDigests([](uint64_t) {});
     std::string text;
     for (const PackageProblem& problem : reader.GetProblems()) {

@@ -34,7 +34,7 @@ public:
         : UploaderThreadBase(permission, folder, "submission.pkg", 0), m_board(board) {}
     ~HeldUpload() override { WaitForEnd(); }
 
-    ResultCode UploadPackage(const std::vector<uint8_t>&) override {
+    ResultCode UploadPackage(Platform::ByteSource&) override {
         while (!m_board.With([&] { return m_board.isOpen; })) {
             std::this_thread::yield();
         }

@@ -67,8 +67,6 @@ private:
     rapidjson::ParseErrorCode m_refusal = rapidjson::kParseErrorTermination;
 };
 
-constexpr std::size_t MaxTextSize = 128u << 20;
-
 // The reader looks for a zero byte at the text's end, but takes the three bytes after a lead byte unseen.
 constexpr std::size_t ZeroBytes = 4;
 

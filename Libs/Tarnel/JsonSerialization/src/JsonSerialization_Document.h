@@ -71,6 +71,9 @@ struct [[nodiscard]] ParseResult {
     explicit operator bool() const { return !error; }
 };
 
+// Of the longest text that is parsed, in bytes.
+inline constexpr std::size_t MaxTextSize = 128u << 20;
+
 // Parses one JSON text in UTF-8 of at most 128 MiB, with or without a byte order mark. Any bytes are safe to
 // parse, however deep they nest. Numbers that a double can't hold and escaped halves of surrogate pairs are
 // refused. The document owns a copy of the text, which its strings point into; after an error it is null.

@@ -12,11 +12,24 @@ ReadOutcome ReadOpenFile(File& file, std::vector<uint8_t>& bytes) {
     }
     bytes.resize(static_cast<std::size_t>(file.GetSize()));
     std::size_t count = 0;
-    if (file.Read(bytes, count) != NoError) {
+    if (file.Read(0, bytes, count) != NoError) {
         return ReadOutcome::ReadFailed;
     }
     bytes.resize(count);
     return bytes.empty() ? ReadOutcome::Empty : ReadOutcome::Done;
+}
+
+ResultCode WithGenericText(ReadOutcome outcome) {
+    switch (outcome) {
+    case ReadOutcome::Done:
+        return Success;
+    case ReadOutcome::OpenFailed:
+        return "Failed to open input file";
+    case ReadOutcome::Empty:
+        return "Failed to read zero length input file!";
+    default:
+        return "Failed to read file bytes";
+    }
 }
 
 } // namespace
@@ -34,37 +47,28 @@ ReadOutcome ReadWholeFile(File& file, std::vector<uint8_t>& bytes) noexcept {
     return outcome;
 }
 
-ReadOutcome ReadWholeFile(const SystemPath& path, std::vector<uint8_t>& bytes, ReadSharing sharing) {
+ReadOutcome ReadWholeFile(const SystemPath& path, std::vector<uint8_t>& bytes) {
     bytes.clear();
     File file;
-    if (file.Open(path, FileRead, sharing == ReadSharing::DenyWriters ? ShareRead : ShareAll) != NoError) {
-        return ReadOutcome::OpenFailed;
-    }
-    return ReadWholeFile(file, bytes);
+    return file.Open(path, FileRead, ShareAll) == NoError ? ReadWholeFile(file, bytes)
+                                                          : ReadOutcome::OpenFailed;
 }
 
 ResultCode ReadFileBytes(const SystemPath& path, std::vector<uint8_t>& bytes) {
-    switch (ReadWholeFile(path, bytes)) {
-    case ReadOutcome::Done:
-        return Success;
-    case ReadOutcome::OpenFailed:
-        return "Failed to open input file";
-    case ReadOutcome::Empty:
-        return "Failed to read zero length input file!";
-    default:
-        return "Failed to read file bytes";
-    }
+    return WithGenericText(ReadWholeFile(path, bytes));
 }
 
-WriteOutcome WriteWholeFile(const SystemPath& path, std::span<const uint8_t> bytes,
-                            WriteDurability durability) {
+ResultCode ReadFileBytes(File& file, std::vector<uint8_t>& bytes) {
+    return WithGenericText(ReadWholeFile(file, bytes));
+}
+
+WriteOutcome WriteWholeFile(const SystemPath& path, std::span<const uint8_t> bytes) {
     File file;
     if (file.Open(path, FileWrite | FileCreateAndTruncate) != NoError) {
         return WriteOutcome::OpenFailed;
     }
-    const bool isWritten =
-        file.Write(bytes) == NoError && (durability == WriteDurability::Buffered || file.Flush() == NoError);
-    return isWritten && file.Close() ? WriteOutcome::Done : WriteOutcome::WriteFailed;
+    const bool isWritten = file.Write(0, bytes) == NoError;
+    return file.Close() && isWritten ? WriteOutcome::Done : WriteOutcome::WriteFailed;
 }
 
 } // namespace Platform

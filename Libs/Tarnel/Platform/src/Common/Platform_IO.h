@@ -119,11 +119,11 @@ public:
     // In bytes, at opening.
     uint64_t GetSize() const { return m_size; }
 
-    // Fills the buffer as far as the file goes; less than its size is the end of the file.
-    [[nodiscard]] SystemError Read(std::span<uint8_t> buffer, std::size_t& count) noexcept;
+    // Fills the buffer from offset on as far as the file goes; less than its size is the end of the file.
+    [[nodiscard]] SystemError Read(uint64_t offset, std::span<uint8_t> buffer, std::size_t& count) noexcept;
 
-    // Writes everything. After a failure a part may be written.
-    [[nodiscard]] SystemError Write(std::span<const uint8_t> bytes) noexcept;
+    // Writes everything from offset on. After a failure a part may be written.
+    [[nodiscard]] SystemError Write(uint64_t offset, std::span<const uint8_t> bytes) noexcept;
 
     // The bytes are on the medium afterwards.
     [[nodiscard]] SystemError Flush() noexcept;

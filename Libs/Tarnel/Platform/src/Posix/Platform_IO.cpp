@@ -117,11 +117,12 @@ SystemError File::Open(const SystemPath& path, uint32_t access, uint32_t, Patien
     return NoError;
 }
 
-SystemError File::Read(std::span<uint8_t> buffer, std::size_t& count) noexcept {
+SystemError File::Read(uint64_t offset, std::span<uint8_t> buffer, std::size_t& count) noexcept {
     count = 0;
     while (count < buffer.size()) {
         const auto transferred = Repeat([&] {
-            return read(m_handle.Get(), buffer.data() + count, std::min(buffer.size() - count, MaxPiece));
+            return pread(m_handle.Get(), buffer.data() + count, std::min(buffer.size() - count, MaxPiece),
+                         static_cast<off_t>(offset + count));
         });
         if (transferred <= 0) {
             return transferred == 0 ? NoError : LastError();
@@ -131,13 +132,16 @@ SystemError File::Read(std::span<uint8_t> buffer, std::size_t& count) noexcept {
     return NoError;
 }
 
-SystemError File::Write(std::span<const uint8_t> bytes) noexcept {
+SystemError File::Write(uint64_t offset, std::span<const uint8_t> bytes) noexcept {
     while (!bytes.empty()) {
-        const auto transferred =
-            Repeat([&] { return write(m_handle.Get(), bytes.data(), std::min(bytes.size(), MaxPiece)); });
+        const auto transferred = Repeat([&] {
+            return pwrite(m_handle.Get(), bytes.data(), std::min(bytes.size(), MaxPiece),
+                          static_cast<off_t>(offset));
+        });
         if (transferred <= 0) {
             return transferred == 0 ? EIO : LastError();
         }
+        offset += static_cast<uint64_t>(transferred);
         bytes = bytes.subspan(static_cast<std::size_t>(transferred));
     }
     return NoError;

@@ -67,6 +67,14 @@ SystemError OpenFile(const SystemPath& path, uint32_t access, uint32_t share, Ke
     return NoError;
 }
 
+// Names the place of one transfer, which need not be where the one before it ended.
+OVERLAPPED At(uint64_t offset) {
+    OVERLAPPED where = {};
+    where.Offset = static_cast<DWORD>(offset & 0xFFFFFFFF);
+    where.OffsetHigh = static_cast<DWORD>(offset >> 32);
+    return where;
+}
+
 } // namespace
 
 bool CloseKernelHandle(NativeHandle handle) {
@@ -132,26 +140,29 @@ SystemError File::Open(const SystemPath& path, uint32_t access, uint32_t share, 
     return patience == Patience::WhileHeld ? RetryWhileHeld(attempt) : attempt();
 }
 
-SystemError File::Read(std::span<uint8_t> buffer, std::size_t& count) noexcept {
+SystemError File::Read(uint64_t offset, std::span<uint8_t> buffer, std::size_t& count) noexcept {
     count = 0;
     DWORD transferred = 1;
     while (count < buffer.size() && transferred != 0) {
+        OVERLAPPED where = At(offset + count);
         const auto wanted = static_cast<DWORD>(std::min(buffer.size() - count, MaxPiece));
-        if (!ReadFile(m_handle.Get(), buffer.data() + count, wanted, &transferred, nullptr)) {
-            return LastError();
+        if (!ReadFile(m_handle.Get(), buffer.data() + count, wanted, &transferred, &where)) {
+            return GetLastError() == ERROR_HANDLE_EOF ? NoError : LastError();
         }
         count += transferred;
     }
     return NoError;
 }
 
-SystemError File::Write(std::span<const uint8_t> bytes) noexcept {
+SystemError File::Write(uint64_t offset, std::span<const uint8_t> bytes) noexcept {
     while (!bytes.empty()) {
+        OVERLAPPED where = At(offset);
         DWORD transferred = 0;
         const auto wanted = static_cast<DWORD>(std::min(bytes.size(), MaxPiece));
-        if (!WriteFile(m_handle.Get(), bytes.data(), wanted, &transferred, nullptr) || transferred == 0) {
+        if (!WriteFile(m_handle.Get(), bytes.data(), wanted, &transferred, &where) || transferred == 0) {
             return LastError();
         }
+        offset += transferred;
         bytes = bytes.subspan(transferred);
     }
     return NoError;
@@ -162,9 +173,7 @@ SystemError File::Flush() noexcept {
 }
 
 bool WriteFileAt(NativeHandle file, uint64_t uiPos, const void* data, uint32_t length) {
-    OVERLAPPED where = {};
-    where.Offset = static_cast<DWORD>(uiPos & 0xFFFFFFFF);
-    where.OffsetHigh = static_cast<DWORD>(uiPos >> 32);
+    OVERLAPPED where = At(uiPos);
     DWORD nBytesWritten = 0;
     if (!WriteFile(file, data, length, &nBytesWritten, &where)) {
         const auto error = static_cast<unsigned>(GetLastError());

@@ -1,4 +1,4 @@
-#include "Libs/Framework/Core/src/PlatformHelpers_Deflate.h"
+#include "Libs/Framework/Core/src/Gzip.h"
 
 #include <gtest/gtest.h>
 #include <zlib.h>
@@ -7,8 +7,6 @@
 #include <limits>
 #include <random>
 #include <string>
-
-#include "Libs/Framework/Core/src/PlatformHelpers_Inflate.h"
 
 namespace {
 
@@ -34,9 +32,17 @@ Bytes Prose(std::size_t size) {
     return bytes;
 }
 
+PlatformHelpers::GzipSink AppendTo(Bytes& bytes) {
+    return [&](std::span<const uint8_t> piece) {
+        bytes.insert(bytes.end(), piece.begin(), piece.end());
+        return Platform::Success;
+    };
+}
+
 Bytes Compressed(const Bytes& content) {
     Bytes compressed;
-    EXPECT_STREQ(PlatformHelpers::Compress(content, compressed).Text(), "OK");
+    Platform::MemorySource source(content);
+    EXPECT_STREQ(PlatformHelpers::Compress(source, AppendTo(compressed)).Text(), "OK");
     return compressed;
 }
 
@@ -45,20 +51,20 @@ std::string Unpack(const Bytes& input, Bytes& content,
                    uint64_t limit = std::numeric_limits<uint64_t>::max()) {
     PlatformHelpers::InflateProgress progress;
     content.clear();
-    const ResultCode result = PlatformHelpers::Decompress(
-        input, limit,
-        [&](std::span<const uint8_t> piece) {
-            content.insert(content.end(), piece.begin(), piece.end());
-            return true;
-        },
-        progress);
+    Bytes around = {0x1F}; // what lies around the stream does not count
+    around.insert(around.end(), input.begin(), input.end());
+    around.push_back(0x8B);
+    Platform::MemorySource source(around);
+    const ResultCode result =
+        PlatformHelpers::Decompress(source, 1, input.size(), limit, AppendTo(content), progress);
     EXPECT_EQ(progress.produced, content.size());
     return result.Text();
 }
 
 TEST(Compress, EmptyInputFailsAndAppendsNothing) {
     Bytes output;
-    EXPECT_STREQ(PlatformHelpers::Compress({}, output).Text(), "Failed to deflate file");
+    Platform::MemorySource source({});
+    EXPECT_STREQ(PlatformHelpers::Compress(source, AppendTo(output)).Text(), "Failed to deflate file");
     EXPECT_TRUE(output.empty());
 }
 
@@ -91,11 +97,17 @@ TEST(Decompress, GivesBackWhatWasCompressed) {
 }
 
 TEST(Decompress, TakesStreamsInARowAsOneContent) {
-    Bytes row = Compressed({'a', 'b'});
-    ASSERT_TRUE(PlatformHelpers::Compress(Bytes{'c'}, row)); // what is there stays
     Bytes content;
+    const Bytes big = Noise(65535); // a piece of the input ends within the second stream's first bytes
+    Bytes row = Compressed({'a', 'b'});
+    for (const Bytes& next : {Bytes{'c'}, big, big}) {
+        std::ranges::copy(Compressed(next), std::back_inserter(row));
+    }
     EXPECT_EQ(Unpack(row, content), "OK");
-    EXPECT_EQ(content, (Bytes{'a', 'b', 'c'}));
+    Bytes expected = {'a', 'b', 'c'};
+    expected.insert(expected.end(), big.begin(), big.end());
+    expected.insert(expected.end(), big.begin(), big.end());
+    EXPECT_EQ(content, expected);
     row.push_back(0);
     EXPECT_EQ(Unpack(row, content), "Other bytes follow the gzip stream");
 }
@@ -123,9 +135,13 @@ TEST(Decompress, StopsAtTheLimitAndWhenTheSinkRefuses) {
     EXPECT_EQ(Unpack(bomb, content, 10 << 20), "OK");
     int calls = 0;
     PlatformHelpers::InflateProgress progress;
-    const auto refuse = [&](std::span<const uint8_t>) { return ++calls == 0; };
-    EXPECT_STREQ(PlatformHelpers::Decompress(bomb, 10 << 20, refuse, progress).Text(),
-                 "The unpacked content was refused");
+    const auto refuse = [&](std::span<const uint8_t>) -> ResultCode {
+        ++calls;
+        return "No";
+    };
+    Platform::MemorySource source(bomb);
+    EXPECT_STREQ(PlatformHelpers::Decompress(source, 0, bomb.size(), 10 << 20, refuse, progress).Text(),
+                 "No");
     EXPECT_EQ(calls, 1);
 }
 
