@@ -6,6 +6,7 @@
 
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/AttachmentName.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
@@ -19,6 +20,9 @@ constexpr char NotOpened[] = "Failed to open package file for writing";
 
 constexpr char NotWritten[] = "Failed to write package file";
 
+// No SubmissionFault: what was prepared a moment ago was taken away.
+constexpr ResultCode NotThere = "Failed to open input file";
+
 // What a work folder holds, in the order of the package.
 class PreparedSubmission {
 public:
@@ -29,7 +33,9 @@ public:
     // why.
     ResultCode ReadHeader() {
         Platform::File file;
-        RETURN_IF_FAILED(m_work.OpenFile(HeaderFile::Name, "", file));
+        if (!m_work.OpenFile(HeaderFile::Name, "", file)) {
+            return NotThere;
+        }
         RETURN_IF_FAILED(Platform::ReadFileBytes(file, m_headerBytes));
         RETURN_IF_FAILED(HeaderFile::Parse(
             {reinterpret_cast<const char*>(m_headerBytes.data()), m_headerBytes.size()}, m_header));
@@ -47,10 +53,12 @@ public:
         RETURN_IF_FAILED(composer.AppendHeader(m_headerBytes));
         for (const Attachment* entry : m_header.catalog.FilesInPackageOrder()) {
             Platform::File file;
-            RETURN_IF_FAILED(m_work.OpenFile(entry->file, ".gz", file));
+            if (const ResultCode opened = m_work.OpenFile(entry->file, ".gz", file); !opened) {
+                return LooksCompressed(entry->file) ? opened : NotThere; // stored without ".gz"
+            }
             Platform::FileSource data(std::move(file));
             if (data.GetSize() == 0) {
-                return SubmissionFault::EmptyFile;
+                return "Failed to read zero length input file!";
             }
             RETURN_IF_FAILED(composer.AppendEntry(data, entry->md5));
         }
