@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "Libs/Shared/src/ConfigKeys.h"
+#include "Libs/Shared/src/JsonConfig.h"
 
 TEST(ConfigKeys, TheNearestKeyIsTheOneThatWasMeant) {
     const std::vector<std::string_view> known = {"WatcherName", "AskPermission", "AccessKey"};

@@ -22,3 +22,7 @@ std::vector<ConfigProblem> CheckConfig(std::string_view text);
 
 // Prints the problems of each file. May throw std::bad_alloc.
 ExitCode RunCheckConfig(const Arguments& arguments);
+
+// Prints the JSON schema (draft 7) of the configuration, made from the records into which the agent reads it.
+// May throw std::bad_alloc.
+ExitCode RunConfigSchema(const Arguments& arguments);

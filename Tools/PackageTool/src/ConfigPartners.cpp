@@ -179,7 +179,7 @@ private:
     // As each upload does it.
     void CheckAddress(const ConfigSection<UploaderS3Config>& uploader) {
         S3Endpoint endpoint;
-        const ResultCode result = ResolveS3Endpoint(uploader.config.GetStore(), endpoint);
+        const ResultCode result = ResolveS3Endpoint(StoreOf(uploader.config), endpoint);
         for (const auto& [beginning, key] : {std::pair("Bucket", "BucketName"),
                                              {"Region", "Region"},
                                              {"Access", "AccessKey"},

@@ -1,9 +1,8 @@
-#include "Tools/PackageTool/src/ConfigSchema.h"
+#include "Tools/PackageTool/src/ConfigCheck.h"
 
 #include <limits>
 #include <new>
 
-#include "Libs/Processes/Cloud/src/UploaderS3Config.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"

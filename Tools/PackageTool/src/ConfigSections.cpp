@@ -4,7 +4,6 @@
 #include <set>
 
 #include "Libs/Processes/Core/src/ProcessClasses.h"
-#include "Libs/Shared/src/ConfigKeys.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 

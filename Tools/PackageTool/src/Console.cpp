@@ -5,14 +5,6 @@
 #include <new>
 #include <utility>
 
-#if defined(_WIN32)
-#include <fcntl.h>
-#include <io.h>
-#include <windows.h>
-#else
-#include <unistd.h>
-#endif
-
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
@@ -65,49 +57,13 @@ bool IsFolder(const std::string& path) {
 
 } // namespace
 
-#if defined(_WIN32)
-namespace {
-
-UINT g_ownCodePage = 0; // the console's; 0 without a console
-
-BOOL WINAPI RestoreCodePage(DWORD) {
-    if (g_ownCodePage != 0) {
-        SetConsoleOutputCP(g_ownCodePage);
-    }
-    return FALSE; // the system then ends the program
-}
-
-} // namespace
-
 Session::Session() {
     EXP_SetLogEventCallback(&PrintLogEntry);
-    for (std::FILE* const stream : {stdin, stdout, stderr}) {
-        static_cast<void>(_setmode(_fileno(stream), _O_BINARY));
-    }
-    g_ownCodePage = GetConsoleOutputCP();
-    SetConsoleCtrlHandler(&RestoreCodePage, TRUE);
-    SetConsoleOutputCP(CP_UTF8);
 }
 
 Session::~Session() {
-    std::fflush(stdout);
-    RestoreCodePage(0);
+    std::fflush(stdout); // while the console still shows UTF-8
 }
-
-static bool IsErrorTerminal() {
-    return _isatty(_fileno(stderr)) != 0;
-}
-#else
-Session::Session() {
-    EXP_SetLogEventCallback(&PrintLogEntry);
-}
-
-Session::~Session() = default;
-
-static bool IsErrorTerminal() {
-    return isatty(STDERR_FILENO) == 1;
-}
-#endif
 
 void Print(std::string_view text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
@@ -163,7 +119,7 @@ std::string Printable(std::string_view text) {
 
 Progress::Progress(const std::string& what, uint64_t total)
     : m_what(Console::Printable(what.substr(what.find_last_of("\\/") + 1))), m_total(total),
-      m_isWanted(Console::IsErrorTerminal()), m_next(Clock::now() + std::chrono::milliseconds(500)) {}
+      m_isWanted(Platform::IsErrorTerminal()), m_next(Clock::now() + std::chrono::milliseconds(500)) {}
 
 Progress::~Progress() {
     if (m_shownLength > 0) {

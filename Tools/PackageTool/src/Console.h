@@ -10,6 +10,7 @@
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 // How the tool ends. If several apply, the highest counts; OnlyWarnings comes after Good.
 enum class ExitCode : int {
@@ -24,14 +25,16 @@ void Raise(ExitCode& code, ExitCode other);
 // Standard input, output and error: UTF-8, line ends unchanged. One thread.
 namespace Console {
 
-// Held by main for the whole run. Failures that modules log go to standard error. A Windows console shows
-// UTF-8 meanwhile and gets its own code page back at the end, also after Ctrl+C.
+// Held by main for the whole run. Failures that modules log go to standard error.
 class Session {
 public:
     Session();
     ~Session();
-    Session(const Session&) = delete; // the code page is restored once
+    Session(const Session&) = delete; // one console
     Session& operator=(const Session&) = delete;
+
+private:
+    std::unique_ptr<Platform::Receipt> m_console = Platform::UseUtf8Console();
 };
 
 void Print(std::string_view text);

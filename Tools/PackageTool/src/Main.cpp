@@ -7,7 +7,6 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Path.h"
 #include "Tools/PackageTool/src/Arguments.h"
 #include "Tools/PackageTool/src/ConfigCheck.h"
-#include "Tools/PackageTool/src/ConfigSchema.h"
 #include "Tools/PackageTool/src/Console.h"
 #include "Tools/PackageTool/src/Pack.h"
 #include "Tools/PackageTool/src/Report.h"

@@ -4,7 +4,7 @@
 #include <cstring>
 #include <vector>
 
-#include "Libs/Shared/src/ConfigKeys.h"
+#include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 
 namespace {

@@ -1,13 +1,58 @@
 #include "Libs/Framework/Core/src/CommonMain.h"
 
+#include <cstring>
+#include <cwchar>
+
+#include <windows.h>
+
 #include "Libs/Framework/Core/src/ApplicationFolders.h"
 #include "Libs/Framework/Core/src/CommandLine.h"
-#include "Libs/Framework/Core/src/ConsoleLogSink.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
+#include "Libs/Framework/Core/src/OutputQueue.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 namespace {
+
+// Never destroyed: entries and failed checks may come until the process ends.
+struct Outputs {
+    OutputQueue queue;
+    HANDLE standard = GetStdHandle(STD_OUTPUT_HANDLE); // taken before a console of our own replaces them
+    HANDLE error = GetStdHandle(STD_ERROR_HANDLE);
+};
+
+Outputs& TheOutputs() {
+    static auto& outputs = *new Outputs;
+    return outputs;
+}
+
+// Text ends at its terminator, as it would with "%s".
+void PrintEntry(const wchar_t* logName, const char* data, uint32_t length, int) {
+    Outputs& outputs = TheOutputs();
+    const bool isError = logName && std::wcscmp(logName, Platform::ErrorLog) == 0;
+    outputs.queue.Write(isError ? outputs.error : outputs.standard, {data, strnlen(data, length)});
+}
+
+void PrintRecord(const char* record, std::size_t length) {
+    TheOutputs().queue.Write(TheOutputs().error, {record, length});
+}
+
+// Prints every log entry while it lives: entries of the error log to standard error, the others to standard
+// output, byte for byte. A launcher that does not read its pipes holds nothing: see OutputQueue. Records of
+// failed checks are printed in the same way. The destructor waits a second at most for lines that are not yet
+// written; later ones are lost. One per process, on the main thread.
+class ConsoleLogSink {
+public:
+    ConsoleLogSink() {
+        TheOutputs();
+        EXP_SetLogEventCallback(&PrintEntry);
+        Platform::SetAssertRecordOutput({&PrintRecord, [] { TheOutputs().queue.Close(); }});
+    }
+    ~ConsoleLogSink() { TheOutputs().queue.Close(); }
+    ConsoleLogSink(const ConsoleLogSink&) = delete; // it owns the process's outputs
+    ConsoleLogSink& operator=(const ConsoleLogSink&) = delete;
+};
 
 void SetUpLogRoot(int argc, const char** argv) {
     const std::string folder = ResolveLogFolder(argc, argv, ".");

@@ -152,3 +152,14 @@ ResultCode ResolveS3Endpoint(const ObjectStoreConfig& config, S3Endpoint& endpoi
     endpoint = std::move(resolved);
     return Platform::Success;
 }
+
+ObjectStoreConfig StoreOf(const UploaderS3Config& config) {
+    ObjectStoreConfig store;
+    store.endpointOverride = config.endpointOverride;
+    store.region = config.region;
+    store.useVirtualAddressing = config.useVirtualAddressing;
+    store.bucket = config.bucketName;
+    store.accessKey = config.accessKey;
+    store.secretKey = config.secretKey;
+    return store;
+}

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // Where the requests for one bucket go. Made of checked parts only, so that every field can be put into a
@@ -19,6 +20,9 @@ struct S3Endpoint {
     // Host and port, "store.local:8080"; without the port if it is the scheme's default.
     std::string HostHeader() const;
 };
+
+// Where an uploader sends, and as whom. Timeouts are the caller's.
+ObjectStoreConfig StoreOf(const UploaderS3Config& config);
 
 // Turns the configuration into an endpoint, or refuses it before anything is sent. Without an override it is
 // Amazon's regional one: "BUCKET.s3.us-east-1.amazonaws.com". An override is a scheme, a host and perhaps a

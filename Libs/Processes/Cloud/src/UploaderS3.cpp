@@ -5,7 +5,6 @@
 
 #include "Libs/Processes/Cloud/src/CloudComponent.h"
 #include "Libs/Processes/Cloud/src/UploaderThreadS3.h"
-#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 

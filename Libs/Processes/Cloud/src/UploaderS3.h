@@ -3,7 +3,7 @@
 #include <cstdint>
 #include <string>
 
-#include "Libs/Processes/Cloud/src/UploaderS3Config.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Processes/Core/src/UploaderBase.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 

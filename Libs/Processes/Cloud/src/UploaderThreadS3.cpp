@@ -3,12 +3,13 @@
 #include <exception>
 #include <memory>
 
+#include "Libs/Processes/Cloud/src/S3Endpoint.h"
 #include "Libs/Processes/Cloud/src/S3Upload.h"
 
 UploaderThreadS3::UploaderThreadS3(UploadPermission permission, const std::string& folder,
                                    const UploaderS3Config& config)
     : UploaderThreadBase(permission, folder, config.submissionFilename, config.timeBetweenRetries),
-      m_store(config.GetStore()) {
+      m_store(StoreOf(config)) {
     m_store.connectTimeoutMs = GetConnectTimeout();
     m_store.requestTimeoutMs = GetRequestTimeout();
 }

@@ -3,7 +3,7 @@
 #include <string>
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
-#include "Libs/Processes/Cloud/src/UploaderS3Config.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Processes/Core/src/UploaderThreadBase.h"
 
 // One upload of one package to an S3 bucket, with its own client. See UploaderThreadBase for its life.

@@ -9,6 +9,11 @@
 #include "Libs/Processes/Core/src/QuotaDecision.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 
+// Measures every sub-folder of one area, youngest first. One that can't be read is left out. A link is not
+// followed: it has no size and is not valid. folder ends in a separator. A failure leaves what was measured
+// until then. May throw std::bad_alloc: the records are in no order then.
+ResultCode ScanArea(const std::string& folder, std::vector<QuotaDecision::FolderRecord>& records);
+
 // Keeps the dumps folder and the packaged folder each under its quota. A pass measures an area, removes dump
 // folders that did not become a submission in their grace time, and then the oldest folders beyond the quota.
 // It asks no other process: each must expect a folder to vanish. An area in which nothing has changed

@@ -34,3 +34,16 @@ Reflection_DefineType(ProcessMonitorConfig,
                                        Reflection::OptionalAttribute()),
                       Reflection_Field(shutdownDelay, "ShutdownDelay", Reflection::OptionalAttribute()),
                       Reflection_Field(watchedApplications, "WatchedApplications"));
+
+Reflection_DefineType(
+    UploaderS3Config,
+    Reflection_Field(timeBetweenChecks, "TimeBetweenChecks", Reflection::OptionalAttribute()),
+    Reflection_Field(timeBetweenRetries, "TimeBetweenRetries", Reflection::OptionalAttribute()),
+    Reflection_Field(watcherName, "WatcherName"),
+    Reflection_Field(submissionFilename, "SubmissionFilename", Reflection::OptionalAttribute()),
+    Reflection_Field(bucketName, "BucketName"), Reflection_Field(accessKey, "AccessKey"),
+    Reflection_Field(secretKey, "SecretKey"),
+    Reflection_Field(askPermission, "AskPermission", Reflection::OptionalAttribute()),
+    Reflection_Field(endpointOverride, "EndpointOverride", Reflection::OptionalAttribute()),
+    Reflection_Field(region, "Region", Reflection::OptionalAttribute()),
+    Reflection_Field(useVirtualAddressing, "UseVirtualAddressing", Reflection::OptionalAttribute()));

@@ -12,7 +12,19 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 
+Reflection_DefinePolymorphicType(IFileStoreWatcher);
+Reflection_DefinePolymorphicType(ITaskSubscriber);
+Reflection_DefinePolymorphicType(IWatcher);
+Reflection_DefinePolymorphicType(IMetricsAggregator);
 Reflection_DefinePolymorphicType(Watcher);
+
+TaskData::TaskData(const char* hash) {
+    PLATFORM_ASSERT(hash);
+    if (hash) {
+        m_instanceHash = hash;
+    }
+    PLATFORM_ASSERT(!m_instanceHash.empty());
+}
 
 namespace {
 

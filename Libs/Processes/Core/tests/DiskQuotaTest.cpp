@@ -8,7 +8,6 @@
 #include <map>
 #include <thread>
 
-#include "Libs/Processes/Core/src/AreaScan.h"
 #include "tests/support/FailingMemory.h"
 #include "tests/support/Link.h"
 #include "tests/support/ProcessFixture.h"

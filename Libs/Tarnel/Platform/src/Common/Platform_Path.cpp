@@ -5,7 +5,6 @@
 #include <type_traits>
 #include <utility>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_ResolvePath.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_StringCommon.h"
 
 namespace Platform {

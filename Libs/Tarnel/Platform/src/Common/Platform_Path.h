@@ -81,6 +81,15 @@ private:
 // The absolute path without "." and "..", for reading its names. The path itself if the system can't tell.
 std::string FullPath(const std::string& path);
 
+// The system's half of SystemPath:
+
+// Gives path the form of SystemPath and returns the length of its root. Throws if there is no memory.
+std::size_t ResolvePath(SystemText& path);
+
+// Appends the names of relative to folder, without empty ones and "."; ".." removes the last name that it
+// appended.
+void AppendNames(SystemText& folder, std::basic_string_view<SystemText::value_type> relative);
+
 // The program's own file. Empty if the system can't tell.
 std::string OwnProgramPath() noexcept;
 

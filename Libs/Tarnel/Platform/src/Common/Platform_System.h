@@ -1,8 +1,9 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 
-// What the operating system says about now and about threads.
+// What the operating system says about now, about threads and about the console.
 
 namespace Platform {
 
@@ -19,7 +20,7 @@ struct LocalTime {
 // Now. All fields are 0 if the system can't say.
 LocalTime CurrentLocalTime();
 
-// Stands for something that is in force while the receipt lives; destroying the receipt undoes it.
+// Something that is in force while its receipt lives. The destructor undoes it.
 class Receipt {
 public:
     virtual ~Receipt() = default;
@@ -29,6 +30,13 @@ public:
 protected:
     Receipt() = default;
 };
+
+// For console programs. The standard streams carry bytes unchanged, and a Windows console shows UTF-8 while
+// the receipt lives; it gets its own code page back at the end, also after Ctrl+C. One at a time.
+std::unique_ptr<Receipt> UseUtf8Console();
+
+// Whether a person sees standard error.
+bool IsErrorTerminal();
 
 } // namespace Platform
 

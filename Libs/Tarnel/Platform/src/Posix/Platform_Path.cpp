@@ -7,8 +7,6 @@
 
 #include <unistd.h>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_ResolvePath.h"
-
 namespace Platform {
 
 std::size_t ResolvePath(std::string& path) {

@@ -1,3 +1,4 @@
+#include <bit>
 #include <cstdlib>
 #include <ctime>
 #include <new>
@@ -7,6 +8,7 @@
 #include <unistd.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Memory.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
 
 namespace Platform {
@@ -20,6 +22,14 @@ pthread_mutex_t* MutexOf(AssertLock& lock) {
 }
 
 } // namespace
+
+std::unique_ptr<Receipt> UseUtf8Console() {
+    return nullptr; // every terminal shows UTF-8
+}
+
+bool IsErrorTerminal() {
+    return isatty(STDERR_FILENO) == 1;
+}
 
 void AssertSystem::InitializeLock(AssertLock& lock) {
     pthread_mutexattr_t attributes;
@@ -50,6 +60,22 @@ AssertDialog AssertSystem::BuiltInDialog() {
 
 void AssertSystem::EndProcess(int exitCode) {
     std::_Exit(exitCode);
+}
+
+void* GeneralAllocate(std::size_t size, std::size_t alignment) {
+    const std::size_t rounded = RoundUpToGranularity(size);
+    const std::size_t atLeast = alignment < MemoryGranularity ? MemoryGranularity : alignment;
+    void* pBlock = nullptr;
+    if (rounded >= size && std::has_single_bit(atLeast) &&
+        posix_memalign(&pBlock, atLeast, rounded ? rounded : MemoryGranularity) != 0) {
+        pBlock = nullptr;
+    }
+    PLATFORM_ASSERT(pBlock);
+    return pBlock;
+}
+
+void GeneralFree(void* block) {
+    std::free(block);
 }
 
 LocalTime CurrentLocalTime() {

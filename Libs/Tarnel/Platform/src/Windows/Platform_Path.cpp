@@ -5,8 +5,6 @@
 #include <algorithm>
 #include <exception>
 
-#include "Libs/Tarnel/Platform/src/Common/Platform_ResolvePath.h"
-
 namespace Platform {
 namespace {
 
