@@ -101,19 +101,18 @@ struct DialogState {
     int unownedTicks = 0; // of the timer, in a row, during which no program had the keyboard
 };
 
-void SetText(HWND window, HINSTANCE instance, uint16_t language, unsigned id) {
-    std::wstring text;
-    if (PermissionTexts::Load(instance, language, id, text)) {
-        SetWindowTextW(window, text.c_str());
-    } // else the template's text stays
-}
-
 void SetTexts(HWND dialog, HINSTANCE instance) {
     const uint16_t language = PermissionTexts::LanguageFor(GetUserDefaultUILanguage());
-    SetText(GetDlgItem(dialog, PERMISSION_MESSAGE), instance, language, PERMISSION_TEXT_MESSAGE);
-    SetText(GetDlgItem(dialog, IDYES), instance, language, PERMISSION_TEXT_YES);
-    SetText(GetDlgItem(dialog, IDCANCEL), instance, language, PERMISSION_TEXT_NO);
-    SetText(dialog, instance, language, PERMISSION_TEXT_TITLE);
+    const auto set = [&](HWND window, unsigned id) {
+        std::wstring text;
+        if (PermissionTexts::Load(instance, language, id, text)) {
+            SetWindowTextW(window, text.c_str());
+        } // else the template's text stays
+    };
+    set(GetDlgItem(dialog, PERMISSION_MESSAGE), PERMISSION_TEXT_MESSAGE);
+    set(GetDlgItem(dialog, IDYES), PERMISSION_TEXT_YES);
+    set(GetDlgItem(dialog, IDCANCEL), PERMISSION_TEXT_NO);
+    set(dialog, PERMISSION_TEXT_TITLE);
 }
 
 Box ToBox(const RECT& rect) {
@@ -194,13 +193,10 @@ void SetIcons(HWND dialog, HINSTANCE instance) {
 
 // The screen of the program that the user works with, without taskbars.
 Box WorkArea() {
-    HMONITOR monitor = MonitorFromWindow(GetForegroundWindow(), MONITOR_DEFAULTTOPRIMARY);
     MONITORINFO info = {};
     info.cbSize = sizeof(info);
-    if (GetMonitorInfoW(monitor, &info)) {
-        return ToBox(info.rcWork);
-    }
-    return {0, 0, GetSystemMetrics(SM_CXSCREEN), GetSystemMetrics(SM_CYSCREEN)};
+    GetMonitorInfoW(MonitorFromWindow(GetForegroundWindow(), MONITOR_DEFAULTTOPRIMARY), &info);
+    return ToBox(info.rcWork);
 }
 
 // Shows the dialog above all windows and in the taskbar, where it asks for attention. It does not take the
@@ -232,10 +228,6 @@ void Initialize(HWND dialog, DialogState& state) {
     SetTimer(dialog, KeyboardTimer, KeyboardInterval, nullptr);
 }
 
-bool IsUnowned(HWND foreground) {
-    return !foreground || foreground == GetShellWindow() || foreground == GetDesktopWindow();
-}
-
 // Until the dialog has had the keyboard: takes it if no program has it twice in a row. Once is not enough: at
 // every switch between two programs neither has it for a moment.
 void SeekKeyboard(HWND dialog, DialogState& state) {
@@ -245,7 +237,8 @@ void SeekKeyboard(HWND dialog, DialogState& state) {
         KillTimer(dialog, KeyboardTimer);
         return;
     }
-    state.unownedTicks = IsUnowned(foreground) ? state.unownedTicks + 1 : 0;
+    const bool isUnowned = !foreground || foreground == GetShellWindow() || foreground == GetDesktopWindow();
+    state.unownedTicks = isUnowned ? state.unownedTicks + 1 : 0;
     if (state.unownedTicks >= 2) {
         SetForegroundWindow(dialog);
     }
@@ -261,11 +254,17 @@ void FollowActivation(HWND dialog, DialogState& state, bool active) {
     }
 }
 
-INT_PTR HandleMessage(HWND dialog, DialogState& state, UINT message, WPARAM wParam) {
-    switch (message) {
-    case WM_INITDIALOG:
-        Initialize(dialog, state);
+INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
+    if (message == WM_INITDIALOG) {
+        SetWindowLongPtrW(dialog, DWLP_USER, lParam);
+        Initialize(dialog, *std::bit_cast<DialogState*>(lParam));
         return TRUE;
+    }
+    auto* const state = std::bit_cast<DialogState*>(GetWindowLongPtrW(dialog, DWLP_USER));
+    if (!state) { // some messages come before that one
+        return FALSE;
+    }
+    switch (message) {
     case WM_COMMAND:
         if (LOWORD(wParam) == IDYES || LOWORD(wParam) == IDCANCEL) {
             EndDialog(dialog, static_cast<INT_PTR>(wParam));
@@ -273,22 +272,14 @@ INT_PTR HandleMessage(HWND dialog, DialogState& state, UINT message, WPARAM wPar
         }
         return FALSE;
     case WM_ACTIVATE:
-        FollowActivation(dialog, state, LOWORD(wParam) != WA_INACTIVE);
+        FollowActivation(dialog, *state, LOWORD(wParam) != WA_INACTIVE);
         return FALSE;
     case WM_TIMER:
-        SeekKeyboard(dialog, state);
+        SeekKeyboard(dialog, *state);
         return TRUE;
     default:
         return FALSE;
     }
-}
-
-INT_PTR CALLBACK DialogProcedure(HWND dialog, UINT message, WPARAM wParam, LPARAM lParam) {
-    if (message == WM_INITDIALOG) {
-        SetWindowLongPtrW(dialog, DWLP_USER, lParam);
-    }
-    auto* state = std::bit_cast<DialogState*>(GetWindowLongPtrW(dialog, DWLP_USER));
-    return state ? HandleMessage(dialog, *state, message, wParam) : FALSE;
 }
 
 // Takes the thread out of background scheduling while it lives: a busy game must not make the dialog
