@@ -13,7 +13,7 @@
 std::string ResolveConfigPath(int argc, const char** argv);
 
 // The option -appFolder=, else the named folder in the user's documents, else the one of the display name
-// there. Empty when the system gives no documents folder; the reason is in the error log then.
+// there. Empty if the system gives no documents folder; the error log then says why.
 std::string ResolveApplicationFolder(int argc, const char** argv, const std::string& configuredName);
 
 // The option -log=, else the fallback.

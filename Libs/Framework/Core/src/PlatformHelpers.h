@@ -10,8 +10,8 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // The framework's layer over the operating system. Paths in and out are UTF-8, and go to the system as they
-// are. Nothing here throws: no memory is a failure like any other. Any thread may call. System error numbers
-// are in the error log, results have fixed texts.
+// are. Nothing here throws; running out of memory is a failure like any other. Any thread may call. The error
+// log has the system's error numbers; results have fixed texts.
 namespace PlatformHelpers {
 
 // One entry of a folder.
@@ -92,7 +92,7 @@ struct ModuleVersion {
     uint32_t revision = 0;
 };
 // Reads the version resource. changelist is the number in brackets of its FileVersion text, such as the 1234
-// of 2.0.0.8 (1234). A failure leaves what was found until then.
+// of 2.0.0.8 (1234). After a failure both hold what was found before it.
 ResultCode GetModuleVersion(const std::string& modulePath, ModuleVersion& version, uint32_t& changelist);
 
 // Documents\<name> of the user. Documents itself is created if it is missing, the named folder is not.

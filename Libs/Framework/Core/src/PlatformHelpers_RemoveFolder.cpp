@@ -21,11 +21,11 @@ SystemPath Made(SystemPath path) {
     return path;
 }
 
-// The deletion of one folder. Works on the system's own names, so that also those are deleted that have no
-// UTF-8 form, and keeps its own stack, so that the depth of the folders does not matter.
+// The deletion of one folder. Works on the system's own names, so that names without a UTF-8 form are
+// deleted too, and keeps its own stack, so that the depth of the folders does not matter.
 class FolderRemoval {
 public:
-    // shownFolder, with a trailing separator, stands for the path in log lines. isReported becomes true if a
+    // shownFolder is the path as log lines show it, with a trailing separator. isReported becomes true if a
     // failure has its line in the log.
     FolderRemoval(SystemPath path, std::string shownFolder, const RetryPause& pause, bool& isReported)
         : m_path(std::move(path)), m_topLength(m_path.Text().size()), m_shownFolder(std::move(shownFolder)),

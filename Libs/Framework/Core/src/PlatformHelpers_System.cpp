@@ -12,6 +12,7 @@
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/Platform/src/Windows/Platform_WindowsFile.h"
 
 using Platform::KernelHandle;
 
@@ -20,9 +21,10 @@ namespace PlatformHelpers {
 namespace {
 
 constexpr std::size_t MaxProcesses = 4096;
-constexpr DWORD MaxImagePath = 4096; // UTF-16 units, far beyond what a program can be started from
+constexpr DWORD MaxImagePath = 4096; // UTF-16 units; no program starts from a longer path
 
-// The limited right, which also another user's or a protected game grants, is enough for the image's name.
+// The limited right is enough for the image's name. Protected games, and those of other users, grant no
+// other.
 KernelHandle OpenForName(uint32_t processId) {
     HANDLE process = OpenProcess(PROCESS_QUERY_INFORMATION | PROCESS_VM_READ, FALSE, processId);
     return KernelHandle(process ? process : OpenProcess(PROCESS_QUERY_LIMITED_INFORMATION, FALSE, processId));
@@ -148,7 +150,7 @@ ResultCode GetProcessCreationTime(uint32_t processId, uint64_t& creationTime) {
         !GetExitCodeProcess(process.Get(), &exitCode) || exitCode != STILL_ACTIVE) {
         return "Failed to get process creation time";
     }
-    creationTime = uint64_t{created.dwHighDateTime} << 32 | created.dwLowDateTime;
+    creationTime = Platform::ToNumber(created);
     return Platform::Success;
 }
 

@@ -11,7 +11,7 @@ namespace PlatformHelpers {
 
 namespace {
 
-// Text below the first combining mark is composed whatever its order, so nobody needs to ask the system.
+// Characters before the first combining mark have nothing to compose, so the system need not be asked.
 constexpr wchar_t FirstCombiningMark = 0x300;
 
 constexpr int NormalizationAttempts = 8; // the system's estimate may fall short, though hardly more than once

@@ -55,8 +55,8 @@ void TellDebugger(const char* name, DWORD threadId) {
 
 } // namespace
 
-// What the thread works from. It outlives the Thread when the thread does. The flags are written only while
-// the thread is suspended before its first step.
+// What the thread needs while it runs, even after its Thread is gone. The flags are written only while the
+// thread is suspended before its first step.
 struct Thread::Entry {
     explicit Entry(std::function<void()> function) : m_function(std::move(function)) {}
 
@@ -106,7 +106,7 @@ Thread::Thread(std::function<void()> function)
     m_handle = CreateThread(nullptr, 0, &Entry::Main, shared.get(), CREATE_SUSPENDED, &id);
     if (IsValid()) {
         m_id = id;
-        static_cast<void>(shared.release()); // the thread's now
+        static_cast<void>(shared.release()); // the thread owns it now
     }
 }
 

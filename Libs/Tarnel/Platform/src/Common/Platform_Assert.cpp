@@ -49,7 +49,7 @@ private:
     AssertState& m_state;
 };
 
-// Marks the time of a question, also when the handler leaves it by an exception.
+// Marks that a question is open, until it is answered or the handler throws.
 class Asking {
 public:
     explicit Asking(AssertState& state) : m_state(state) { m_state.asking = 1; }
@@ -157,7 +157,7 @@ bool ActOn(int answer, const Failure& failure, std::atomic_ref<bool> ignoreAlway
     case AssertAnswer_Abort:
         g_state.showDialogs = 0;
         g_state.writeToLog = 0;
-        g_recordOutput.flush(); // what was logged before belongs to the story
+        g_recordOutput.flush(); // the lines before the failure must not be lost
         AssertSystem::EndProcess(1);
     default: {
         char message[80];

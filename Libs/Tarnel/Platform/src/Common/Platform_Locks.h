@@ -7,8 +7,8 @@
 
 namespace Platform {
 
-// A 32-bit word: 0 is free, 1 is taken. Who finds it taken sleeps in the system: spinning could keep a holder
-// of lower priority from running. Fits std::lock_guard.
+// A 32-bit word: 0 is free, 1 is taken. A thread that finds it taken sleeps in the system: spinning could
+// keep a holder of lower priority from running. Fits std::lock_guard.
 class SpinLock {
 public:
     void lock() {
