@@ -15,12 +15,18 @@ export TIDY_ARGUMENTS="-p $build --quiet \
   --extra-arg=-Qunused-arguments --extra-arg=-isystem$gcc/include/c++ \
   --extra-arg=-isystem$gcc/include/c++/x86_64-w64-mingw32 --extra-arg=-isystem/usr/x86_64-w64-mingw32/include"
 
+missing=$(git ls-files -d '*.cpp' '*.h')
+if [ -n "$missing" ]; then
+    printf 'tidy: deleted, but still in the index (git rm):\n%s\n' "$missing" >&2
+    exit 2
+fi
 mkdir -p "$passed"
 TIDY_COMMON=$(git ls-files -co --exclude-standard '*.h' .clang-tidy scripts/tidy.sh | sort | xargs cat | sha256sum | cut -d' ' -f1)
-export TIDY_COMMON TIDY_PASSED=$passed
+export TIDY_COMMON TIDY_PASSED=$passed TIDY_BUILD=$build
 
 check_one() {
     local file=$1 stamp log
+    [ -e "$file" ] || { echo "tidy: $file is gone: configure $TIDY_BUILD again" && return 1; }
     stamp=$TIDY_PASSED/$( (echo "$TIDY_COMMON $file"; cat "$file") | sha256sum | cut -d' ' -f1)
     [ -e "$stamp" ] && return 0
     log=$(mktemp)
