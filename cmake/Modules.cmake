@@ -90,7 +90,6 @@ function(morvane_test name)
     if(WIN32)
         # Narrow calls speak UTF-8 in the tests as they do in the agent.
         target_sources(${name} PRIVATE ${CMAKE_SOURCE_DIR}/cmake/TestProgram.rc)
-        target_link_libraries(${name} PRIVATE test_support)
     endif()
     if(CMAKE_CROSSCOMPILING)
         set(command ${CMAKE_SOURCE_DIR}/scripts/run-wine-test.sh $<TARGET_FILE:${name}>)

@@ -1,11 +1,10 @@
-"""A whole day of a game in fast motion, with every process of the agent as docs/ recommends them."""
+"""A whole day of a game in time-lapse, with every process of the agent as docs/ recommends them."""
 import json
-import shutil
 import time
 
 import pytest
 
-from agent import EXECUTABLE, GAME
+from agent import GAME
 from package_reader import read_package
 from permission_texts import TEXTS, TITLE
 from store.client import ACCESS_KEY, SECRET_KEY
@@ -20,14 +19,10 @@ YES, NO = "Return", "Escape"
 class Day:
     """One machine with the game and the agent beside it."""
 
-    def __init__(self, folder, display, store, bucket, delay=1500):
-        self.folder, self._display = folder, display
-        self.app = folder / "My Game"
-        self.dumps = self.app / "dumps"
+    def __init__(self, site, display):
+        self._site, self._display = site, display
+        self.app = site.folder / "app"
         self.errors = []  # of all agents that ended
-        shutil.copy(GAME, folder / "MyGame.exe")
-        self._configuration = folder / "agent.json"
-        self._configuration.write_text(json.dumps(in_fast_motion(store, bucket, delay)), encoding="utf-8")
 
     @property
     def packaged(self):
@@ -37,15 +32,14 @@ class Day:
 
     def play(self, *arguments):
         """The game, until it is killed."""
-        return Program(self.folder / "MyGame.exe", "--quiet", "--dumps", windows_path(self.dumps),
+        return Program(GAME, "--quiet", "--dumps", windows_path(self.app / "dumps"),
                        *(arguments or ("--stay-alive", "900000", "--crash", "none")), variables=self._display.variables())
 
     def crash(self, name, *arguments):
         self.play("--name", name, *arguments).wait()
 
-    def start_agent(self, *arguments):
-        return Program(EXECUTABLE, f"-config={windows_path(self._configuration)}",
-                       f"-appFolder={windows_path(self.app)}", *arguments, variables=self._display.variables())
+    def start_agent(self):
+        return self._site.start(variables=self._display.variables())
 
     def answer(self, key):
         self._display.wait_for_window(PROMPT)
@@ -53,22 +47,19 @@ class Day:
         self._display.press(key)
         self._display.wait_for_no_window(PROMPT)
 
-    def wait_sent(self, agent, name):
-        agent.wait_for(f'{name}" in ')
-        wait_until(lambda: not (self.packaged / name).exists(), 10, "the sent package deleted")
-
     def end(self, agent):
         assert agent.wait() == 0
         self.errors += agent.stderr.decode().splitlines()
 
 
-def in_fast_motion(store, bucket, delay):
+def in_time_lapse(store, bucket):
     """The recommended configuration, with the test's store and a day's times in seconds."""
     configuration = json.loads(RECOMMENDED.read_text(encoding="utf-8"))
     for section in configuration.values():
         if "TimeBetweenChecks" in section:
             section["TimeBetweenChecks"] //= 20
-    configuration["ProcessMonitor"].update({"TimeBetweenChecks": 100, "ShutdownDelay": delay})
+    configuration["ProcessMonitor"].update({"TimeBetweenChecks": 100, "ShutdownDelay": 1500,
+                                            "WatchedApplications": ["SampleGame.exe"]})
     configuration["Uploader"].update({"BucketName": bucket, "AccessKey": ACCESS_KEY, "SecretKey": SECRET_KEY,
                                       "EndpointOverride": store.endpoint, "UseVirtualAddressing": False})
     return configuration
@@ -129,8 +120,9 @@ def night(day):
 
 
 @pytest.mark.limit(180)
-def test_a_day(scratch, display, store, bucket):
-    day = Day(scratch, display, store, bucket)
+def test_a_day(site, display, store, bucket):
+    site.configuration = in_time_lapse(store, bucket)
+    day = Day(site, display)
     morning(day)
     afternoon(day, store)
     evening(day, store)
@@ -140,39 +132,3 @@ def test_a_day(scratch, display, store, bucket):
     assert sorted(path.name.lower() for path in day.app.iterdir()) == ["dumps", "packageddumps", "packagetemp"]
     assert not [path for folder in day.app.iterdir() for path in folder.iterdir()], "something is left behind"
     assert len(day.errors) == 2 and all(" Failed to upload package in folder" in line for line in day.errors)
-
-
-@pytest.mark.limit(120)
-def test_a_studios_evening(scratch, display, store, bucket):
-    """Copies upon copies with the recommended delay: a living agent takes every crash, and one prompt is enough."""
-    day = Day(scratch, display, store, bucket, delay=600_000)
-    day.crash("before the agents")
-    game, copies = day.play(), [day.start_agent() for _ in range(3)]
-    wait_until(lambda: sum(copy.running for copy in copies) == 1, 20, "one of three copies left")
-    (first,) = [copy for copy in copies if copy.running]
-    day.answer(YES)
-    day.wait_sent(first, "before the agents")
-    first.kill()
-
-    agent = day.start_agent()
-    day.crash("after a kill")
-    day.answer(YES)
-    day.wait_sent(agent, "after a kill")
-    game.kill()
-    agent.wait_for(" All monitored processes have closed")
-    game, turned_away = day.play(), day.start_agent()
-    agent.wait_for(" A monitored processes has reappeared", 5)
-    assert turned_away.wait(10) == 0
-    day.crash("in the delay")
-    day.wait_sent(agent, "in the delay")
-    game.kill()
-    agent.kill()
-
-    with day.start_agent("-console") as agent:
-        agent.wait_for(" All monitored processes have closed")
-        wait_until(lambda: any(window.foreground for window in display.windows("MorvaneCrashReporter")), 20, "a console")
-        display.press("q")
-        assert agent.wait(5) == 0
-    sent = [read_package(store.get(bucket, key)).header["InstanceKey"] for key in store.keys(bucket)]
-    assert sorted(sent) == ["after a kill", "before the agents", "in the delay"]
-    assert not display.windows()

@@ -29,6 +29,7 @@ BAD_HEADERS = {
 
 
 def test_bad_headers_give_their_text_and_the_next_goes_on(site, store, bucket):
+    site.configuration["Packager"]["KeepFailedSubmissions"] = True  # does not keep what is wrong in itself
     for name, (content, _) in BAD_HEADERS.items():
         write_folder(site.dumps / name, {"game.log": b"log"}, content)
     write_small(site.dumps, "good")
@@ -97,14 +98,14 @@ def test_linked_submissions_are_neither_sent_nor_deleted(site, store, bucket):
 def test_files_as_games_name_them(site, store, bucket):
     """Already compressed files, doubly compressed names, empty and missing ones."""
     files = {"plain.txt": b"plain", "ready.txt.gz": gzip.compress(b"ready"), "trace.gz": b"raw trace", "empty.txt": b"",
-             "太郎.dmp": b"dump"}
-    names = ["plain.txt", "ready.txt", "trace.gz", "empty.txt", "missing.txt"]
+             "太郎.dmp": b"dump", "data.tgz": gzip.compress(b"tar")}
+    names = ["plain.txt", "ready.txt", "trace.gz", "empty.txt", "missing.txt", "data.tgz"]
     write_folder(site.dumps / "names", files, header(Catalog=catalog(dump="太郎.dmp", attachments=names)))
     with site.start() as agent:
         assert agent.wait() == 0
     package = read_package(store.get(bucket, *store.keys(bucket)))
     assert {entry.name: entry.original for entry in package.entries} == {
-        "太郎.dmp": b"dump", "plain.txt": b"plain", "ready.txt": b"ready", "trace.gz": b"raw trace"}
+        "太郎.dmp": b"dump", "plain.txt": b"plain", "ready.txt": b"ready", "trace.gz": b"raw trace", "data.tgz": b"tar"}
     assert package.header["InstanceKey"] == "太郎"
     for name, error in (("empty.txt", "Failed to read zero length input file!"),
                         ("missing.txt", "Failed to find attachment on disk")):

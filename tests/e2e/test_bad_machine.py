@@ -89,3 +89,13 @@ def test_what_a_kill_left_half_deleted_goes(site):
         assert agent.wait() == 0
     assert site.left_on_disk() == sorted({path.parent for path in stay} | {site.packaged / "sent"})
     assert all(path.exists() for path in stay)
+
+
+def test_a_package_without_content_stays(site):
+    package = site.packaged / "empty" / "submission.pkg"
+    package.parent.mkdir(parents=True)
+    package.touch(0o444)
+    with site.start() as agent:
+        assert agent.wait() == 0
+    assert f' Failed to load package in "{windows_path(package.parent)}" for upload . Error=' in agent.text
+    assert package.exists()

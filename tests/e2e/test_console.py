@@ -24,10 +24,10 @@ def test_it_shows_the_log_and_few_keys_end_the_agent(site, display, key):
     def text_in_line(line):
         return len(display.colours(window.x + 8, window.y + 24 + 16 * line, 200, 16)) > 1
 
-    site.configuration = {
-        "Application": {"Processes": {"Shutdowner": ["Shutdowner"]}, "Components": [], "ApplicationFolder": ""}}
+    site.configuration["Application"]["Processes"] = {"Shutdowner": ["Shutdowner"], "ProcessMonitor": ["ProcessMonitor"]}
+    site.configuration["ProcessMonitor"]["ShutdownDelay"] = 600_000  # is under way, and ends too
     with site.start("-CONSOLE", variables=display.variables()) as agent:
-        agent.wait_for(" running application processes...")
+        agent.wait_for(" All monitored processes have closed")
         window = wait_for_console(display)
         wine.wait_until(lambda: text_in_line(5), 10, "the log in the console")
         assert text_in_line(0) and not text_in_line(15)

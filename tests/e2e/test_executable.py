@@ -1,4 +1,5 @@
 """The shipped files: exports, hardening, the libraries they need, version and texts."""
+import hashlib
 import re
 import subprocess
 
@@ -37,6 +38,7 @@ def test_needs_nothing_but_the_system(program):
 
 
 def test_carries_its_version_and_the_text_that_no_dialog_shows():
+    assert hashlib.md5(repr(TEXTS).encode()).hexdigest() == "7cb7d5accfb6188c350aa63f518cc268", "a text was changed: on purpose?"
     content = EXECUTABLE.read_bytes()
     for text in ["1.0.0.0 (1)", *(texts[YES_TO_ALL] for texts in TEXTS.values())]:
         assert text.encode("utf-16-le") in content

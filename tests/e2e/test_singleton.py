@@ -5,7 +5,7 @@ import pytest
 
 from agent import EXECUTABLE, GAME
 from submissions import write_small
-from wine import Program, windows_path
+from wine import Program, wait_until, windows_path
 
 READY = ' Watcher "PackageWatcher" is watching folder'
 STOPS = " Process already running requesting shutdown..."
@@ -49,6 +49,13 @@ def test_a_later_copy_stops_itself(site, copies, first, second):
     write_small(site.dumps, "after")
     site.wait_all_sent()
     assert all(agent.running and STOPS not in agent.text for agent in (older, other))
+
+
+def test_of_copies_that_start_together_one_stays(site, copies):
+    started = [copies(f"copy {number}") for number in range(3)]
+    wait_until(lambda: sum(copy.running for copy in started) == 1, 20, "one of three copies left")
+    write_small(site.dumps, "after")
+    site.wait_all_sent()
 
 
 def test_a_copy_that_goes_does_nothing_before(site, copies):

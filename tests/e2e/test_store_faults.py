@@ -1,4 +1,5 @@
 """A store that fails in every way: the package stays, this run does not try again, and a later run sends it."""
+import re
 import time
 
 import pytest
@@ -83,10 +84,20 @@ def test_a_silent_store_fails_within_the_request_timeout(site, store, bucket):
 
 
 def test_uploads_in_flight_end_before_the_agent(site, store, bucket):
-    write_small(site.dumps, "in-flight")
-    store.set_faults({"kind": "delay", "ms": 3000})
+    """The latest four of six have begun when it is told to end."""
+    uploader = site.configuration["Application"]["Processes"].pop("UploaderS3")
+    for number in range(6):
+        write_small(site.dumps, f"{number}")
     with site.start_with_game() as beside:
-        wait_until(lambda: store.uploads(), 20, "the upload's start")
+        wait_until(lambda: not site.waiting_dumps(), 20, "six packages")
         assert beside.quit() == 0
-    assert " Waiting for 1 active uploads to complete\r\n" in beside.agent.text
-    assert len(store.keys(bucket)) == 1 and not site.waiting_packages()
+    site.configuration["Application"]["Processes"]["UploaderS3"] = uploader
+    store.set_faults({"kind": "delay", "ms": 3000, "times": 4})
+    with site.start_with_game() as beside:
+        wait_until(lambda: len(store.uploads()) == 4, 20, "four uploads")
+        assert beside.quit() == 0
+    text = beside.agent.text
+    assert " Waiting for 4 active uploads to complete\r\n" in text
+    found = re.findall(r" Added .*\\(\d) to pending", text)
+    assert re.findall(r" Starting upload thread .*\\(\d)\r", text) == found[:-5:-1]
+    assert len(store.keys(bucket)) == 4 and len(site.waiting_packages()) == 2

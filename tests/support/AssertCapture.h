@@ -1,6 +1,7 @@
 #pragma once
 
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
@@ -19,12 +20,12 @@ public:
     explicit AssertCapture(int answer = Platform::AssertAnswer_IgnoreOnce) {
         s_failures.clear();
         s_answer = answer;
-        SetSwitches({1, 0, 0});
+        Switches() = std::tuple(1u, 0u, 0u);
         m_state.handlers[0] = &Record<0>;
         m_state.handlers[1] = &Record<1>;
     }
     ~AssertCapture() {
-        SetSwitches(m_switches);
+        Switches() = m_switches;
         m_state.handlers[0] = m_state.handlers[1] = nullptr;
     }
     AssertCapture(const AssertCapture&) = delete; // there is one assertion state
@@ -42,14 +43,8 @@ public:
     const std::vector<Failure>& Failures() const { return s_failures; }
 
 private:
-    struct Switches {
-        uint32_t showDialogs, writeToDebugger, writeToLog;
-    };
-
-    void SetSwitches(const Switches& switches) {
-        m_state.showDialogs = switches.showDialogs;
-        m_state.writeToDebugger = switches.writeToDebugger;
-        m_state.writeToLog = switches.writeToLog;
+    std::tuple<uint32_t&, uint32_t&, uint32_t&> Switches() const {
+        return {m_state.showDialogs, m_state.writeToDebugger, m_state.writeToLog};
     }
 
     // Called inside the state's critical section.
@@ -63,5 +58,5 @@ private:
     inline static int s_answer = 0;
 
     Platform::AssertState& m_state = *EXP_GetAssertState();
-    const Switches m_switches = {m_state.showDialogs, m_state.writeToDebugger, m_state.writeToLog};
+    const std::tuple<uint32_t, uint32_t, uint32_t> m_switches = Switches();
 };

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <algorithm>
 #include <cstdint>
 #include <mutex>
 #include <string>
@@ -36,10 +35,6 @@ public:
     }
     std::vector<std::string> Infos() const { return Texts(Platform::InfoLog); }
     std::vector<std::string> Errors() const { return Texts(Platform::ErrorLog); }
-
-    bool Contains(std::wstring_view log, std::string_view text) const {
-        return std::ranges::count(Texts(log), text) > 0;
-    }
 
 private:
     struct Entry {

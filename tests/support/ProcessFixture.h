@@ -27,18 +27,17 @@ protected:
                                              (sections.empty() ? "" : "," + sections) + "}");
     }
 
-    ResultCode Initialize(const char* argument = "") {
+    ResultCode Initialize() {
         const std::string config = "-config=" + m_scratch.PathOf("agent.json");
         const std::string folder = "-appFolder=" + m_scratch.PathOf("app");
-        const char* argv[] = {"agent.exe", config.c_str(), folder.c_str(), argument};
-        return m_application->Initialize(4, argv);
+        const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
+        return m_application->Initialize(3, argv);
     }
 
     // Both; returns the first error that was logged, or nothing.
-    std::string Configure(const std::string& processes, const std::string& sections,
-                          const char* argument = "") {
+    std::string Configure(const std::string& processes, const std::string& sections) {
         WriteConfiguration(processes, sections);
-        EXPECT_TRUE(Initialize(argument));
+        EXPECT_TRUE(Initialize());
         const auto errors = m_log.Errors();
         return errors.empty() ? "" : errors.front();
     }

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "Libs/Shared/src/ConfigKeys.h"
+#include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
 
 namespace {

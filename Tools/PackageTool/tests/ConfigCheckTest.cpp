@@ -33,27 +33,15 @@ std::string Replaced(const std::string& part, const std::string& replacement) {
     return text.replace(text.find(part), part.size(), replacement);
 }
 
-// In place of that part of the good configuration.
-struct Row {
-    const char* part;
-    const char* replacement;
-    const char* problems;
-};
-
-void ExpectProblems(std::initializer_list<Row> rows) {
-    for (const Row& row : rows) {
-        EXPECT_EQ(Problems(Replaced(row.part, row.replacement)), row.problems) << row.replacement;
-    }
-}
-
 } // namespace
 
-TEST(ConfigCheck, UsualPipelineIsGood) {
-    EXPECT_EQ(Problems(std::string("\xEF\xBB\xBF") + Good), "");
-}
-
-TEST(ConfigCheck, KeysAndTypes) {
-    ExpectProblems({
+TEST(ConfigCheck, SaysWhatIsWrongAndWhere) {
+    const struct {
+        const char* part; // of the good configuration
+        const char* replacement;
+        const char* problems;
+    } rows[] = {
+        // Keys and types
         {R"("Folder": "dumps")", R"("Folder": "dumps", "TimeBetweenChecks": -1, "Folder": "b")",
          "6:51: \"TimeBetweenChecks\": Field not unsigned integer\n6:55: Key \"Folder\" appears again; only "
          "the first counts"},
@@ -66,11 +54,7 @@ TEST(ConfigCheck, KeysAndTypes) {
          "3:1: Unknown key \"Applications\": no process has this name"},
         {R"("Quota": {},)", R"("Quota": {}, "Quit": {},)",
          "10:14: Unknown key \"Quit\": a Shutdowner has no section"},
-    });
-}
-
-TEST(ConfigCheck, ClassesAndPartners) {
-    ExpectProblems({
+        // Classes and partners
         {R"(["CloudComponent"])", R"(["Cloud"])",
          "4:18: \"Uploader\": UploaderS3 requires CloudComponent for initialization\n5:18: \"Cloud\": Failed "
          "to find maker for component"},
@@ -79,19 +63,11 @@ TEST(ConfigCheck, ClassesAndPartners) {
          "process has this name\n9:29: \"Packages\": No watcher process to provide submissions for uploader"},
         {R"("WatcherName": "Packages")", R"("WatcherName": "Packager")",
          "9:29: \"Packager\" is a Packager, no Watcher"},
-    });
-}
-
-TEST(ConfigCheck, ValuesThatFailLater) {
-    ExpectProblems({
+        // Values that fail later
         {R"("AccessKey": "AK")", R"("AccessKey": "")", "9:79: \"AccessKey\" is empty"},
         {R"("AccessKey": "AK")", R"("AccessKey": "AK", "EndpointOverride": "ftp://x")",
          "9:105: Endpoint override is not a scheme, a host and a port"},
-    });
-}
-
-TEST(ConfigCheck, WarnsOfWhatIsHardlyMeant) {
-    ExpectProblems({
+        // Warnings of what is hardly meant
         {R"("AK", "SecretKey": "SK")", R"("AKIA...", "SecretKey": "SK ")",
          "9:79: warning: \"AKIA...\" is a placeholder of the template\n9:103: warning: \"SK \" has a blank "
          "at its "
@@ -111,11 +87,7 @@ TEST(ConfigCheck, WarnsOfWhatIsHardlyMeant) {
          "10:28: warning: A quota of 0 deletes every package before it is sent"},
         {R"("Folder": "dumps")", R"("Folder": "dumps", "SentinelFile": "Header.json")",
          "6:46: warning: \"Header.json\" differs from \"header.json\" in letter case"},
-    });
-}
-
-TEST(ConfigCheck, FoldersAndFilesThatDoNotMeet) {
-    ExpectProblems({
+        // Folders and files that do not meet
         {R"("Folder": "dumps")", R"("Folder": ".\\packageddumps/")",
          "7:13: PackagedFolder is the folder that the packager's watcher watches\n10:10: The quota is for "
          "<application folder>/dumps, but the packager's submissions come from <application "
@@ -135,7 +107,10 @@ TEST(ConfigCheck, FoldersAndFilesThatDoNotMeet) {
          "9:13: The uploader sends \"submission.pkg\", but packager \"Packager\" writes \"a.pkg\""},
         {R"("Quota": {},)", R"("Quota": {"DumpsFolder": "C:\\x"},)",
          "10:26: The quota is for c:/x, but the packager's submissions come from <application folder>/dumps"},
-    });
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(Problems(Replaced(row.part, row.replacement)), row.problems) << row.replacement;
+    }
 }
 
 TEST(ConfigCheck, TextsThatAreNoConfiguration) {

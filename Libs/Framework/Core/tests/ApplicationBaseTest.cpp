@@ -49,49 +49,30 @@ private:
     }
 };
 
-class FakeComponent : public IApplicationComponent {
-public:
-    ResultCode Initialize(int, const char**) override {
-        g_diary.emplace_back("Component initialize");
-        return Platform::Success;
-    }
-    ResultCode Shutdown() override {
-        g_diary.emplace_back("Component shutdown");
-        return Platform::Success;
-    }
-};
-
 class ApplicationBaseTest : public ProcessFixture {
 protected:
     static void SetUpTestSuite() {
         RegisterApplicationDisplayName("TestApplication");
         FactoryInstance<IApplicationProcess>().RegisterMaker<FakeProcess>("Fake");
         FactoryInstance<IApplicationProcess>().RegisterMaker<FakeProcess>("OtherFake");
-        FactoryInstance<IApplicationComponent>().RegisterMaker<FakeComponent>("FakeComponent");
     }
     ApplicationBaseTest() { g_diary.clear(); }
 };
 
-TEST_F(ApplicationBaseTest, TakesTheStepsInOrder) {
-    WriteConfiguration(R"("Fake": ["B", "A"])", "", R"("FakeComponent")");
+TEST_F(ApplicationBaseTest, TakesTheStepsInOrderWithoutWhatFails) {
+    WriteConfiguration(R"("Fake": ["Z fails to post-initialize", "A", "throws in initialize"])");
     const auto registered = m_application->RegisterProcess<FakeProcess>("Early");
     ASSERT_TRUE(Initialize());
     ASSERT_TRUE(m_application->Run());
     ASSERT_TRUE(m_application->Shutdown());
     EXPECT_EQ(m_application->GetProcess("Early"), registered);
     EXPECT_EQ(m_application->GetProcess("a"), nullptr);
-    EXPECT_EQ(g_diary, (Lines{"Early pre-initialize", "Component initialize", "A initialize", "B initialize",
-                              "Early initialize", "A post-initialize", "B post-initialize",
-                              "Early post-initialize", "A start", "B start", "Early start", "A shutdown",
-                              "B shutdown", "Early shutdown", "Component shutdown"}));
-}
-
-TEST_F(ApplicationBaseTest, DropsAProcessThatFailsOrThrows) {
-    WriteConfiguration(R"("Fake": ["throws in initialize", "Z fails to post-initialize", "Good"])");
-    ASSERT_TRUE(Initialize());
-    EXPECT_EQ(m_application->GetProcess("throws in initialize"), nullptr);
-    EXPECT_EQ(m_application->GetProcess("Z fails to post-initialize"), nullptr);
-    EXPECT_NE(m_application->GetProcess("Good"), nullptr);
+    EXPECT_EQ(g_diary,
+              (Lines{"Early pre-initialize", "A initialize", "Early initialize",
+                     "Z fails to post-initialize initialize", "throws in initialize initialize",
+                     "throws in initialize destroyed", "A post-initialize", "Early post-initialize",
+                     "Z fails to post-initialize post-initialize", "Z fails to post-initialize destroyed",
+                     "A start", "Early start", "A shutdown", "Early shutdown"}));
 }
 
 TEST_F(ApplicationBaseTest, OfOneNameUnderTwoMakersTheLaterStays) {
@@ -115,25 +96,16 @@ TEST_F(ApplicationBaseTest, WaitsForMoreThreadsThanOneWaitTakes) {
 }
 
 TEST_F(ApplicationBaseTest, FailuresHaveTheirExitCodesAndLeaveNoThread) {
-    const struct {
-        const char* processes;
-        int exitCode;
-        int threads;
-    } rows[] = {
-        {R"("Fake": ["A"])", 0, 1},
-        {R"("None": ["A"])", 2, 0},
-        {R"("Fake": ["Loops", "Z fails to start"])", 3, 1},
-        {R"("Fake": ["Z fails to shutdown"])", 4, 1},
-    };
-    for (const auto& row : rows) {
-        WriteConfiguration(row.processes);
+    for (const auto& [processes, exitCode] : {std::pair(R"("Fake": ["Loops", "Z fails to start"])", 3),
+                                              std::pair(R"("Fake": ["Z fails to shutdown"])", 4)}) {
+        WriteConfiguration(processes);
         g_next = std::make_shared<ApplicationBase>();
         g_threadsEnded = 0;
         const std::string config = "-config=" + m_scratch.PathOf("agent.json");
         const std::string folder = "-appFolder=" + m_scratch.PathOf("app");
         const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
-        EXPECT_EQ(CommonMain(3, argv), row.exitCode);
-        EXPECT_EQ(g_threadsEnded, row.threads);
+        EXPECT_EQ(CommonMain(3, argv), exitCode);
+        EXPECT_EQ(g_threadsEnded, 1);
     }
     const char* argv[] = {"agent.exe"};
     EXPECT_EQ(CommonMain(1, argv), 1) << "no application";

@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <stdexcept>
 
 #include <gtest/gtest.h>
@@ -26,22 +25,6 @@ TEST(Thread, StatusTellsHowItEnded) {
         thread->Join();
         EXPECT_EQ(thread->GetStatus(), row.status) << &row - rows;
     }
-}
-
-TEST(Thread, NeverResumedEndsWithoutItsFunction) {
-    std::atomic<bool> ran = false;
-    HANDLE handle = nullptr;
-    {
-        const auto thread = std::make_shared<Thread>([&] { ran = true; });
-        EXPECT_EQ(thread->GetStatus(), Thread::Status::Running);
-        EXPECT_TRUE(thread->Suspend());
-        thread->Finish(); // returns at once
-        DuplicateHandle(GetCurrentProcess(), thread->GetHandle(), GetCurrentProcess(), &handle, SYNCHRONIZE,
-                        FALSE, 0);
-    }
-    EXPECT_EQ(WaitForSingleObject(handle, 10000), DWORD{WAIT_OBJECT_0});
-    CloseHandle(handle);
-    EXPECT_FALSE(ran);
 }
 
 } // namespace

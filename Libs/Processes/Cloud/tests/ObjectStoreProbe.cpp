@@ -3,18 +3,15 @@
 //
 //   ObjectStoreProbe bucket=NAME accessKey=ID secretKey=KEY file=PATH endpoint=URL requestTimeout=MS
 //       [region=NAME] [pathStyle=1] [connectTimeout=MS] [key=TEXT] [md5=BASE64] [length=BYTES]
-//       [parallel=COUNT]
 //
-// Without key, md5 and length the request is the agent's for a package. Prints a line for each parallel
-// request, as  result="OK" etag=["5d41402abc4b2a76b9719d911017c592"] ms=12 . Exit code: 0 if all succeeded.
-#include <atomic>
+// Without key, md5 and length the request is the agent's for a package. Prints
+// result="OK" etag=["5d41402abc4b2a76b9719d911017c592"] ms=12 . Exit code: 0 if all succeeded.
 #include <chrono>
 #include <cstdio>
 #include <fstream>
 #include <iterator>
 #include <map>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "Libs/Processes/Cloud/src/S3Upload.h"
@@ -67,18 +64,6 @@ int main(int argc, char** argv) {
     request.contentMd5 = Text("md5", request.contentMd5);
     request.contentLength = Number("length", request.contentLength);
 
-    std::atomic<bool> isGood = InitializeObjectStores().Succeeded();
-    std::vector<std::jthread> others;
-    for (int64_t count = Number("parallel", 1); count > 1; --count) {
-        others.emplace_back([&] {
-            if (!PutOne(config, request, bytes)) {
-                isGood = false;
-            }
-        });
-    }
-    if (!PutOne(config, request, bytes)) {
-        isGood = false;
-    }
-    others.clear();
+    const bool isGood = InitializeObjectStores() && PutOne(config, request, bytes);
     return ShutdownObjectStores() && isGood ? 0 : 1;
 }

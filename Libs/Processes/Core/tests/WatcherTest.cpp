@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <atomic>
 
-#include "tests/support/FailingMemory.h"
 #include "tests/support/ProcessFixture.h"
 
 namespace {
@@ -106,32 +105,6 @@ TEST_F(WatcherTest, ShutsDownAfterOneCheckIfAsked) {
     const std::string a = MakeComplete("app/d/a");
     ASSERT_TRUE(m_application->Run()); // returns by itself
     EXPECT_EQ(Take(), Lines{a});
-}
-
-TEST_F(WatcherTest, WithoutMemoryAFolderIsTakenLaterAndOnce) {
-    const Lines folders = {MakeComplete("app/d/a"), MakeComplete("app/d/b")};
-    bool hasFailed = true;
-    for (std::size_t nth = 0; hasFailed; ++nth) {
-        m_application = std::make_shared<ApplicationBase>();
-        ConfigureWatcher(R"("Folder":"d")");
-        const auto process = m_application->GetProcess("Dumps 1");
-        std::thread watching([&] {
-            const TestSupport::FailingMemory memory(nth);
-            process->ThreadMain();
-            hasFailed = memory.HasFailed();
-        });
-        Lines taken;
-        const auto takeMore = [&] { std::ranges::copy(Take(), std::back_inserter(taken)); };
-        EXPECT_TRUE(Await([&] {
-            takeMore();
-            return taken.size() >= folders.size();
-        }));
-        process->RequestShutdown();
-        watching.join();
-        takeMore();
-        std::ranges::sort(taken);
-        EXPECT_EQ(taken, folders) << nth;
-    }
 }
 
 TEST_F(WatcherTest, PublishesItsNumbers) {

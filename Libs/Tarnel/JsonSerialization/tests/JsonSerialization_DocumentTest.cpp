@@ -1,11 +1,8 @@
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
 
 #include <string>
-#include <vector>
 
 #include <gtest/gtest.h>
-
-#include "tests/support/AssertCapture.h"
 
 namespace {
 
@@ -18,14 +15,6 @@ std::string Rewritten(const std::string& json) {
     std::string text = "old";
     const ResultCode result = JsonSerialization::WriteText(document, text);
     return result ? text : result.Text();
-}
-
-std::string Repeated(const std::string& part, std::size_t count) {
-    std::string text;
-    for (std::size_t i = 0; i < count; ++i) {
-        text += part;
-    }
-    return text;
 }
 
 } // namespace
@@ -63,14 +52,6 @@ TEST(ParseText, TakesOneJsonTextInUtf8) {
     }
 }
 
-TEST(ParseText, SurvivesAnyDepth) {
-    constexpr std::size_t Depth = 500'000;
-    const std::string arrays = Repeated("[", Depth) + Repeated("]", Depth);
-    EXPECT_EQ(Rewritten(arrays), arrays);
-    const std::string objects = Repeated("{\"a\":", Depth) + "1" + Repeated("}", Depth);
-    EXPECT_EQ(Rewritten(objects), objects);
-}
-
 TEST(ParseText, RefusesTextsOver128MiB) {
     std::string text((128u << 20) - 1, ' ');
     text += '1';
@@ -85,13 +66,4 @@ TEST(ParseText, StopsAtTheEndOfACutCharacter) {
         EXPECT_EQ(Rewritten("\"" + std::string(length, 'x') + "\xF0"),
                   "Invalid encoding in string.@" + std::to_string(length + 1));
     }
-}
-
-TEST(JsonDocument, MisuseIsAssertedAndGoesOn) {
-    JsonDocument document;
-    ASSERT_TRUE(JsonSerialization::ParseText("[", document).error);
-    ASSERT_TRUE(JsonSerialization::ParseText("{\"a\":1}", document));
-    const AssertCapture capture;
-    EXPECT_TRUE(document["b"].IsNull());
-    EXPECT_EQ(capture.Texts(), std::vector<std::string>{"false|"});
 }

@@ -30,37 +30,7 @@ void Say(const char* who, const char* text) {
     std::fflush(stdout);
 }
 
-// Says what the debuggee sends to its debugger and where it breaks. Returns how it is to go on.
-DWORD OnEvent(const DEBUG_EVENT& event, HANDLE process, const char*& image) {
-    switch (event.dwDebugEventCode) {
-    case CREATE_PROCESS_DEBUG_EVENT:
-        image = static_cast<const char*>(event.u.CreateProcessInfo.lpBaseOfImage);
-        return DBG_CONTINUE;
-    case EXCEPTION_DEBUG_EVENT: {
-        const EXCEPTION_RECORD& record = event.u.Exception.ExceptionRecord;
-        const auto* address = static_cast<const char*>(record.ExceptionAddress);
-        if (record.ExceptionCode != EXCEPTION_BREAKPOINT) {
-            return DBG_EXCEPTION_NOT_HANDLED;
-        }
-        // Every debuggee breaks once in the system when it starts.
-        if (address >= image && address < image + (1 << 24)) {
-            Say("debugger", "break in the program");
-        }
-        return DBG_CONTINUE;
-    }
-    case OUTPUT_DEBUG_STRING_EVENT: {
-        const OUTPUT_DEBUG_STRING_INFO& text = event.u.DebugString;
-        std::vector<char> bytes(std::size_t{text.nDebugStringLength} + 1);
-        ReadProcessMemory(process, text.lpDebugStringData, bytes.data(), text.nDebugStringLength, nullptr);
-        Say("debugger", bytes.data());
-        return DBG_CONTINUE;
-    }
-    default:
-        return DBG_CONTINUE;
-    }
-}
-
-// Its exit code.
+// Says where it breaks; returns its exit code.
 int RunUnderDebugger(const wchar_t* program, std::wstring commandLine) {
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
@@ -69,10 +39,16 @@ int RunUnderDebugger(const wchar_t* program, std::wstring commandLine) {
                         nullptr, &startup, &process)) {
         return -1;
     }
-    const char* image = nullptr;
     DEBUG_EVENT event = {};
     while (event.dwDebugEventCode != EXIT_PROCESS_DEBUG_EVENT && WaitForDebugEvent(&event, INFINITE)) {
-        ContinueDebugEvent(event.dwProcessId, event.dwThreadId, OnEvent(event, process.hProcess, image));
+        const bool isException = event.dwDebugEventCode == EXCEPTION_DEBUG_EVENT;
+        const bool isBreak =
+            isException && event.u.Exception.ExceptionRecord.ExceptionCode == EXCEPTION_BREAKPOINT;
+        if (isBreak) {
+            Say("debugger", "break");
+        }
+        ContinueDebugEvent(event.dwProcessId, event.dwThreadId,
+                           isException && !isBreak ? DBG_EXCEPTION_NOT_HANDLED : DBG_CONTINUE);
     }
     return static_cast<int>(event.u.ExitProcess.dwExitCode);
 }

@@ -1,6 +1,5 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 
-#include <algorithm>
 #include <cstdlib>
 #include <new>
 
@@ -13,61 +12,11 @@ using namespace Platform;
 
 namespace {
 
-const std::string Decomposed = "Jo\xCC\x88rg \xE5\xA4\xAA\xE9\x83\x8E";
-
 std::vector<uint8_t> Bytes(std::size_t size) {
     return std::vector<uint8_t>(size, uint8_t{'x'});
 }
 
-std::vector<std::string> NamesIn(const std::string& folder) {
-    std::vector<std::string> names;
-    FolderListing listing(folder);
-    while (listing.Next()) {
-        EXPECT_EQ(ToUtf8(listing.Name(), names.emplace_back()), NoError);
-    }
-    EXPECT_EQ(listing.Error(), NoError);
-    std::ranges::sort(names);
-    return names;
-}
-
 } // namespace
-
-// Each call gets the name as it stands, whatever its letters, its length and its end.
-TEST(PlatformIO, EveryCallTakesEveryName) {
-    const TestSupport::ScratchFolder scratch;
-    std::string deep = scratch.Path() + "deep";
-    while (deep.size() < 400) {
-        deep += "/a folder with a fairly long name";
-    }
-    for (const std::string& folder :
-         {scratch.Path() + Decomposed, scratch.Path() + "J\xC3\xB6rg " + "\xE5\xA4\xAA\xE9\x83\x8E",
-          scratch.Path() + "ends in a dot.", deep + "/" + Decomposed}) {
-        ASSERT_TRUE(CreateDirectoryTree(folder.c_str())) << folder;
-        ASSERT_TRUE(CreateOneDirectory(folder.c_str()));
-        const std::string path = folder + "/a. ";
-        ASSERT_EQ(WriteWholeFile(path, Bytes(3 << 20)), WriteOutcome::Done) << folder;
-        ASSERT_EQ(WriteWholeFile(path, Bytes(9)), WriteOutcome::Done);
-        FileInfo info;
-        ASSERT_EQ(SetAttributes(path, ReadOnlyAttribute), NoError) << folder;
-        ASSERT_EQ(QueryInfo(path, info), NoError);
-        EXPECT_TRUE(info.IsReadOnly() && !info.IsFolder() && info.size == 9) << folder;
-        ASSERT_EQ(SetAttributes(path, 0x80), NoError);
-        std::vector<uint8_t> bytes;
-        EXPECT_EQ(ReadWholeFile(path, bytes), ReadOutcome::Done);
-        EXPECT_EQ(bytes, Bytes(9));
-        EXPECT_EQ(RenameFile(path, folder + "/b"), NoError);
-        EXPECT_EQ(NamesIn(folder), std::vector<std::string>{"b"});
-        EXPECT_EQ(RemoveFile(folder + "/b"), NoError);
-        EXPECT_FALSE(Exists(folder + "/b"));
-    }
-    EXPECT_EQ(NamesIn(scratch.Path()).size(), 4u); // two spellings of one name are two folders
-    // The standard library can't delete it, and tries for ever.
-    EXPECT_EQ(RemoveEmptyFolder(scratch.Path() + "ends in a dot."), NoError);
-    for (SystemPath path = deep + "/" + Decomposed; NamesIn(scratch.Path()).size() > 2;
-         path = path.Parent()) {
-        ASSERT_EQ(RemoveEmptyFolder(path), NoError);
-    }
-}
 
 TEST(PlatformIO, FailuresHaveTheirOutcomes) {
     const TestSupport::ScratchFolder scratch;

@@ -88,6 +88,10 @@ TEST_F(LogTest, FileHoldsTheBytesAsGivenAndIsTruncatedOnce) {
     Write(nullptr, "no name");
     Write(L"Bytes.log", "two");
     EXPECT_EQ(m_folder.ReadFile("Bytes.log"), std::string("one\0\r\ntwo", 9));
+    for (int i = 2; i <= 33; ++i) { // there is room for 32
+        Write((std::to_wstring(i) + L".log").c_str(), "x");
+    }
+    EXPECT_TRUE(m_folder.Exists("32.log") && !m_folder.Exists("33.log"));
 }
 
 } // namespace

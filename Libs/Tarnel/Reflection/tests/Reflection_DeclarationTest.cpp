@@ -80,11 +80,8 @@ TEST(TypeDescriptor, KnowsWhereItsPartsLie) {
 TEST(TypeRegistration, ReportsWrongDeclarations) {
     const AssertCapture capture;
     TypeOf<WronglyDeclared>();
-    TypeDescriptor descriptor;
-    Reflection::BuildEnum<ReflectedColour>(descriptor, "");
-    ASSERT_EQ(capture.Texts().size(), 2u);
+    ASSERT_EQ(capture.Failures().size(), 1u);
     EXPECT_EQ(capture.Failures()[0].message,
               "The type \"WronglyDeclared\" has a v-table but is not declared as polymorphic.  Please use "
               "Reflection_DeclarePolymorphicType in place of Reflection_DeclareType for this type.");
-    EXPECT_EQ(capture.Texts()[1], "!String::IsNullOrEmpty(szEnumType)|");
 }

@@ -1,22 +1,8 @@
 #include "Libs/Tarnel/String/src/String_Basic.h"
 
-#include <string>
-#include <vector>
-
 #include <gtest/gtest.h>
 
-#include "tests/support/AssertCapture.h"
-
-namespace {
-
-struct TestAllocator : String::HeapAllocator {
-    inline static bool refuses = false;
-    static void* Allocate(std::size_t bytes) { return refuses ? nullptr : HeapAllocator::Allocate(bytes); }
-};
-
-using Text = String::BasicT<String::Encoding::UTF8, TestAllocator>;
-
-} // namespace
+using Text = String::BasicT<String::Encoding::UTF8>;
 
 TEST(Basic, EmptyTextsShareOneValue) {
     Text text("crash");
@@ -37,14 +23,4 @@ TEST(Basic, ReusesItsBlockWhileItIsLargeEnough) {
     text.Assign("twelve bytes");
     EXPECT_EQ(text.Capacity(), 13u);
     EXPECT_EQ(text, Text("twelve bytes"));
-}
-
-TEST(Basic, FailedAllocationLeavesTheTextEmpty) {
-    Text text("old");
-    const AssertCapture capture;
-    TestAllocator::refuses = true;
-    text.Assign("longer than before");
-    TestAllocator::refuses = false;
-    EXPECT_TRUE(text.IsEmpty());
-    EXPECT_EQ(capture.Texts(), std::vector<std::string>{"szBuffer|Allocation Failed"});
 }

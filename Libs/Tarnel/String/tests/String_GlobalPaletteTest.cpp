@@ -5,7 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/AssertCapture.h"
 #include "tests/support/OnThreads.h"
 
 using String::Global;
@@ -23,17 +22,6 @@ TEST(GlobalPalette, KeepsTextsOfEqualIdentityApart) {
     EXPECT_STREQ(Global("costarring").Text(), "costarring");
     EXPECT_STREQ(Global("liquid").Text(), "liquid");
     EXPECT_EQ(Global("costarring"), Global("costarring"));
-}
-
-TEST(GlobalPalette, ReportsBrokenRules) {
-    const AssertCapture capture;
-    EXPECT_NE(String::GetGlobalPalette().Intern(nullptr, 3), nullptr);
-    EXPECT_EQ(String::PaletteAllocator().Allocate(24, 12), nullptr);
-    EXPECT_EQ(String::PaletteAllocator().Allocate(12, 8), nullptr);
-    const std::vector<std::string> expected = {"!\"sz || uiLength == 0\"|",
-                                               "uiAlign && !(uiAlign & (uiAlign - 1))|",
-                                               "(uiBytes % uiAlignment) == 0|"};
-    EXPECT_EQ(capture.Texts(), expected);
 }
 
 // Texts of 1024 bytes and more are formatted on the heap.
