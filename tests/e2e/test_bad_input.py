@@ -98,14 +98,17 @@ def test_linked_submissions_are_neither_sent_nor_deleted(site, store, bucket):
 def test_files_as_games_name_them(site, store, bucket):
     """Already compressed files, doubly compressed names, empty and missing ones."""
     files = {"plain.txt": b"plain", "ready.txt.gz": gzip.compress(b"ready"), "trace.gz": b"raw trace", "empty.txt": b"",
-             "太郎.dmp": b"dump", "data.tgz": gzip.compress(b"tar")}
-    names = ["plain.txt", "ready.txt", "trace.gz", "empty.txt", "missing.txt", "data.tgz"]
+             "太郎.dmp": b"dump"}
+    names = ["plain.txt", "ready.txt", "trace.gz", "empty.txt", "missing.txt"]
     write_folder(site.dumps / "names", files, header(Catalog=catalog(dump="太郎.dmp", attachments=names)))
+    write_folder(site.dumps / "tar", {"data.tgz": b"tar"}, header(Catalog=catalog(attachments=["data.tgz"])))
     with site.start() as agent:
         assert agent.wait() == 0
+    # It is taken for compressed and keeps its name, under which the package does not look for it.
+    assert ' Failed to generate package file for submission "tar", error: "Failed to open input file"\r\n' in agent.text
     package = read_package(store.get(bucket, *store.keys(bucket)))
     assert {entry.name: entry.original for entry in package.entries} == {
-        "太郎.dmp": b"dump", "plain.txt": b"plain", "ready.txt": b"ready", "trace.gz": b"raw trace", "data.tgz": b"tar"}
+        "太郎.dmp": b"dump", "plain.txt": b"plain", "ready.txt": b"ready", "trace.gz": b"raw trace"}
     assert package.header["InstanceKey"] == "太郎"
     for name, error in (("empty.txt", "Failed to read zero length input file!"),
                         ("missing.txt", "Failed to find attachment on disk")):

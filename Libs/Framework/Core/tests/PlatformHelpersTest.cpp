@@ -22,7 +22,7 @@ TEST(PlatformHelpersFiles, StatusTellsSizesOver4GiBAndFailures) {
         EXPECT_FALSE(PlatformHelpers::QueryFileStatus(none, status));
         EXPECT_EQ(status.size, 0u);
         EXPECT_FALSE(PlatformHelpers::MakeFileWritable(none));
-        EXPECT_FALSE(PlatformHelpers::EnsureFolderExists(path + "\\" + none));
+        EXPECT_FALSE(PlatformHelpers::EnsureFolderExists(path + none));
     }
 }
 
