@@ -18,11 +18,11 @@ TEST(PlatformHelpersFiles, StatusTellsSizesOver4GiBAndFailures) {
     PlatformHelpers::FileStatus status;
     ASSERT_TRUE(PlatformHelpers::QueryFileStatus(path, status));
     EXPECT_EQ(status.size, Size);
+    EXPECT_FALSE(PlatformHelpers::EnsureFolderExists(path + "\\below"));
     for (const std::string& none : {scratch.PathOf("none"), std::string("a\xFF")}) {
         EXPECT_FALSE(PlatformHelpers::QueryFileStatus(none, status));
         EXPECT_EQ(status.size, 0u);
         EXPECT_FALSE(PlatformHelpers::MakeFileWritable(none));
-        EXPECT_FALSE(PlatformHelpers::EnsureFolderExists(path + none));
     }
 }
 
