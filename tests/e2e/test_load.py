@@ -1,6 +1,7 @@
-"""A thousand submissions at once: none lost, never more than four uploads in flight."""
+"""Much at once: a thousand submissions, and large files."""
 import pytest
 
+from memory import peak_over_idle, write_dump, write_package
 from package_reader import read_package
 from submissions import write_small
 
@@ -23,3 +24,12 @@ def test_a_thousand_submissions_arrive(site, store, bucket):
     assert max(upload["in_flight"] for upload in uploads) == 4
     assert beside.agent.stderr == b""
     assert site.left_on_disk() == []
+
+
+@pytest.mark.limit(120)
+def test_memory_does_not_grow_with_a_file(site):
+    """A large dump on its way, and two large packages at the same time."""
+    dump = write_dump(site.folder / "crash", 200 << 20)
+    packages = [write_package(site.folder / name, 50 << 20) for name in "ab"]
+    over_idle, _ = peak_over_idle(site, [dump], packages, 100)
+    assert over_idle < 16
