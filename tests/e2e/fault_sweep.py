@@ -1,12 +1,11 @@
 """Lets every call that the shipped agent makes to the system fail once, and looks at what became of two reports.
 
-  scripts/fault-sweep.sh [--class NAME]... [--first N] [--stride N] [--errors] [--on] [--drop] [--seconds S] [--jobs N]
+  scripts/fault-sweep.sh [--class NAME]... [--stride N] [--errors] [--on] [--drop] [--seconds S] [--jobs N]
 
 Two submissions with attachments go the whole road while one call fails; then the agent runs without faults. Calls of a
 class are numbered from 1 in the order in which they come, which differs a little from run to run.
 
   --class    only these classes (see CLASSES); repeatable
-  --first    begins with that call of each class
   --stride   only every Nth call
   --errors   every error of the class for each call, else they take turns
   --on       the call and all after it fail
@@ -37,7 +36,8 @@ from wine import BIN, Program, windows_path
 DENIED, NOT_READY, NO_MEMORY, SHARED, NETWORK_GONE, DISK_FULL = 5, 21, 8, 32, 64, 112
 ON_DISK = (SHARED, DENIED, NOT_READY, NO_MEMORY, NETWORK_GONE)
 CLASSES = {  # and the errors that a call of it may meet
-    "open": ON_DISK, "attributes": ON_DISK, "rename": ON_DISK, "delete": ON_DISK, "list": ON_DISK, "folder": ON_DISK + (DISK_FULL,),
+    "open": ON_DISK, "attributes": ON_DISK, "rename": ON_DISK, "delete": ON_DISK, "list": ON_DISK,
+    "folder": ON_DISK + (DISK_FULL,),
     "read": (NOT_READY, NETWORK_GONE, NO_MEMORY), "write": (DISK_FULL, NOT_READY, NETWORK_GONE),
     "flush": (DISK_FULL, NOT_READY), "map": (NO_MEMORY, DENIED), "allocate": (NO_MEMORY,), "thread": (NO_MEMORY,),
     "winhttp": (12030, 12002, NO_MEMORY), "bcrypt": (NO_MEMORY,), "processes": (DENIED, NO_MEMORY),
@@ -108,13 +108,10 @@ class Run:
     def go(self):
         """The outcome: "sent", "sent later", "lost as documented", or "FAILED" with self.problems."""
         self._start(self.fault)
-        later = self._waiting()
-        lost = [name for name in REPORTS if name not in self._sent() and name not in later]
-        for name in lost:
-            if not self._says_lost(name):
-                self.problems.append(f"{name} is lost")
-        once = self.fault.first == self.fault.last
-        if once:
+        later, sent = self._waiting(), self._sent()
+        lost = [name for name in REPORTS if name not in sent and name not in later]
+        self.problems += [f"{name} is lost" for name in lost if not self._says_lost(name)]
+        if self.fault.first == self.fault.last:
             self._check_rests()
         for _ in range(3):  # a package that was sent but not deleted may be made again
             if self._left():
@@ -145,7 +142,7 @@ class Run:
             self.problems.append("a name that Windows refuses")
         code = re.search(r"exit code 0x(\w+)", text)
         code = int(code[1], 16) if code else "none in time"
-        stays = re.search(" Failed (to|post) initialize (step for )?process ProcessMonitor", text)  # nobody ends it then
+        stays = re.search(" Failed (to|post) initialize (step for )?process ProcessMonitor", text)  # nobody ends it
         if (code not in range(5) or EXIT_LINES.get(code, "") not in text and fault.first == fault.last) and not stays:
             self.problems.append(f"exit code {code}")
         if "ASSERT" in text and fault.kind != "allocate":  # memory that runs out is such a failure
@@ -221,12 +218,13 @@ class Worker:
         wine.stop_prefix()
 
 
-def work(folder, faults, results):
+def work(folder, faults, results, end):
     worker = Worker(folder)
     try:
         for fault in iter(faults.get, None):
-            outcome, run = worker.run(fault)
-            results.put((fault, outcome, run.problems, str(run.folder)))
+            if time.monotonic() < end:
+                outcome, run = worker.run(fault)
+                results.put((fault, outcome, run.problems, str(run.folder)))
     finally:
         worker.end()
         results.put(None)
@@ -236,7 +234,7 @@ def plan(counts, options):
     faults = []
     for kind in options.kinds or CLASSES:
         errors = CLASSES[kind]
-        for call in range(options.first, counts[kind] + 1, options.stride):
+        for call in range(1, counts[kind] + 1, options.stride):
             for error in errors if options.errors else errors[call % len(errors):][:1]:
                 faults.append(Fault(kind, call, 1 << 30 if options.on else call, error, not options.drop))
     if options.seconds:
@@ -257,7 +255,6 @@ def count_calls(folder):
 def parse_options():
     parser = argparse.ArgumentParser(usage=__doc__)
     parser.add_argument("--class", dest="kinds", action="append", choices=CLASSES)
-    parser.add_argument("--first", type=int, default=1)
     parser.add_argument("--stride", type=int, default=1)
     parser.add_argument("--errors", action="store_true")
     parser.add_argument("--on", action="store_true")
@@ -272,14 +269,12 @@ def main():
     folder = wine.SCRATCH / "sweep"
     counts = count_calls(folder / "count")
     faults, results = multiprocessing.Queue(), multiprocessing.Queue()
-    planned = plan(counts, options)
-    for fault in planned + [None] * options.jobs:
+    for fault in plan(counts, options) + [None] * options.jobs:
         faults.put(fault)
-    workers = [multiprocessing.Process(target=work, args=(folder / str(number), faults, results))
-               for number in range(options.jobs)]
-    for worker in workers:
-        worker.start()
-    table, busy, end = collections.defaultdict(collections.Counter), len(workers), time.monotonic() + (options.seconds or 1e9)
+    end = time.monotonic() + (options.seconds or 1e9)
+    for number in range(options.jobs):
+        multiprocessing.Process(target=work, args=(folder / str(number), faults, results, end)).start()
+    table, busy = collections.defaultdict(collections.Counter), options.jobs
     while busy:
         result = results.get()
         if result is None:
@@ -289,17 +284,14 @@ def main():
         table[fault.kind][outcome] += 1
         if problems:
             print(f"{fault}: {'; '.join(problems)}   {where}", flush=True)
-        while time.monotonic() > end and not faults.empty():
-            if faults.get() is None:
-                break
     return print_table(counts, table)
 
 
 def print_table(counts, table):
     columns = ("sent", "sent later", "lost as documented", "FAILED")
-    print(f"{'class':<12}{'calls':>8}{'runs':>8}" + "".join(f"{column:>20}" for column in columns))
+    print(f"{'class':<12}{'calls':>8}{'runs':>8}", *(f"{column:>18}" for column in columns))
     for kind, outcomes in sorted(table.items()):
-        print(f"{kind:<12}{counts[kind]:>8}{outcomes.total():>8}" + "".join(f"{outcomes[column]:>20}" for column in columns))
+        print(f"{kind:<12}{counts[kind]:>8}{outcomes.total():>8}", *(f"{outcomes[column]:>18}" for column in columns))
     failed = sum(outcomes["FAILED"] for outcomes in table.values())
     print(f"{sum(outcomes.total() for outcomes in table.values())} runs, {failed} failed")
     return 1 if failed else 0

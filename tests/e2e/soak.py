@@ -64,7 +64,8 @@ def main(count):
             with concurrent.futures.ThreadPoolExecutor(AGENTS) as pool:
                 kills = sum(pool.map(soak, sites, (names[number::AGENTS] for number in range(AGENTS))))
             uploads = store.uploads()
-            arrived = collections.Counter(read_package(store.get("soak", key)).header["Key"] for key in store.keys("soak"))
+            arrived = collections.Counter(read_package(store.get("soak", key)).header["Key"]
+                                          for key in store.keys("soak"))
     finally:
         wine.stop_prefix()
     lost, twice = set(names) - set(arrived), [name for name, keys in arrived.items() if keys > 1]
