@@ -11,6 +11,8 @@ from wine import wait_until
 
 FAILED = "Failed to put stream in S3 bucket"
 WRONG_ETAG = "MD5 of stream received by S3 doesn't match the MD5 we computed locally"
+SKEWED = "RequestTimeTooSkewed"
+NO_ANSWER = "Failed to receive HTTP response: 12152"
 REQUEST_TIMEOUT = 30
 
 FAULTS = [
@@ -22,11 +24,14 @@ FAULTS = [
 ]
 
 
-def run_until_failed(site, error=FAILED):
+def run_until_failed(site, error=FAILED, reason=None):
     with site.start_with_game() as beside:
-        wait_until(lambda: beside.agent.stderr, 30, "a failure")
+        beside.agent.wait_for(" Failed to upload package in folder ", 30)
         assert beside.quit() == 0
     assert_failed(beside.agent, 1, error)
+    said = beside.agent.stderr.decode()
+    assert (f" Upload stopped at: {reason}\r\n" in said) if reason else ("stopped at" not in said), said
+    assert SECRET_KEY not in said
 
 
 def assert_failed(agent, count, error=FAILED):
@@ -49,20 +54,28 @@ def test_a_failing_store_keeps_the_package(site, store, bucket, fault):
     write_small(site.dumps, "kept")
     store.set_faults(fault)
     # Wine takes what came of a head for all of it, half an ETag included. Either error keeps the package.
-    run_until_failed(site, WRONG_ETAG if fault["kind"] in ("bad-etag", "cut") else FAILED)
+    if fault["kind"] in ("bad-etag", "cut"):
+        run_until_failed(site, WRONG_ETAG)
+    else:
+        refused = fault.get("status") and f"Store refused the object: {fault['status']} {fault.get('code', SKEWED)}"
+        run_until_failed(site, FAILED, refused or NO_ANSWER)
     (upload,) = store.uploads()  # no second attempt within a run
     assert upload["status"] == fault.get("status", upload["status"])
     assert_later_run_sends(site, store, bucket, 1)
 
 
-@pytest.mark.parametrize("key, value", [
-    ("SecretKey", SECRET_KEY + "x"), ("BucketName", "no-such-bucket"), ("Region", "eu-west-1"),
-    ("EndpointOverride", "http://127.0.0.1:9"), ("EndpointOverride", "http://no-such-host.invalid")])
-def test_a_wrong_setting_keeps_the_package(site, store, bucket, key, value):
+@pytest.mark.parametrize("key, value, reason", [
+    ("SecretKey", SECRET_KEY + "x", "Store refused the object: 403 SignatureDoesNotMatch"),
+    ("BucketName", "no-such-bucket", "Store refused the object: 404 NoSuchBucket"),
+    ("Region", "eu-west-1", "Store refused the object: 400 AuthorizationHeaderMalformed"),
+    ("Region", "", "Region is not valid"),
+    ("EndpointOverride", "http://127.0.0.1:9", "Failed to send HTTP request: 12029"),
+    ("EndpointOverride", "http://no-such-host.invalid", "Failed to send HTTP request: 12007")])
+def test_a_wrong_setting_keeps_the_package(site, store, bucket, key, value, reason):
     right = site.configuration["Uploader"].get(key, "us-east-1")
     site.configuration["Uploader"][key] = value
     write_small(site.dumps, "kept")
-    run_until_failed(site)
+    run_until_failed(site, FAILED, reason)
     site.configuration["Uploader"][key] = right
     assert_later_run_sends(site, store, bucket, 1)
 
@@ -76,7 +89,7 @@ def test_a_silent_store_fails_within_the_request_timeout(site, store, bucket):
     with site.start_with_game() as beside:
         wait_until(lambda: len(store.uploads()) == 4, 20, "four uploads")
         start = time.time()
-        wait_until(lambda: beside.agent.stderr.count(b"\n") == 4, REQUEST_TIMEOUT + 10, "four failures")
+        wait_until(lambda: beside.agent.stderr.count(b" Failed to upload ") == 4, REQUEST_TIMEOUT + 10, "four failures")
         assert REQUEST_TIMEOUT - 2 <= time.time() - start <= REQUEST_TIMEOUT + 1.5
         assert beside.quit() == 0
     assert_failed(beside.agent, 4)

@@ -15,6 +15,7 @@
 #include "Libs/Processes/Cloud/src/AwsSdkTransport.h"
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
+#include "Libs/Processes/Cloud/src/S3Upload.h"
 
 namespace {
 
@@ -101,7 +102,11 @@ ResultCode AwsSdkObjectStore::PutObject(const PutObjectRequest& request, std::st
 
     const auto outcome = client.PutObject(put);
     if (!outcome.IsSuccess()) {
-        return "Store refused the object";
+        const auto& error = outcome.GetError();
+        const int status = static_cast<int>(error.GetResponseCode());
+        const std::string answer = "<Code>" + std::string(error.GetExceptionName().c_str()) + "</Code>";
+        return status > 0 ? LoggedStep("Store refused the object", static_cast<uint32_t>(status), answer)
+                          : LoggedStep("Failed to reach the store", 0, answer);
     }
     const Aws::String& tag = outcome.GetResult().GetETag();
     eTag.assign(tag.data(), tag.size());

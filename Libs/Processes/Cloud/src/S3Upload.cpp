@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 namespace {
 
@@ -50,6 +51,26 @@ ResultCode RequestForPackage(Platform::ByteSource& package, PutObjectRequest& re
 
 int64_t AnnouncedLength(uint64_t packageSize) {
     return static_cast<int32_t>(static_cast<uint32_t>(packageSize)); // deliberately narrowed, see the header
+}
+
+ResultCode LoggedStep(ResultCode step, uint32_t number, std::string_view answer) {
+    const std::string code(S3ErrorCode(answer));
+    const std::string why = number != 0 ? ": " + std::to_string(number) : "";
+    PLATFORM_LOG(Platform::ErrorLog, " Upload stopped at: %s%s%s%s", step.Text(), why.c_str(),
+                 code.empty() ? "" : " ", code.c_str());
+    return step;
+}
+
+std::string_view S3ErrorCode(std::string_view answer) {
+    constexpr std::string_view Before = "<Code>";
+    const std::size_t start = answer.find(Before);
+    const std::size_t end = answer.find("</Code>");
+    if (start == std::string_view::npos || end == std::string_view::npos || end < start) {
+        return {};
+    }
+    const std::string_view code = answer.substr(start + Before.size(), end - start - Before.size());
+    const auto isLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+    return code.size() <= 64 && std::ranges::all_of(code, isLetter) ? code : std::string_view();
 }
 
 std::string Base64Encode(std::span<const uint8_t> bytes) {

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <string_view>
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
@@ -22,6 +23,14 @@ ResultCode RequestForPackage(Platform::ByteSource& package, PutObjectRequest& re
 // The length that a request announces: taken as a signed 32-bit number. Packages are far below 2 GiB; a
 // larger one is announced wrongly and taken by no store.
 [[nodiscard]] int64_t AnnouncedLength(uint64_t packageSize);
+
+// Logs why an upload failed, for the clients: the step, the system's or HTTP's number, 0 for none, and S3's
+// code if the beginning of the store's answer has one. Returns the step.
+ResultCode LoggedStep(ResultCode step, uint32_t number, std::string_view answer);
+
+// The code of an error answer, such as SignatureDoesNotMatch. Empty if there is none of 1 to 64 letters:
+// nothing else of what a store says is shown.
+[[nodiscard]] std::string_view S3ErrorCode(std::string_view answer);
 
 // With padding, without line breaks.
 [[nodiscard]] std::string Base64Encode(std::span<const uint8_t> bytes);

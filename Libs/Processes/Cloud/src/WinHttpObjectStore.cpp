@@ -11,11 +11,12 @@
 #include <winhttp.h>
 
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
+#include "Libs/Processes/Cloud/src/S3Upload.h"
 #include "Libs/Processes/Cloud/src/SigV4.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Handle.h"
 
 // The client of builds without the AWS SDK: signed requests over the system's own HTTP and certificates. Logs
-// neither secrets nor answers.
+// no secrets, and of an answer its number and code alone.
 
 namespace {
 
@@ -25,16 +26,19 @@ bool CloseWinHttp(void* handle) {
 using WinHttpHandle = Platform::Handle<CloseWinHttp>;
 
 constexpr std::size_t LargestPiece = std::size_t{64} << 10;
+constexpr std::size_t LargestErrorAnswer = std::size_t{4} << 10;
+constexpr DWORD ErrorAnswerTime = 1000; // milliseconds, for an upload that has failed already
 
 // What WinHTTP's callback touches. Shared with it, since a step that was given up can end after the request
 // is gone.
 struct StepState {
     Platform::KernelHandle ended{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
-    std::atomic<bool> failed = false;
-    std::vector<uint8_t> piece; // WinHTTP reads it until the step ends
+    std::atomic<DWORD> error = ERROR_SUCCESS;
+    std::atomic<DWORD> bytesRead = 0;
+    std::vector<uint8_t> piece; // WinHTTP reads or fills it until the step ends
 
-    void End(bool hasFailed) {
-        failed = hasFailed;
+    void End(DWORD stepError) {
+        error = stepError;
         SetEvent(ended.Get());
     }
 };
@@ -43,7 +47,7 @@ struct StepState {
 using StepContext = std::shared_ptr<StepState>;
 
 // On a thread of WinHTTP.
-void CALLBACK OnNotice(HINTERNET, DWORD_PTR contextValue, DWORD status, void*, DWORD) {
+void CALLBACK OnNotice(HINTERNET, DWORD_PTR contextValue, DWORD status, void* information, DWORD length) {
     // WinHTTP carries pointers as integers. NOLINTNEXTLINE(performance-no-int-to-ptr)
     auto* const context = reinterpret_cast<StepContext*>(contextValue);
     if (!context) {
@@ -53,10 +57,14 @@ void CALLBACK OnNotice(HINTERNET, DWORD_PTR contextValue, DWORD status, void*, D
     case WINHTTP_CALLBACK_STATUS_SENDREQUEST_COMPLETE:
     case WINHTTP_CALLBACK_STATUS_WRITE_COMPLETE:
     case WINHTTP_CALLBACK_STATUS_HEADERS_AVAILABLE:
-        (*context)->End(false);
+        (*context)->End(ERROR_SUCCESS);
+        break;
+    case WINHTTP_CALLBACK_STATUS_READ_COMPLETE:
+        (*context)->bytesRead = length;
+        (*context)->End(ERROR_SUCCESS);
         break;
     case WINHTTP_CALLBACK_STATUS_REQUEST_ERROR:
-        (*context)->End(true);
+        (*context)->End(static_cast<const WINHTTP_ASYNC_RESULT*>(information)->dwError);
         break;
     case WINHTTP_CALLBACK_STATUS_HANDLE_CLOSING:
         delete context;
@@ -93,19 +101,27 @@ public:
     // Does not read the answer's body. A missing or unreasonable ETag is empty.
     ResultCode Receive(uint32_t& status, std::string& eTag);
 
+    // The beginning of the body after Receive, as far as it comes soon.
+    std::string ReadErrorAnswer();
+
+    // The system's number of the last step that failed; 0 if none has.
+    DWORD Error() const { return m_error; }
+
 private:
     enum class Outcome { Done, Failed, TimedOut };
 
     bool OpenSession();
     bool SetTimeouts(void* handle) const;
     bool Attach(WinHttpHandle request);
-    Outcome Wait(bool isStarted);
+    Outcome Wait(bool isStarted) { return Wait(isStarted, m_requestTimeoutMs); }
+    Outcome Wait(bool isStarted, DWORD limitMs);
     std::string QueryETag() const;
 
     const uint32_t m_connectTimeoutMs;
     const uint32_t m_requestTimeoutMs;
     StepContext m_step;
     DWORD_PTR m_context = 0; // WinHTTP's share of m_step, as the callback gets it
+    DWORD m_error = ERROR_SUCCESS;
     WinHttpHandle m_session;
     WinHttpHandle m_connection;
     WinHttpHandle m_request; // destroyed first
@@ -177,15 +193,18 @@ bool WinHttpPut::Attach(WinHttpHandle request) {
 }
 
 // isStarted: whether WinHTTP took the step; it gives no notice of one that it refused.
-WinHttpPut::Outcome WinHttpPut::Wait(bool isStarted) {
+WinHttpPut::Outcome WinHttpPut::Wait(bool isStarted, DWORD limitMs) {
     if (!isStarted) {
+        m_error = GetLastError();
         return Outcome::Failed;
     }
-    if (WaitForSingleObject(m_step->ended.Get(), m_requestTimeoutMs) != WAIT_OBJECT_0) {
+    if (WaitForSingleObject(m_step->ended.Get(), limitMs) != WAIT_OBJECT_0) {
         static_cast<void>(m_request.Close()); // on Windows this also ends the step
+        m_error = ERROR_WINHTTP_TIMEOUT;
         return Outcome::TimedOut;
     }
-    return m_step->failed ? Outcome::Failed : Outcome::Done;
+    m_error = m_step->error;
+    return m_error != ERROR_SUCCESS ? Outcome::Failed : Outcome::Done;
 }
 
 ResultCode WinHttpPut::Send(const std::vector<SigV4::Header>& headers, Platform::ByteSource& body) {
@@ -234,6 +253,23 @@ ResultCode WinHttpPut::Receive(uint32_t& status, std::string& eTag) {
     return Platform::Success;
 }
 
+std::string WinHttpPut::ReadErrorAnswer() {
+    const uint64_t end = GetTickCount64() + ErrorAnswerTime;
+    std::string answer;
+    for (uint64_t now = GetTickCount64(); now < end && answer.size() < LargestErrorAnswer;
+         now = GetTickCount64()) {
+        std::vector<uint8_t>& piece = m_step->piece;
+        piece.resize(LargestErrorAnswer - answer.size());
+        if (Wait(WinHttpReadData(m_request.Get(), piece.data(), static_cast<DWORD>(piece.size()), nullptr),
+                 static_cast<DWORD>(end - now)) != Outcome::Done ||
+            m_step->bytesRead == 0) {
+            break;
+        }
+        answer.append(piece.begin(), piece.begin() + m_step->bytesRead);
+    }
+    return answer;
+}
+
 std::string WinHttpPut::QueryETag() const {
     wchar_t text[256]; // a longer tag is no MD5
     DWORD size = sizeof(text);
@@ -278,18 +314,22 @@ ResultCode WinHttpObjectStore::PutObject(const PutObjectRequest& request, std::s
         return "Announced length is not the length of the body"; // no store takes it
     }
     S3Endpoint endpoint;
-    RETURN_IF_FAILED(ResolveS3Endpoint(m_config, endpoint));
     SigV4::Request signedPut;
-    RETURN_IF_FAILED(MakeSignedPut(request, endpoint, signedPut));
-
     WinHttpPut put(m_config.connectTimeoutMs, m_config.requestTimeoutMs);
     uint32_t status = 0;
     std::string tag;
-    RETURN_IF_FAILED(put.Open(endpoint, signedPut.path));
-    RETURN_IF_FAILED(put.Send(signedPut.headers, *request.body));
-    RETURN_IF_FAILED(put.Receive(status, tag));
+    const ResultCode result = [&]() -> ResultCode {
+        RETURN_IF_FAILED(ResolveS3Endpoint(m_config, endpoint));
+        RETURN_IF_FAILED(MakeSignedPut(request, endpoint, signedPut));
+        RETURN_IF_FAILED(put.Open(endpoint, signedPut.path));
+        RETURN_IF_FAILED(put.Send(signedPut.headers, *request.body));
+        return put.Receive(status, tag);
+    }();
+    if (!result) {
+        return LoggedStep(result, put.Error(), {});
+    }
     if (status < 200 || status > 299) {
-        return "Store refused the object";
+        return LoggedStep("Store refused the object", status, put.ReadErrorAnswer());
     }
     eTag = std::move(tag);
     return Platform::Success;

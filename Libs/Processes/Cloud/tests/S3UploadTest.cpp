@@ -43,6 +43,14 @@ TEST(S3Upload, OnlyTheQuotedDigestConfirms) {
     EXPECT_EQ(Put(Tag, "The bucket is on fire"), "Failed to put stream in S3 bucket");
 }
 
+TEST(S3Upload, OfAnAnswerOnlyTheCodesLettersAreShown) {
+    EXPECT_EQ(S3ErrorCode("<Error><Code>SlowDown</Code><Message>x"), "SlowDown");
+    for (const char* answer :
+         {"", "SlowDown", "<Code>", "<Code>Slow", "<Code>a\x1B[2J</Code>", "<Code>SK=1</Code>"}) {
+        EXPECT_EQ(S3ErrorCode(answer), "") << answer;
+    }
+}
+
 TEST(S3Upload, LengthsAreAnnouncedAsSigned32Bits) {
     EXPECT_EQ(AnnouncedLength(2147483647), 2147483647);
     EXPECT_EQ(AnnouncedLength(2147483648), -2147483648LL);
