@@ -71,6 +71,25 @@ def test_the_application_folder_lies_in_the_documents(idle):
         assert code == 0 and folder.rstrip("\\").endswith("\\Documents\\" + last), agent.text
 
 
+def test_the_log_file_goes_on_from_run_to_run(idle):
+    app = idle.folder / "app"
+    log, older = app / "agent.log", app / "agent.log.old"
+    idle.configuration["Application"]["LogFile"] = "agent.log"
+    said = []
+    for size in (None, (1 << 20) - 100):  # the second run fills the file
+        if size:
+            log.write_bytes(log.read_bytes().ljust(size, b"."))
+        with idle.start() as agent:
+            assert agent.wait() == 0 and agent.stderr == b""
+        said.append(agent.stdout)
+    assert older.read_bytes().startswith(said[0]) and older.stat().st_size <= 1 << 20
+    assert (older.read_bytes() + log.read_bytes()).endswith(said[1]) and log.stat().st_size > 500
+    log.unlink()
+    log.mkdir()  # can't be written
+    with idle.start() as agent:
+        assert agent.wait() == 0 and agent.stderr.count(b"\r\n") == agent.stderr.count(b" Failed to write the log file ") == 1
+
+
 # A launcher makes pipes for the outputs and never reads them, or only late.
 
 def test_an_output_that_nobody_reads_holds_nobody(site, store, bucket):

@@ -13,7 +13,8 @@ Reflection_DefineType(ApplicationConfig,
                       Reflection_Field(processes, "Processes", Reflection::OptionalAttribute()),
                       Reflection_Field(components, "Components", Reflection::OptionalAttribute()),
                       Reflection_Field(applicationFolder, "ApplicationFolder",
-                                       Reflection::OptionalAttribute()));
+                                       Reflection::OptionalAttribute()),
+                      Reflection_Field(logFile, "LogFile", Reflection::OptionalAttribute()));
 
 namespace {
 

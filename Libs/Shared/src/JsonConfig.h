@@ -16,6 +16,7 @@ struct ApplicationConfig {
     std::map<std::string, std::vector<std::string>> processes; // maker name to the instance names to make
     std::vector<std::string> components; // maker names, each the component's own name too
     std::string applicationFolder;       // name under the user's Documents folder
+    std::string logFile;                 // name in the log folder; empty for none
 };
 Reflection_DeclareType(ApplicationConfig);
 

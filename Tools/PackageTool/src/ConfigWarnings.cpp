@@ -84,6 +84,9 @@ void CheckWarnings(const JsonDocument& document, const ConfigSections& sections,
         warn(application->value["ApplicationFolder"],
              "ApplicationFolder is a name in the user's Documents folder, no path");
     }
+    if (HasPath(sections.application.logFile)) {
+        warn(application->value["LogFile"], "LogFile is a name in the log folder, no path");
+    }
     for (const auto& [name, monitor] : sections.monitors) {
         const JsonValue& watched = monitor.At("WatchedApplications");
         WarnOfElements(watched, nullptr, HasPath, " has a path: give the file's name alone", warn);

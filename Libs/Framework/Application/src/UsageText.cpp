@@ -16,7 +16,7 @@ constexpr char Options[] =
     "\r\n"
     "-config=FILE\tthe configuration; else the program's path with .json appended\r\n"
     "-appFolder=FOLDER\tthe application folder; else the configured one in Documents\r\n"
-    "-log=FOLDER\tthe log folder; else the application folder\r\n"
+    "-log=FOLDER\tfolder of the configured LogFile; else the application folder\r\n"
     "-console\topens a console with the log; Q in it ends the program if it has a Shutdowner\r\n"
     "-process=NAME\tone more game to watch; may be repeated\r\n"
     "-help, -version\tthis text, or its first line\r\n";

@@ -6,6 +6,7 @@
 
 #include "Libs/Framework/Core/src/ApplicationFolders.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
+#include "Libs/Framework/Core/src/LogFile.h"
 #include "Libs/Framework/Core/src/Thread.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
@@ -87,6 +88,7 @@ ResultCode ApplicationBase::PrepareFolders(int argc, const char** argv) {
     m_logFolder = ResolveLogFolder(argc, argv, m_applicationFolder);
     PLATFORM_LOG(Platform::InfoLog, " Using log folder: %s", m_logFolder.c_str());
     RETURN_IF_FAILED(CreateMissingFolder(m_logFolder));
+    LogFile::OfProcess().Open(m_config.logFile.empty() ? "" : m_logFolder + '\\' + m_config.logFile);
     return SetLogRootFolder(m_logFolder);
 }
 

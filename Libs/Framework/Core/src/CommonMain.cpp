@@ -8,6 +8,7 @@
 #include "Libs/Framework/Core/src/ApplicationFolders.h"
 #include "Libs/Framework/Core/src/CommandLine.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
+#include "Libs/Framework/Core/src/LogFile.h"
 #include "Libs/Framework/Core/src/OutputQueue.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
@@ -31,11 +32,14 @@ Outputs& TheOutputs() {
 void PrintEntry(const wchar_t* logName, const char* data, uint32_t length, int) {
     Outputs& outputs = TheOutputs();
     const bool isError = logName && std::wcscmp(logName, Platform::ErrorLog) == 0;
-    outputs.queue.Write(isError ? outputs.error : outputs.standard, {data, strnlen(data, length)});
+    const std::string_view text(data, strnlen(data, length));
+    outputs.queue.Write(isError ? outputs.error : outputs.standard, text);
+    LogFile::OfProcess().Write(text);
 }
 
 void PrintRecord(const char* record, std::size_t length) {
     TheOutputs().queue.Write(TheOutputs().error, {record, length});
+    LogFile::OfProcess().Write({record, length});
 }
 
 // Prints every log entry while it lives: entries of the error log to standard error, the others to standard
