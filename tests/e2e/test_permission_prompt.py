@@ -1,4 +1,5 @@
 """The question to the player, on a real desktop: read as a person reads it, answered with real keys and clicks."""
+import re
 import time
 from contextlib import contextmanager
 
@@ -93,6 +94,7 @@ def test_asks_once_a_run(site, store, bucket, display, key, sent):
         write_small(site.dumps, "three")
         agent.agent.wait_for("Packaged folder three")
         check_outcome(site, agent, store, bucket, sent)
+    assert re.findall(r" The player (\w+)", agent.agent.text) == ["agreed" if sent else "refused"]
 
 
 def test_nothing_leaves_before_yes(site, store, bucket, display):

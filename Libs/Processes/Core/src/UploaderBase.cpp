@@ -56,6 +56,7 @@ void UploaderBase::Collect(IWatcher& watcher) {
 UploadPermission UploaderBase::AskPermission() {
     UploadPermission answer = UploadPermission::Refused;
     ApplicationBase* const application = GetApplication();
+    PLATFORM_LOG(Platform::InfoLog, " Asking the player whether crash reports may be sent");
     const ResultCode asked =
         application ? application->AskUploadPermission(answer) : ResultCode("No application to ask");
     if (!asked) {
@@ -63,7 +64,12 @@ UploadPermission UploaderBase::AskPermission() {
                      asked.Text());
         return UploadPermission::Refused;
     }
-    return answer == UploadPermission::Allowed ? answer : UploadPermission::Refused;
+    const bool isAllowed = answer == UploadPermission::Allowed;
+    PLATFORM_LOG(Platform::InfoLog, " The player %s",
+                 !isAllowed          ? "refused: the crash reports of this run are deleted unsent"
+                 : IsStopRequested() ? "agreed too late: the crash reports stay for the next run"
+                                     : "agreed: crash reports are sent");
+    return isAllowed ? answer : UploadPermission::Refused;
 }
 
 void UploaderBase::StartUploads() {
