@@ -13,6 +13,7 @@ import pytest
 import submissions
 from agent import Site
 from package_reader import read_package
+from store.client import SECRET_KEY
 from wine import BIN, ROOT, Program, windows_path
 
 TOOL = Path(os.environ.get("MORVANE_NATIVE_BIN", ROOT / "build" / "native" / "bin")).resolve() / "PackageTool"
@@ -166,6 +167,17 @@ def test_check_config_passes_the_documented_example(scratch):
     assert lines and all(line.endswith(" is a placeholder of the template") for line in lines), lines
     typo = 'Unknown key "Sentinel", did you mean "SentinelFile"?'
     assert typo in run("check-config", "-", stdin=example.replace('"SentinelFile"', '"Sentinel"').encode(), expect=PROBLEMS)[0]
+
+
+def test_check_config_tries_the_store(site, store, bucket):
+    """With the Windows program, which has the agent's client."""
+    for key, code, said in ((SECRET_KEY, GOOD, ": stored "),
+                            ("wrong", PROBLEMS, "Store refused the object: 403 SignatureDoesNotMatch")):
+        site.configuration["Uploader"]["SecretKey"] = key
+        with Program(BIN / "PackageTool.exe", "check-config", "--connect", windows_path(site.write_configuration())) as tool:
+            assert tool.wait() == code and said in tool.text and key not in tool.text.replace(said, ""), tool.text
+    (key,) = store.keys(bucket)
+    assert key == hashlib.md5(store.get(bucket, key)).hexdigest()
 
 
 def test_schema_is_the_committed_one_and_a_full_disk_is_noticed():

@@ -18,7 +18,7 @@ constexpr std::array Commands = {
     CommandRule{"verify", true, "--json --limit "},
     CommandRule{"unpack", true, "--json --limit --to --force --stored "},
     CommandRule{"pack", true, "--to --force --config --packager "},
-    CommandRule{"check-config", true, "--json "},
+    CommandRule{"check-config", true, "--json --connect "},
     CommandRule{"config-schema", false, ""},
 };
 
@@ -59,6 +59,7 @@ private:
         for (const auto& [flag, place] : {std::pair{"--json", &m_arguments.json},
                                           {"--force", &m_arguments.force},
                                           {"--stored", &m_arguments.stored},
+                                          {"--connect", &m_arguments.connect},
                                           {"--help", &m_arguments.help},
                                           {"-h", &m_arguments.help},
                                           {"--version", &m_arguments.version}}) {
@@ -112,6 +113,9 @@ private:
         }
         if (std::count(m_arguments.files.begin(), m_arguments.files.end(), "-") > 1) {
             return Fail("standard input can be read only once");
+        }
+        if (m_arguments.json && m_arguments.connect) {
+            return Fail("--connect prints lines for people, no --json");
         }
         if (!m_arguments.packager.empty() && m_arguments.config.empty()) {
             return Fail("--packager names a section of a configuration: it needs --config FILE");

@@ -13,6 +13,7 @@ struct Arguments {
     bool json = false;
     bool force = false;
     bool stored = false;
+    bool connect = false;
     std::string to;
     std::string config;
     std::string packager;

@@ -1,11 +1,13 @@
 #include "Tools/PackageTool/src/ConfigCheck.h"
 
+#include <algorithm>
 #include <map>
 
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 #include "Tools/PackageTool/src/ConfigPartners.h"
 #include "Tools/PackageTool/src/ConfigSections.h"
 #include "Tools/PackageTool/src/ConfigWarnings.h"
+#include "Tools/PackageTool/src/ConnectCheck.h"
 
 // The records of --json.
 struct ReportedConfigProblem {
@@ -101,6 +103,7 @@ std::vector<ConfigProblem> CheckConfig(std::string_view text) {
 ExitCode RunCheckConfig(const Arguments& arguments) {
     ExitCode code = ExitCode::Good;
     ReportedConfigs reports;
+    std::vector<std::vector<uint8_t>> texts;
     for (const std::string& file : arguments.files) {
         std::vector<uint8_t> bytes;
         std::string reason;
@@ -110,6 +113,7 @@ ExitCode RunCheckConfig(const Arguments& arguments) {
             continue;
         }
         reports.files.push_back(Check(file, bytes));
+        texts.push_back(std::move(bytes));
         for (const ReportedConfigProblem& problem : reports.files.back().problems) {
             Raise(code, problem.isWarning ? ExitCode::OnlyWarnings : ExitCode::ProblemsFound);
         }
@@ -118,8 +122,13 @@ ExitCode RunCheckConfig(const Arguments& arguments) {
         Console::PrintJson(reports);
         return code;
     }
-    for (const ReportedConfig& report : reports.files) {
+    for (std::size_t i = 0; i < texts.size(); ++i) {
+        const ReportedConfig& report = reports.files[i];
         Console::Print(Lines(report));
+        if (arguments.connect && std::ranges::all_of(report.problems, &ReportedConfigProblem::isWarning)) {
+            Raise(code, TryUploaders(report.file,
+                                     {reinterpret_cast<const char*>(texts[i].data()), texts[i].size()}));
+        }
     }
     return code;
 }

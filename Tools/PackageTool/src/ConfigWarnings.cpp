@@ -75,54 +75,71 @@ bool HasPath(const std::string& name) {
     return name.find_first_of("\\/:") != std::string::npos;
 }
 
+void WarnOfPaths(const JsonValue& document, const ApplicationConfig& application, const ConfigReport& warn) {
+    const auto section = document.FindMember("Application");
+    if (HasPath(application.applicationFolder)) {
+        warn(section->value["ApplicationFolder"],
+             "ApplicationFolder is a name in the user's Documents folder, no path");
+    }
+    if (HasPath(application.logFile)) {
+        warn(section->value["LogFile"], "LogFile is a name in the log folder, no path");
+    }
+}
+
+void WarnOfMonitor(const ConfigSection<ProcessMonitorConfig>& monitor, const ConfigReport& warn) {
+    const JsonValue& watched = monitor.At("WatchedApplications");
+    const auto hasNoEnding = [](const std::string& game) {
+        return !game.empty() && !String::LowerAscii(game).ends_with(".exe");
+    };
+    WarnOfElements(watched, nullptr, HasPath, " has a path: give the file's name alone", warn);
+    WarnOfElements(watched, nullptr, hasNoEnding, " matches no program: it does not end in .exe", warn);
+}
+
+void WarnOfPackager(const ConfigSection<PackagerConfig>& packager, const ConfigReport& warn) {
+    const auto isPattern = [](const std::string& ending) { return ending.find('*') != std::string::npos; };
+    WarnOfElements(packager.At("AttachmentLimits"), "Extension", isPattern,
+                   " matches no file: it is an ending such as .log, no pattern", warn);
+}
+
+void WarnOfWatcher(const ConfigSection<WatcherConfig>& watcher, const ConfigReport& warn) {
+    const std::string& file = watcher.config.sentinelFile;
+    for (const char* const usual : {HeaderFile::Name, DefaultName::Package}) {
+        if (file != usual && String::LowerAscii(file) == usual) {
+            warn(watcher.At("SentinelFile"),
+                 Quoted(file) + " differs from " + Quoted(usual) + " in letter case");
+        }
+    }
+}
+
+void WarnOfUploader(const ConfigSection<UploaderS3Config>& uploader, const ConfigReport& warn) {
+    const std::string& region = uploader.config.region;
+    if (uploader.config.endpointOverride.empty() && !LooksLikeRegion(region)) {
+        warn(uploader.At("Region"), Quoted(region) + " is no region of Amazon's, such as us-east-1");
+    }
+}
+
+void WarnOfQuota(const ConfigSection<DiskQuotaConfig>& quota, const ConfigReport& warn) {
+    if (quota.config.dumpsQuota == 0) {
+        warn(quota.At("DumpsQuota"), "A quota of 0 deletes every submission before it is packaged");
+    }
+    if (quota.config.packagedQuota == 0) {
+        warn(quota.At("PackagedQuota"), "A quota of 0 deletes every package before it is sent");
+    }
+}
+
 } // namespace
 
 void CheckWarnings(const JsonDocument& document, const ConfigSections& sections, const ConfigReport& warn) {
     WarnOfTexts(document, warn);
-    const auto application = document.FindMember("Application");
-    if (HasPath(sections.application.applicationFolder)) {
-        warn(application->value["ApplicationFolder"],
-             "ApplicationFolder is a name in the user's Documents folder, no path");
-    }
-    if (HasPath(sections.application.logFile)) {
-        warn(application->value["LogFile"], "LogFile is a name in the log folder, no path");
-    }
-    for (const auto& [name, monitor] : sections.monitors) {
-        const JsonValue& watched = monitor.At("WatchedApplications");
-        WarnOfElements(watched, nullptr, HasPath, " has a path: give the file's name alone", warn);
-        const auto hasNoEnding = [](const std::string& game) {
-            return !game.empty() && !String::LowerAscii(game).ends_with(".exe");
-        };
-        WarnOfElements(watched, nullptr, hasNoEnding, " matches no program: it does not end in .exe", warn);
-    }
-    for (const auto& [name, packager] : sections.packagers) {
-        const auto isPattern = [](const std::string& ending) {
-            return ending.find('*') != std::string::npos;
-        };
-        WarnOfElements(packager.At("AttachmentLimits"), "Extension", isPattern,
-                       " matches no file: it is an ending such as .log, no pattern", warn);
-    }
-    for (const auto& [name, watcher] : sections.watchers) {
-        const std::string& file = watcher.config.sentinelFile;
-        for (const char* const usual : {HeaderFile::Name, DefaultName::Package}) {
-            if (file != usual && String::LowerAscii(file) == usual) {
-                warn(watcher.At("SentinelFile"),
-                     Quoted(file) + " differs from " + Quoted(usual) + " in letter case");
-            }
+    WarnOfPaths(document, sections.application, warn);
+    const auto each = [&warn](const auto& sectionsOfClass, auto warnOfOne) {
+        for (const auto& [name, section] : sectionsOfClass) {
+            warnOfOne(section, warn);
         }
-    }
-    for (const auto& [name, uploader] : sections.uploaders) {
-        if (uploader.config.endpointOverride.empty() && !LooksLikeRegion(uploader.config.region)) {
-            warn(uploader.At("Region"),
-                 Quoted(uploader.config.region) + " is no region of Amazon's, such as us-east-1");
-        }
-    }
-    for (const auto& [name, quota] : sections.quotas) {
-        if (quota.config.dumpsQuota == 0) {
-            warn(quota.At("DumpsQuota"), "A quota of 0 deletes every submission before it is packaged");
-        }
-        if (quota.config.packagedQuota == 0) {
-            warn(quota.At("PackagedQuota"), "A quota of 0 deletes every package before it is sent");
-        }
-    }
+    };
+    each(sections.monitors, WarnOfMonitor);
+    each(sections.packagers, WarnOfPackager);
+    each(sections.watchers, WarnOfWatcher);
+    each(sections.uploaders, WarnOfUploader);
+    each(sections.quotas, WarnOfQuota);
 }

@@ -21,7 +21,7 @@ usage: PackageTool list FILE... [--json] [--limit SIZE]
        PackageTool verify FILE... [--json] [--limit SIZE]
        PackageTool unpack FILE... --to FOLDER [--force] [--stored] [--json] [--limit SIZE]
        PackageTool pack FOLDER... --to FOLDER [--force] [--config FILE [--packager NAME]]
-       PackageTool check-config FILE... [--json]
+       PackageTool check-config FILE... [--json] [--connect]
        PackageTool config-schema
 
 list           what a package holds: the header's main fields and a row for each file
@@ -32,6 +32,7 @@ check-config   every problem of a configuration with its line and column, and wh
 config-schema  the configuration's JSON schema, for editors
 
 FILE           "-" is standard input
+--connect      then store one tiny object with each uploader's settings and say which answer came
 --config FILE  pack with the limits, blacklist and source of the packager NAME ("Packager") there
 --force        replace existing files, each once the new one is complete
 --json         one JSON object on standard output
