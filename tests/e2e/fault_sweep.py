@@ -134,6 +134,9 @@ class Run:
                      f"-appFolder={windows_path(self.site.folder / 'app')}", variables=variables) as program:
             program.wait(LONGEST_RUN + 20)
         text = program.text
+        if text.startswith("not started"):  # a busy Wine may fail to
+            self._start(fault)
+            return
         self.log += text
         calls = report.read_text() if report.exists() else ""  # a crash leaves none
         self.counts = self.counts or {name: int(count) for name, count in re.findall(r"^(\w+) (\d+)$", calls, re.M)}

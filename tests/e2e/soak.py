@@ -72,8 +72,9 @@ def main(count):
     rests = [path for site in sites for path in site.left_on_disk()]
     failed = sum(upload["status"] != 200 for upload in uploads)
     print(f"{count} submissions, {kills} kills, {len(uploads)} uploads, {failed} of them without success, "
-          f"{time.monotonic() - start:.0f} s: {len(lost)} lost, {len(twice)} twice, {len(rests)} left on disk")
-    return 1 if lost or twice or rests else 0
+          f"{time.monotonic() - start:.0f} s: {len(lost)} lost, {len(twice)} twice, "
+          f"{len(rests)} rests of sent ones, which DiskQuota would delete")
+    return 1 if lost or twice or not all(site.all_sent() for site in sites) else 0
 
 
 if __name__ == "__main__":
