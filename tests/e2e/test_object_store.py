@@ -17,7 +17,7 @@ from store.client import ACCESS_KEY, SECRET_KEY
 TIMEOUT = 1.5  # seconds for a request
 NATIVE_BIN = Path(os.environ.get("MORVANE_NATIVE_BIN", wine.ROOT / "build" / "native" / "bin"))
 NATIVE_PROBE = NATIVE_BIN / "ObjectStoreProbe"
-LINE = re.compile(r'result="(.*)" etag=\[(.*)\] ms=(\d+)')
+LINE = re.compile(r'result="(.*)" etag=\[(.*)\] status=(\d+) retry-after=(\d+) ms=(\d+)')
 
 
 class Probe:
@@ -32,20 +32,20 @@ class Probe:
                            "requestTimeout": int(TIMEOUT * 1000)}
 
     def put(self, body, **arguments):
-        """(succeeded, ETag, seconds)"""
+        """(succeeded, ETag, status, seconds of Retry-After, seconds that it took)"""
         self._file.write_bytes(body)
         path = wine.windows_path(self._file) if self._windows else self._file
         arguments = {**self._arguments, "file": path, **arguments}
         run = subprocess.run([*self._command, *(f"{name}={value}" for name, value in arguments.items())],
                              env=wine.environment(), capture_output=True, text=True, timeout=50, check=False)
-        [(text, tag, ms)] = LINE.findall(run.stdout)
+        [(text, tag, status, retry_after, ms)] = LINE.findall(run.stdout)
         assert run.returncode == (0 if text == "OK" else 1), run.stdout + run.stderr
         assert SECRET_KEY not in run.stdout + run.stderr
-        return text == "OK", tag, int(ms) / 1000
+        return text == "OK", tag, int(status), int(retry_after), int(ms) / 1000
 
     def fails(self, body, **arguments):
         """The seconds until the upload failed."""
-        done, _, seconds = self.put(body, **arguments)
+        done, *_, seconds = self.put(body, **arguments)
         assert not done
         return seconds
 
@@ -118,10 +118,10 @@ def test_connecting_ends_with_its_own_timeout(probe):
 
 
 @pytest.mark.parametrize("answer, expected", [
-    (b'HTTP/1.1 200 OK\r\nETag: "a-B"\r\nContent-Length: 0\r\n\r\n', (True, '"a-B"')),
-    (b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n", (True, "")),
-    (b'HTTP/1.1 401 No\r\nWWW-Authenticate: NTLM\r\nETag: "a"\r\nContent-Length: 0\r\n\r\n', (False, "")),
-    (b"", (False, "")),
+    (b'HTTP/1.1 200 OK\r\nETag: "a-B"\r\nContent-Length: 0\r\n\r\n', (True, '"a-B"', 200, 0)),
+    (b"HTTP/1.1 200 OK\r\nContent-Length: 0\r\n\r\n", (True, "", 200, 0)),
+    (b'HTTP/1.1 401 No\r\nWWW-Authenticate: NTLM\r\nRetry-After: 7\r\nContent-Length: 0\r\n\r\n', (False, "", 401, 7)),
+    (b"", (False, "", 0, 0)),
 ], ids=["tag", "no-tag", "password-asked", "nothing"])
 def test_answers(probe, answer, expected):
     heads = []
@@ -131,7 +131,7 @@ def test_answers(probe, answer, expected):
         connection.sendall(answer)
 
     with serving(answering) as port:
-        assert probe.put(b"hello", endpoint=f"http://127.0.0.1:{port}")[:2] == expected
+        assert probe.put(b"hello", endpoint=f"http://127.0.0.1:{port}")[:4] == expected
     assert len(heads) == 1 and "NTLM" not in heads[0]
     head = heads[0].lower()  # over http the signature covers the body
     assert f"x-amz-content-sha256: {hashlib.sha256(b'hello').hexdigest()}" in head

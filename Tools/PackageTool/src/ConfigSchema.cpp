@@ -39,19 +39,7 @@ public:
     JsonValue Record(const TypeDescriptor& type, const JsonValue* defaults) {
         JsonValue properties(rapidjson::kObjectType);
         JsonValue required(rapidjson::kArrayType);
-        for (const Reflection::FieldDescriptor& field : type.fields) {
-            JsonValue schema = Of(*field.type);
-            const char* const name = field.name.Text();
-            if (!Reflection::FindAttribute(field.attributes,
-                                           String::GlobalID(Reflection::AttributeName::Optional))) {
-                Append(required, Text(name));
-            } else if (const auto value =
-                           defaults ? defaults->FindMember(name) : JsonValue::ConstMemberIterator();
-                       defaults && value != defaults->MemberEnd()) {
-                Add(schema, "default", JsonValue(value->value, m_allocator));
-            }
-            Add(properties, name, std::move(schema));
-        }
+        AddFields(type, defaults, properties, required);
         JsonValue schema = TypeNamed("object");
         Add(schema, "properties", std::move(properties));
         if (!required.Empty()) {
@@ -71,6 +59,27 @@ public:
     }
 
 private:
+    // With those of its base.
+    void AddFields(const TypeDescriptor& type, const JsonValue* defaults, JsonValue& properties,
+                   JsonValue& required) {
+        if (type.base) {
+            AddFields(*type.base, defaults, properties, required);
+        }
+        for (const Reflection::FieldDescriptor& field : type.fields) {
+            JsonValue schema = Of(*field.type);
+            const char* const name = field.name.Text();
+            if (!Reflection::FindAttribute(field.attributes,
+                                           String::GlobalID(Reflection::AttributeName::Optional))) {
+                Append(required, Text(name));
+            } else if (const auto value =
+                           defaults ? defaults->FindMember(name) : JsonValue::ConstMemberIterator();
+                       defaults && value != defaults->MemberEnd()) {
+                Add(schema, "default", JsonValue(value->value, m_allocator));
+            }
+            Add(properties, name, std::move(schema));
+        }
+    }
+
     JsonValue Of(const TypeDescriptor& type) {
         switch (type.kind) {
         case TypeKind::Record:

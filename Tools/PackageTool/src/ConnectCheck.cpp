@@ -2,7 +2,6 @@
 
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
 #include "Libs/Processes/Cloud/src/S3Upload.h"
-#include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
 #include "Tools/PackageTool/src/ConfigSections.h"
 
 namespace {
@@ -16,11 +15,12 @@ ExitCode TryUploader(const std::string& where, const UploaderS3Config& config) {
     store.requestTimeoutMs = 30000;
     const std::span bytes(reinterpret_cast<const uint8_t*>(Object.data()), Object.size());
     Platform::MemorySource source(bytes);
-    const ResultCode result = PutPackage(*CreateObjectStore(store), source);
-    Console::Print(where +
-                   (result ? "stored " + Crypto::MD5OfBytes(bytes) + " in bucket " + config.bucketName
-                           : std::string(result.Text())) +
-                   "\n");
+    UploadAnswer answer;
+    const ResultCode result = PutPackage(*CreateObjectStore(store), source, config.verifyETag, answer);
+    Console::Print(
+        where +
+        (result ? "stored " + answer.key + " in bucket " + config.bucketName : std::string(result.Text())) +
+        "\n");
     return result ? ExitCode::Good : ExitCode::ProblemsFound;
 }
 

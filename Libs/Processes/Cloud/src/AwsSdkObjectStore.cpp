@@ -61,7 +61,7 @@ class AwsSdkObjectStore : public IObjectStore {
 public:
     explicit AwsSdkObjectStore(ObjectStoreConfig config) : m_config(std::move(config)) {}
 
-    ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) override;
+    ResultCode PutObject(const PutObjectRequest& request, PutAnswer& answer) override;
 
 private:
     Aws::Client::ClientConfiguration ClientConfiguration() const;
@@ -82,7 +82,23 @@ Aws::Client::ClientConfiguration AwsSdkObjectStore::ClientConfiguration() const 
     return configuration;
 }
 
-ResultCode AwsSdkObjectStore::PutObject(const PutObjectRequest& request, std::string& eTag) {
+// Gives the failure's step.
+ResultCode Refusal(const Aws::S3::S3Error& error, PutAnswer& answer) {
+    const int status = static_cast<int>(error.GetResponseCode());
+    const std::string code = "<Code>" + std::string(error.GetExceptionName().c_str()) + "</Code>";
+    if (status <= 0) {
+        return LoggedStep("Failed to reach the store", 0, code);
+    }
+    answer.httpStatus = static_cast<uint32_t>(status);
+    const auto& headers = error.GetResponseHeaders();
+    if (const auto retryAfter = headers.find("retry-after"); retryAfter != headers.end()) {
+        answer.retryAfterSeconds = RetryAfterSeconds(retryAfter->second.c_str());
+    }
+    return LoggedStep("Store refused the object", answer.httpStatus, code);
+}
+
+ResultCode AwsSdkObjectStore::PutObject(const PutObjectRequest& request, PutAnswer& answer) {
+    answer = {};
     // Refuses the same configurations, and puts the same buckets into the path, as our own client.
     S3Endpoint endpoint;
     RETURN_IF_FAILED(ResolveS3Endpoint(m_config, endpoint));
@@ -102,14 +118,11 @@ ResultCode AwsSdkObjectStore::PutObject(const PutObjectRequest& request, std::st
 
     const auto outcome = client.PutObject(put);
     if (!outcome.IsSuccess()) {
-        const auto& error = outcome.GetError();
-        const int status = static_cast<int>(error.GetResponseCode());
-        const std::string answer = "<Code>" + std::string(error.GetExceptionName().c_str()) + "</Code>";
-        return status > 0 ? LoggedStep("Store refused the object", static_cast<uint32_t>(status), answer)
-                          : LoggedStep("Failed to reach the store", 0, answer);
+        return Refusal(outcome.GetError(), answer);
     }
     const Aws::String& tag = outcome.GetResult().GetETag();
-    eTag.assign(tag.data(), tag.size());
+    answer.eTag.assign(tag.data(), tag.size());
+    answer.httpStatus = 200; // or another 2xx: the SDK does not say
     return Platform::Success;
 }
 

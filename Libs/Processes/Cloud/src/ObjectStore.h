@@ -28,6 +28,13 @@ struct PutObjectRequest {
     Platform::ByteSource* body = nullptr; // never null in a call; read in pieces, perhaps more than once
 };
 
+// What a store has said to a PUT, also to one that it refused.
+struct PutAnswer {
+    std::string eTag;               // unchanged, with its quotes; empty if there was none
+    uint32_t httpStatus = 0;        // 0: no answer
+    uint32_t retryAfterSeconds = 0; // as it asked to be left alone; 0: it did not ask
+};
+
 // A client of one bucket. Lives for one upload, on the upload's thread. Clients share nothing but the
 // process-wide state between InitializeObjectStores and ShutdownObjectStores.
 class IObjectStore {
@@ -35,9 +42,8 @@ public:
     virtual ~IObjectStore() = default;
 
     // One attempt, which blocks until the store has answered or a timeout has passed; redirections are not
-    // followed. Any answer but success is a failure. After success eTag is the store's tag unchanged, with
-    // its quotes; empty if there was none. May throw std::bad_alloc.
-    virtual ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) = 0;
+    // followed. Any answer but success is a failure. May throw std::bad_alloc.
+    virtual ResultCode PutObject(const PutObjectRequest& request, PutAnswer& answer) = 0;
 };
 
 // Never null; a configuration that can't be used fails in PutObject. The build decides which implementation

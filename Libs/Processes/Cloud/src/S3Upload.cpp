@@ -1,6 +1,9 @@
 #include "Libs/Processes/Cloud/src/S3Upload.h"
 
 #include <algorithm>
+#include <charconv>
+#include <limits>
+#include <system_error>
 #include <utility>
 
 #include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
@@ -19,20 +22,29 @@ ResultCode Digest(Platform::ByteSource& package, Crypto::MD5& md5) {
 
 } // namespace
 
-ResultCode PutPackage(IObjectStore& store, Platform::ByteSource& package) {
+ResultCode PutPackage(IObjectStore& store, Platform::ByteSource& package, bool verifyETag,
+                      UploadAnswer& answer) {
     static constexpr char NotPut[] = "Failed to put stream in S3 bucket";
     if (!std::cmp_equal(AnnouncedLength(package.GetSize()), package.GetSize())) {
         return NotPut;
     }
     PutObjectRequest request;
-    std::string eTag;
-    if (!RequestForPackage(package, request) || !store.PutObject(request, eTag)) {
+    if (!RequestForPackage(package, request)) {
         return NotPut;
+    }
+    PutAnswer put;
+    const ResultCode result = store.PutObject(request, put);
+    answer = {request.key, put.httpStatus, put.retryAfterSeconds};
+    if (!result) {
+        return NotPut;
+    }
+    if (!verifyETag) { // the store has taken the body by its Content-MD5
+        return Platform::Success;
     }
     // Hashed again, so that the check covers the bytes as they are after sending. A tag that is unquoted, in
     // upper case or of several parts ("...-2") comes from a store that hashed something else.
     Crypto::MD5 sent;
-    if (!Digest(package, sent) || eTag != "\"" + Crypto::ToHex(sent.Digest()) + "\"") {
+    if (!Digest(package, sent) || put.eTag != "\"" + Crypto::ToHex(sent.Digest()) + "\"") {
         return "MD5 of stream received by S3 doesn't match the MD5 we computed locally";
     }
     return Platform::Success;
@@ -59,6 +71,16 @@ ResultCode LoggedStep(ResultCode step, uint32_t number, std::string_view answer)
     PLATFORM_LOG(Platform::ErrorLog, " Upload stopped at: %s%s%s%s", step.Text(), why.c_str(),
                  code.empty() ? "" : " ", code.c_str());
     return step;
+}
+
+uint32_t RetryAfterSeconds(std::string_view value) {
+    uint32_t seconds = 0;
+    const char* const end = value.data() + value.size();
+    const auto [rest, error] = std::from_chars(value.data(), end, seconds);
+    if (rest != end || error == std::errc::invalid_argument) {
+        return 0;
+    }
+    return error == std::errc() ? seconds : std::numeric_limits<uint32_t>::max();
 }
 
 std::string_view S3ErrorCode(std::string_view answer) {

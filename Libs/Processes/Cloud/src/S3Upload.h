@@ -6,15 +6,17 @@
 #include <string_view>
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
+#include "Libs/Processes/Core/src/UploadAnswer.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // What every client of the store does alike: how a package is named and announced, and how the answer is
 // judged. Any thread; no state. All may throw std::bad_alloc.
 
-// Sends the whole package in one request and checks the answer against the bytes that were sent. The same
-// bytes sent again land under the same key. After a failure the object may be in the bucket nevertheless. A
-// package of 2 GiB or more fails before anything is done.
-ResultCode PutPackage(IObjectStore& store, Platform::ByteSource& package);
+// Sends the whole package in one request and checks the answer's ETag against the bytes that were sent,
+// unless verifyETag is false. The same bytes sent again land under the same key. After a failure the object
+// may be in the bucket nevertheless. A package of 2 GiB or more fails before anything is done.
+ResultCode PutPackage(IObjectStore& store, Platform::ByteSource& package, bool verifyETag,
+                      UploadAnswer& answer);
 
 // The key is the package's MD5 in 32 lower-case digits, so that the content is its address. Fails if the
 // package can't be read.
@@ -27,6 +29,10 @@ ResultCode RequestForPackage(Platform::ByteSource& package, PutObjectRequest& re
 // Logs why an upload failed, for the clients: the step, the system's or HTTP's number, 0 for none, and S3's
 // code if the beginning of the store's answer has one. Returns the step.
 ResultCode LoggedStep(ResultCode step, uint32_t number, std::string_view answer);
+
+// Of a Retry-After header: 0 unless it is a number of seconds. The form with a date is not obeyed, since the
+// player's clock may be wrong.
+[[nodiscard]] uint32_t RetryAfterSeconds(std::string_view value);
 
 // The code of an error answer, such as SignatureDoesNotMatch. Empty if there is none of 1 to 64 letters:
 // nothing else of what a store says is shown.

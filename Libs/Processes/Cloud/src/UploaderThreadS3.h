@@ -13,8 +13,9 @@ public:
     UploaderThreadS3(UploadPermission permission, const std::string& folder, const UploaderS3Config& config);
     ~UploaderThreadS3() override;
 
-    ResultCode UploadPackage(Platform::ByteSource& package) override;
+    ResultCode UploadPackage(Platform::ByteSource& package, UploadAnswer& answer) override;
 
 private:
+    const bool m_verifyETag;
     ObjectStoreConfig m_store; // constant after construction
 };

@@ -99,7 +99,7 @@ public:
     ResultCode Send(const std::vector<SigV4::Header>& headers, Platform::ByteSource& body);
 
     // Does not read the answer's body. A missing or unreasonable ETag is empty.
-    ResultCode Receive(uint32_t& status, std::string& eTag);
+    ResultCode Receive(PutAnswer& answer);
 
     // The beginning of the body after Receive, as far as it comes soon.
     std::string ReadErrorAnswer();
@@ -115,7 +115,7 @@ private:
     bool Attach(WinHttpHandle request);
     Outcome Wait(bool isStarted) { return Wait(isStarted, m_requestTimeoutMs); }
     Outcome Wait(bool isStarted, DWORD limitMs);
-    std::string QueryETag() const;
+    std::string QueryText(DWORD header) const;
 
     const uint32_t m_connectTimeoutMs;
     const uint32_t m_requestTimeoutMs;
@@ -238,7 +238,7 @@ ResultCode WinHttpPut::Send(const std::vector<SigV4::Header>& headers, Platform:
     return Platform::Success;
 }
 
-ResultCode WinHttpPut::Receive(uint32_t& status, std::string& eTag) {
+ResultCode WinHttpPut::Receive(PutAnswer& answer) {
     if (Wait(WinHttpReceiveResponse(m_request.Get(), nullptr)) != Outcome::Done) {
         return "Failed to receive HTTP response";
     }
@@ -248,8 +248,7 @@ ResultCode WinHttpPut::Receive(uint32_t& status, std::string& eTag) {
                              WINHTTP_HEADER_NAME_BY_INDEX, &number, &size, WINHTTP_NO_HEADER_INDEX)) {
         return "HTTP response has no status";
     }
-    status = number;
-    eTag = QueryETag();
+    answer = {QueryText(WINHTTP_QUERY_ETAG), number, RetryAfterSeconds(QueryText(WINHTTP_QUERY_RETRY_AFTER))};
     return Platform::Success;
 }
 
@@ -270,21 +269,21 @@ std::string WinHttpPut::ReadErrorAnswer() {
     return answer;
 }
 
-std::string WinHttpPut::QueryETag() const {
-    wchar_t text[256]; // a longer tag is no MD5
+std::string WinHttpPut::QueryText(DWORD header) const {
+    wchar_t text[256]; // what is longer is no MD5 and no number
     DWORD size = sizeof(text);
-    if (!WinHttpQueryHeaders(m_request.Get(), WINHTTP_QUERY_ETAG, WINHTTP_HEADER_NAME_BY_INDEX, text, &size,
+    if (!WinHttpQueryHeaders(m_request.Get(), header, WINHTTP_HEADER_NAME_BY_INDEX, text, &size,
                              WINHTTP_NO_HEADER_INDEX)) {
         return {};
     }
-    std::string eTag;
+    std::string narrow;
     for (const wchar_t c : std::wstring_view(text, size / sizeof(wchar_t))) {
         if (c < ' ' || c > '~') {
             return {};
         }
-        eTag += static_cast<char>(c);
+        narrow += static_cast<char>(c);
     }
-    return eTag;
+    return narrow;
 }
 
 std::string CurrentTimestamp() {
@@ -300,7 +299,7 @@ class WinHttpObjectStore : public IObjectStore {
 public:
     explicit WinHttpObjectStore(ObjectStoreConfig config) : m_config(std::move(config)) {}
 
-    ResultCode PutObject(const PutObjectRequest& request, std::string& eTag) override;
+    ResultCode PutObject(const PutObjectRequest& request, PutAnswer& answer) override;
 
 private:
     ResultCode MakeSignedPut(const PutObjectRequest& request, const S3Endpoint& endpoint,
@@ -309,29 +308,27 @@ private:
     const ObjectStoreConfig m_config;
 };
 
-ResultCode WinHttpObjectStore::PutObject(const PutObjectRequest& request, std::string& eTag) {
+ResultCode WinHttpObjectStore::PutObject(const PutObjectRequest& request, PutAnswer& answer) {
+    answer = {};
     if (!std::cmp_equal(request.contentLength, request.body->GetSize())) {
         return "Announced length is not the length of the body"; // no store takes it
     }
     S3Endpoint endpoint;
     SigV4::Request signedPut;
     WinHttpPut put(m_config.connectTimeoutMs, m_config.requestTimeoutMs);
-    uint32_t status = 0;
-    std::string tag;
     const ResultCode result = [&]() -> ResultCode {
         RETURN_IF_FAILED(ResolveS3Endpoint(m_config, endpoint));
         RETURN_IF_FAILED(MakeSignedPut(request, endpoint, signedPut));
         RETURN_IF_FAILED(put.Open(endpoint, signedPut.path));
         RETURN_IF_FAILED(put.Send(signedPut.headers, *request.body));
-        return put.Receive(status, tag);
+        return put.Receive(answer);
     }();
     if (!result) {
         return LoggedStep(result, put.Error(), {});
     }
-    if (status < 200 || status > 299) {
-        return LoggedStep("Store refused the object", status, put.ReadErrorAnswer());
+    if (answer.httpStatus < 200 || answer.httpStatus > 299) {
+        return LoggedStep("Store refused the object", answer.httpStatus, put.ReadErrorAnswer());
     }
-    eTag = std::move(tag);
     return Platform::Success;
 }
 

@@ -5,7 +5,8 @@
 //       [region=NAME] [pathStyle=1] [connectTimeout=MS] [key=TEXT] [md5=BASE64] [length=BYTES]
 //
 // Without key, md5 and length the request is the agent's for a package. Prints
-// result="OK" etag=["5d41402abc4b2a76b9719d911017c592"] ms=12 . Exit code: 0 if all succeeded.
+// result="OK" etag=["5d41402abc4b2a76b9719d911017c592"] status=200 retry-after=0 ms=12 . Exit code: 0 if all
+// succeeded.
 #include <chrono>
 #include <cstdio>
 #include <fstream>
@@ -33,10 +34,12 @@ bool PutOne(const ObjectStoreConfig& config, PutObjectRequest request, std::span
     request.body = &body;
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
-    std::string eTag;
-    const ResultCode result = CreateObjectStore(config)->PutObject(request, eTag);
+    PutAnswer answer;
+    const ResultCode result = CreateObjectStore(config)->PutObject(request, answer);
     const std::chrono::duration<double, std::milli> elapsed = Clock::now() - start;
-    std::printf("result=\"%s\" etag=[%s] ms=%.0f\n", result.Text(), eTag.c_str(), elapsed.count());
+    std::printf("result=\"%s\" etag=[%s] status=%u retry-after=%u ms=%.0f\n", result.Text(),
+                answer.eTag.c_str(), static_cast<unsigned>(answer.httpStatus),
+                static_cast<unsigned>(answer.retryAfterSeconds), elapsed.count());
     return result.Succeeded();
 }
 

@@ -36,14 +36,17 @@ Reflection_DefineType(ProcessMonitorConfig,
                       Reflection_Field(watchedApplications, "WatchedApplications"));
 
 Reflection_DefineType(
-    UploaderS3Config,
-    Reflection_Field(timeBetweenChecks, "TimeBetweenChecks", Reflection::OptionalAttribute()),
+    UploaderConfig, Reflection_Field(timeBetweenChecks, "TimeBetweenChecks", Reflection::OptionalAttribute()),
     Reflection_Field(timeBetweenRetries, "TimeBetweenRetries", Reflection::OptionalAttribute()),
     Reflection_Field(watcherName, "WatcherName"),
     Reflection_Field(submissionFilename, "SubmissionFilename", Reflection::OptionalAttribute()),
-    Reflection_Field(bucketName, "BucketName"), Reflection_Field(accessKey, "AccessKey"),
-    Reflection_Field(secretKey, "SecretKey"),
     Reflection_Field(askPermission, "AskPermission", Reflection::OptionalAttribute()),
-    Reflection_Field(endpointOverride, "EndpointOverride", Reflection::OptionalAttribute()),
-    Reflection_Field(region, "Region", Reflection::OptionalAttribute()),
-    Reflection_Field(useVirtualAddressing, "UseVirtualAddressing", Reflection::OptionalAttribute()));
+    Reflection_Field(verifyETag, "VerifyETag", Reflection::OptionalAttribute()));
+
+Reflection_DefineType(UploaderS3Config, Reflection_Base(UploaderConfig),
+                      Reflection_Field(bucketName, "BucketName"), Reflection_Field(accessKey, "AccessKey"),
+                      Reflection_Field(secretKey, "SecretKey"),
+                      Reflection_Field(endpointOverride, "EndpointOverride", Reflection::OptionalAttribute()),
+                      Reflection_Field(region, "Region", Reflection::OptionalAttribute()),
+                      Reflection_Field(useVirtualAddressing, "UseVirtualAddressing",
+                                       Reflection::OptionalAttribute()));

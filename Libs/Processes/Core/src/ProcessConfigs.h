@@ -78,16 +78,22 @@ struct ProcessMonitorConfig {
 };
 Reflection_DeclareType(ProcessMonitorConfig);
 
-// The configuration file is the only place of the credentials.
-struct UploaderS3Config {
+// What the sections of all uploaders have.
+struct UploaderConfig {
     uint32_t timeBetweenChecks = 250;    // ms
     uint32_t timeBetweenRetries = 30000; // ms; recorded with each upload and used by none
     std::string watcherName;             // the process that finds the packages
     std::string submissionFilename;      // empty: "submission.pkg"
+    bool askPermission = false;
+    bool verifyETag = true; // false: for a store whose ETag is no MD5
+};
+Reflection_DeclareType(UploaderConfig);
+
+// The configuration file is the only place of the credentials.
+struct UploaderS3Config : UploaderConfig {
     std::string bucketName;
     std::string accessKey;
     std::string secretKey;
-    bool askPermission = false;
     std::string endpointOverride; // scheme, host and port of an S3-compatible store; empty: Amazon's
     std::string region = "us-east-1";
     bool useVirtualAddressing = true; // false: the bucket in the path, for stores without wildcard names

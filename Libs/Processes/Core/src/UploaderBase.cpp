@@ -16,6 +16,33 @@ void UploaderBase::SetAskPermission(bool ask) {
     m_permission = ask ? UploadPermission::NotAsked : UploadPermission::Allowed;
 }
 
+ResultCode UploaderBase::InitializeFrom(UploaderConfig& config) {
+    if (config.submissionFilename.empty()) {
+        config.submissionFilename = DefaultName::Package;
+    }
+    const ApplicationBase* const application = GetApplication();
+    m_watcherProcPtr = application ? application->GetProcess(config.watcherName) : nullptr;
+    if (!m_watcherProcPtr) {
+        return "No watcher process to provide submissions for uploader";
+    }
+    SetAskPermission(config.askPermission);
+    PLATFORM_LOG(
+        Platform::InfoLog,
+        " Uploader \"%s\" is uploading submissions with a file name of \"%s\" as gathered by watcher "
+        "\"%s\"",
+        GetName(), config.submissionFilename.c_str(), config.watcherName.c_str());
+    return Platform::Success;
+}
+
+void UploaderBase::AddAndStart(const std::shared_ptr<UploaderThreadBase>& upload) {
+    AddActiveUpload(upload);
+    if (const ResultCode result = upload->Start(); !result) {
+        PLATFORM_LOG(Platform::ErrorLog,
+                     " Failed to start upload thread for submission in folder %s. Error=%s",
+                     upload->GetFolder().c_str(), result.Text()); // the folder stays for a later run
+    }
+}
+
 void UploaderBase::AddActiveUpload(std::shared_ptr<UploaderThreadBase> upload) {
     AssertOnUploaderThread();
     m_activeUploads.push_back(std::move(upload));

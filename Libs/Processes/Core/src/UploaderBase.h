@@ -9,6 +9,7 @@
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Processes/Core/src/IWatcher.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Processes/Core/src/UploaderThreadBase.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
@@ -36,11 +37,15 @@ public:
     void SetAskPermission(bool ask);
 
 protected:
-    // Part of Initialize. The process must offer IWatcher.
-    void SetWatcher(std::shared_ptr<IApplicationProcess> watcher) { m_watcherProcPtr = std::move(watcher); }
+    // What all uploaders do with their section once it is read: completes it and finds the watcher. Part of
+    // Initialize.
+    ResultCode InitializeFrom(UploaderConfig& config);
 
     // Keeps an upload until its thread has ended; one that could not be started is dropped in the next round.
     void AddActiveUpload(std::shared_ptr<UploaderThreadBase> upload);
+
+    // For StartUploadThread: adds and starts it. A failure to start is logged.
+    void AddAndStart(const std::shared_ptr<UploaderThreadBase>& upload);
 
 private:
     void Collect(IWatcher& watcher);

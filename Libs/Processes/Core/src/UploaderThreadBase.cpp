@@ -68,7 +68,8 @@ ResultCode UploaderThreadBase::UploadFolder() {
             return notLoaded("Failed to read package file of invalid size");
         }
         const auto start = std::chrono::steady_clock::now();
-        const ResultCode uploaded = UploadPackage(package);
+        UploadAnswer answer;
+        const ResultCode uploaded = UploadPackage(package, answer);
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         if (package.HasFailed()) {
             return notLoaded("Failed to read package file");

@@ -6,6 +6,7 @@
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/Thread.h"
+#include "Libs/Processes/Core/src/UploadAnswer.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
@@ -26,7 +27,8 @@ public:
 
     // Sends the whole package to the store. Called at most once, on the upload's own thread. Nobody can write
     // to the package meanwhile. A success means that the store has confirmed it: the folder is deleted then.
-    virtual ResultCode UploadPackage(Platform::ByteSource& package) = 0;
+    // answer is filled as far as it is known, also after a failure.
+    virtual ResultCode UploadPackage(Platform::ByteSource& package, UploadAnswer& answer) = 0;
 
     // Starts the thread; once.
     ResultCode Start();
