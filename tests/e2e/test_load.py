@@ -21,7 +21,7 @@ def test_a_thousand_submissions_arrive(site, store, bucket):
     assert sorted(read_package(store.get(bucket, key)).header["Key"] for key in store.keys(bucket)) == names
     uploads = store.uploads()
     assert len(uploads) == COUNT, "one request each"
-    assert max(upload["in_flight"] for upload in uploads) == 4
+    assert 1 < max(upload["in_flight"] for upload in uploads) <= 4
     assert beside.agent.stderr == b""
     assert site.left_on_disk() == []
 

@@ -88,7 +88,7 @@ bool DiskQuota::ThreadMain() {
 }
 
 void DiskQuota::CheckDumps() {
-    if (!MustScan(m_dumps)) {
+    if (!m_dumps.changes.NeedPass(m_dumps.folder)) {
         return;
     }
     Records records;
@@ -97,23 +97,15 @@ void DiskQuota::CheckDumps() {
     const bool fits = EnforceQuota(records, m_dumps.quota);
     // What is not valid yet may be too old in the next pass.
     const bool isValid = std::ranges::all_of(records, &QuotaDecision::FolderRecord::valid);
-    m_dumps.isSettled = isWhole && isTidy && fits && isValid;
+    m_dumps.changes.EndPass(isWhole && isTidy && fits && isValid);
 }
 
 void DiskQuota::CheckPackaged() {
-    if (MustScan(m_packaged)) {
+    if (m_packaged.changes.NeedPass(m_packaged.folder)) {
         Records records;
         const bool isWhole = Scan(m_packaged, records);
-        m_packaged.isSettled = EnforceQuota(records, m_packaged.quota) && isWhole;
+        m_packaged.changes.EndPass(EnforceQuota(records, m_packaged.quota) && isWhole);
     }
-}
-
-bool DiskQuota::MustScan(Area& area) {
-    if (!area.changes.Any(area.folder) && area.isSettled) {
-        return false;
-    }
-    area.isSettled = false; // until the pass has come through
-    return true;
 }
 
 bool DiskQuota::Scan(const Area& area, Records& records) {

@@ -32,7 +32,6 @@ private:
         std::string folder; // with a trailing separator; constant after Initialize, like the quota
         uint64_t quota = 0; // bytes
         Platform::FolderChanges changes;
-        bool isSettled = false; // without a change there is nothing to do
     };
 
     ResultCode ResolveFolder(const std::string& configured, const char* defaultName,
@@ -40,7 +39,6 @@ private:
     bool CreateFolder(const std::string& folder, const char* kind) const;
     void CheckDumps();
     void CheckPackaged();
-    static bool MustScan(Area& area);
     static bool Scan(const Area& area, Records& records);
 
     // Both return whether all that had to be removed is gone.

@@ -18,6 +18,7 @@ void FolderScan::Visit(const PlatformHelpers::PathInfo& entry, bool& keepGoing) 
         return;
     }
     if (!m_known.contains(entry.name)) {
+        m_isAllKnown = false;
         keepGoing = VisitUnknown(entry.name);
     }
     if (++m_visited % EntriesBetweenYields == 0) {

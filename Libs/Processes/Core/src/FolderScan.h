@@ -31,6 +31,9 @@ public:
     ResultCode Run();
     const std::vector<std::string>& GetNewNames() const { return m_newNames; }
 
+    // Whether the pass saw nothing but known folders. One that is not complete may be in the next pass.
+    bool IsAllKnown() const { return m_isAllKnown; }
+
     // Whether the folder's sentinel, or else the one with ".gz" added, is there and read-only.
     static bool IsComplete(const std::string& folder, const std::string& sentinelFile);
 
@@ -44,6 +47,7 @@ private:
     const WatcherConfig& m_config;
     const KnownFolders& m_known;
     std::vector<std::string> m_newNames;
+    bool m_isAllKnown = true;
     uint32_t m_visited = 0;
     int32_t m_accepted = 0;
 };

@@ -133,8 +133,11 @@ bool Watcher::ThreadMain() {
 
 ResultCode Watcher::ScanOnce() {
     FolderScan scan(m_config, m_known);
-    RETURN_IF_FAILED(scan.Run());
-    Accept(scan.GetNewNames());
+    if (m_changes.NeedPass(m_config.folder)) {
+        RETURN_IF_FAILED(scan.Run());
+        m_changes.EndPass(scan.IsAllKnown());
+    }
+    Accept(scan.GetNewNames()); // the metrics follow the consumer, too
     return Platform::Success;
 }
 

@@ -9,6 +9,7 @@
 #include "Libs/Processes/Core/src/FolderScan.h"
 #include "Libs/Processes/Core/src/IWatcher.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 
 // Scans one folder for complete submission folders and hands each to its consumer once. A folder is found on
 // the watcher's own thread, is known for the rest of the run, and is pending until a consumer takes it (any
@@ -47,6 +48,7 @@ private:
 
     // The watcher's thread alone, once it runs.
     KnownFolders m_known;
+    Platform::FolderChanges m_changes;
 
     std::mutex m_pendingLock;
     std::vector<TaskData> m_pending; // guarded by m_pendingLock

@@ -67,19 +67,26 @@ private:
     SystemError m_error = NoError;
 };
 
-// Spares the listing of a folder in which nothing happens. Windows only. One thread.
+// Spares the passes over a folder in which nothing happens. Windows only. One thread.
 class FolderChanges {
 public:
-    // Whether anything in the folder or below it came, went, was written or got other attributes since the
-    // last call. True if the system can't tell, and at least every 16th time: some network drives report
-    // nothing, and a program may put another folder in its place. The folder must be the same in each call.
-    bool Any(const std::string& folder) noexcept;
+    // True if the last pass left something to do, or if anything in the folder or below it came, went, was
+    // written or got other attributes since the last call. Also if the system can't tell, and at least every
+    // 16th time: some network drives report nothing, and a program may put another folder in its place. The
+    // folder must be the same in each call.
+    bool NeedPass(const std::string& folder) noexcept;
+
+    // A pass that does not come to this left something to do.
+    void EndPass(bool nothingLeft) { m_nothingLeft = nothingLeft; }
 
 private:
     static constexpr int MostQuietCalls = 15;
 
+    bool Any(const std::string& folder) noexcept;
+
     ChangeHandle m_notification;
     int m_quietCalls = 0; // in a row
+    bool m_nothingLeft = false;
 };
 
 } // namespace Platform

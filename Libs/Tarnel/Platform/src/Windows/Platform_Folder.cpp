@@ -210,6 +210,14 @@ bool CloseSearchHandle(NativeHandle handle) {
 }
 
 // Asks for the next change before the caller lists the folder: no change falls between the two.
+bool FolderChanges::NeedPass(const std::string& folder) noexcept {
+    if (!Any(folder) && m_nothingLeft) {
+        return false;
+    }
+    m_nothingLeft = false;
+    return true;
+}
+
 bool FolderChanges::Any(const std::string& folder) noexcept {
     if (m_notification && WaitForSingleObject(m_notification.Get(), 0) == WAIT_OBJECT_0) {
         m_quietCalls = 0;
