@@ -1,24 +1,17 @@
 #pragma once
 
-#include <cstdint>
 #include <string>
-#include <string_view>
 
+#include "Libs/Processes/Cloud/src/HttpAddress.h"
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // Where the requests for one bucket go. Made of checked parts only, so that every field can be put into a
 // request line or a header as it is.
-struct S3Endpoint {
-    bool secure = true;
-    std::string host; // to connect to: a name, an IPv4 address or a bracketed IPv6 address
-    uint16_t port = 443;
+struct S3Endpoint : HttpServer {
     std::string bucketPath = "/"; // comes before the key: "/" or "/bucket/"
     bool bucketInHost = false;    // the bucket leads the host
-
-    // Host and port, "store.local:8080"; without the port if it is the scheme's default.
-    std::string HostHeader() const;
 };
 
 // Where an uploader sends, and as whom. Timeouts are the caller's.
@@ -32,6 +25,3 @@ ObjectStoreConfig StoreOf(const UploaderS3Config& config);
 // because a certificate's wildcard covers one label only, and the host must be a name. Otherwise it leads the
 // path.
 ResultCode ResolveS3Endpoint(const ObjectStoreConfig& config, S3Endpoint& endpoint);
-
-// Lower-case letters, digits and inner hyphens; 1 to 63 of them.
-[[nodiscard]] bool IsDnsLabel(std::string_view text);

@@ -74,21 +74,21 @@ std::string CanonicalValue(std::string_view value) {
     return text;
 }
 
-std::vector<Header> CanonicalHeaders(const std::vector<Header>& headers) {
-    std::vector<Header> canonical;
+std::vector<HttpHeader> CanonicalHeaders(const std::vector<HttpHeader>& headers) {
+    std::vector<HttpHeader> canonical;
     canonical.reserve(headers.size());
-    for (const Header& header : headers) {
+    for (const HttpHeader& header : headers) {
         canonical.push_back({String::LowerAscii(header.name), CanonicalValue(header.value)});
     }
     std::sort(canonical.begin(), canonical.end(),
-              [](const Header& left, const Header& right) { return left.name < right.name; });
+              [](const HttpHeader& left, const HttpHeader& right) { return left.name < right.name; });
     return canonical;
 }
 
 // "host;x-amz-date"
-std::string SignedNames(const std::vector<Header>& canonical) {
+std::string SignedNames(const std::vector<HttpHeader>& canonical) {
     std::string names;
-    for (const Header& header : canonical) {
+    for (const HttpHeader& header : canonical) {
         names += (names.empty() ? "" : ";") + header.name;
     }
     return names;
@@ -102,9 +102,9 @@ std::string ScopeText(const Scope& scope) {
     return DayOf(scope) + "/" + scope.region + "/" + scope.service + "/aws4_request";
 }
 
-std::string CanonicalRequest(const Request& request, const std::vector<Header>& canonicalHeaders) {
+std::string CanonicalRequest(const Request& request, const std::vector<HttpHeader>& canonicalHeaders) {
     std::string text = request.method + "\n" + request.path + "\n" + request.query + "\n";
-    for (const Header& header : canonicalHeaders) {
+    for (const HttpHeader& header : canonicalHeaders) {
         text += header.name + ":" + header.value + "\n";
     }
     return text + "\n" + SignedNames(canonicalHeaders) + "\n" + request.payloadHash;
@@ -159,7 +159,7 @@ std::optional<std::string> HashOf(Platform::ByteSource& bytes) {
 
 std::optional<std::string> Authorization(const Request& request, const Credentials& credentials,
                                          const Scope& scope) {
-    const std::vector<Header> headers = CanonicalHeaders(request.headers);
+    const std::vector<HttpHeader> headers = CanonicalHeaders(request.headers);
     const std::string canonicalRequest = CanonicalRequest(request, headers);
     Platform::MemorySource requestBytes(BytesOf(canonicalRequest));
     const auto requestHash = HashOf(requestBytes);

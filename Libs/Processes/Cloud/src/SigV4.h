@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Libs/Processes/Cloud/src/HttpAddress.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 
 // Signature Version 4: proves to the store that a request comes from the holder of the secret key and was not
@@ -16,17 +17,12 @@ namespace SigV4 {
 // The x-amz-content-sha256 of a body that only the transport protects.
 inline constexpr char UnsignedPayload[] = "UNSIGNED-PAYLOAD";
 
-struct Header {
-    std::string name;
-    std::string value;
-};
-
 struct Request {
     std::string method;
-    std::string path;            // as sent: percent-encoded, with the leading slash
-    std::string query;           // as signed: encoded, sorted, each key with its "="
-    std::vector<Header> headers; // all are signed; each name once, in any order and case
-    std::string payloadHash;     // HashOf the body, or UnsignedPayload
+    std::string path;                // as sent: percent-encoded, with the leading slash
+    std::string query;               // as signed: encoded, sorted, each key with its "="
+    std::vector<HttpHeader> headers; // all are signed; each name once, in any order and case
+    std::string payloadHash;         // HashOf the body, or UnsignedPayload
 };
 
 struct Credentials {

@@ -17,8 +17,8 @@ TEST(SigV4, PathsAreEncodedOnceAndKeepTheirSlashes) {
 // Two worked examples of Amazon's S3 documentation, then get-utf8 and get-header-value-trim of the test
 // suite.
 TEST(SigV4, MatchesPublishedSignatures) {
-    const SigV4::Header s3Host = {"Host", "examplebucket.s3.amazonaws.com"};
-    const SigV4::Header s3Date = {"x-amz-date", "20130524T000000Z"};
+    const HttpHeader s3Host = {"Host", "examplebucket.s3.amazonaws.com"};
+    const HttpHeader s3Date = {"x-amz-date", "20130524T000000Z"};
     const SigV4::Request put = {"PUT",
                                 "/test%24file.text",
                                 "",
@@ -30,8 +30,8 @@ TEST(SigV4, MatchesPublishedSignatures) {
                                 PutHash};
     const SigV4::Request list = {
         "GET", "/", "max-keys=2&prefix=J", {s3Host, s3Date, {"x-amz-content-sha256", EmptyHash}}, EmptyHash};
-    const SigV4::Header host = {"Host", "example.amazonaws.com"};
-    const SigV4::Header date = {"X-Amz-Date", "20150830T123600Z"};
+    const HttpHeader host = {"Host", "example.amazonaws.com"};
+    const HttpHeader date = {"X-Amz-Date", "20150830T123600Z"};
     const SigV4::Request utf8 = {"GET", SigV4::EncodePath("/\xe1\x88\xb4"), "", {host, date}, EmptyHash};
     const SigV4::Request trim = {
         "GET", "/", "", {host, {"My-Header1", " value1"}, {"My-Header2", " \"a   b   c\""}, date}, EmptyHash};

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <cstddef>
 #include <string>
 #include <string_view>
 
@@ -16,6 +18,19 @@ inline std::string LowerAscii(std::string_view text) {
         c = LowerAscii(c);
     }
     return lower;
+}
+
+constexpr bool IsDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+constexpr bool IsAlphanumeric(char c) {
+    return IsDigit(c) || (LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z');
+}
+
+// Whether the text has 1 to longest characters, all of them accepted.
+template <class Accepts>
+bool AllOf(std::string_view text, std::size_t longest, Accepts accepts) {
+    return !text.empty() && text.size() <= longest && std::ranges::all_of(text, accepts);
 }
 
 } // namespace String
