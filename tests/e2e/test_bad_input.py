@@ -15,22 +15,36 @@ def text_of(**changes):
     return json.dumps(header(**changes)).encode()
 
 
+COMPLETE = len(text_of())
+
+
+def column(part):
+    return text_of().index(part.encode()) + 1
+
+
+# The file, the result's text, and where and why if the file is there to be read.
 BAD_HEADERS = {
-    "empty": (b"", "Invalid header of size 0 in dump folder!"),
-    "cut": (text_of()[:-1], PARSE),
-    "objects": (b'{"Catalog":' * BRACKETS, PARSE),
-    "unterminated": (b'{"Host":"' + b"x" * 30_000_000, PARSE),
-    "encoding": (text_of(Host="?").replace(b"?", b"\xc3\x28"), PARSE),
-    "no source of that name": (text_of(Source="MARTIAN"), PARSE),
-    "text for number": (text_of(Changelist="7"), PARSE),
-    **{f"no {key}": (json.dumps({name: value for name, value in header().items() if name != key}).encode(), PARSE)
+    "empty": (b"", "Invalid header of size 0 in dump folder!", None),
+    "cut": (text_of()[:-1], PARSE, f"line 1, column {COMPLETE}: Missing a comma or '}}' after an object member."),
+    "objects": (b'{"Catalog":' * BRACKETS, PARSE, f"line 1, column {11 * BRACKETS + 1}: Invalid value."),
+    "unterminated": (b'{"Host":"' + b"x" * 30_000_000, PARSE, "line 1, column 30000010: Missing a closing quotation mark in string."),
+    "encoding": (text_of(Host="?").replace(b"?", b"\xc3\x28"), PARSE, "line 1, column 11: Invalid encoding in string."),
+    "wide": (text_of().decode().encode("utf-16"), PARSE, "line 1, column 1: The file is UTF-16; save it as UTF-8"),
+    "no object": (b"[]", PARSE, "line 1, column 1: expected an object"),
+    "no source of that name": (text_of(Source="MARTIAN"), PARSE,
+                               f'line 1, column {COMPLETE + 12}: "Source": expected one of "UNKNOWN" "INTERNAL" "EXTERNAL"'),
+    "text for number": (text_of(Changelist="7"), PARSE, f'line 1, column {column("7}")}: "Changelist": expected uint32'),
+    "far inside": (text_of(Catalog={"Attachments": ["\n"]}).replace(b"\\n", b"\xe5\xa4\xaa").replace(b"[", b"\n[\r\n"), PARSE,
+                   'line 3, column 1: "Attachments": expected an object'),
+    **{f"no {key}": (json.dumps({name: value for name, value in header().items() if name != key}).encode(), PARSE,
+                     f'line 1, column 1: "{key}" is missing')
        for key in header()},
 }
 
 
 def test_bad_headers_give_their_text_and_the_next_goes_on(site, store, bucket):
     site.configuration["Packager"]["KeepFailedSubmissions"] = True  # does not keep what is wrong in itself
-    for name, (content, _) in BAD_HEADERS.items():
+    for name, (content, *_) in BAD_HEADERS.items():
         write_folder(site.dumps / name, {"game.log": b"log"}, content)
     write_small(site.dumps, "good")
     with site.start_with_game() as beside:
@@ -38,9 +52,10 @@ def test_bad_headers_give_their_text_and_the_next_goes_on(site, store, bucket):
         beside.agent.wait_for(" Uploaded package for submission folder")
         assert beside.quit() == 0
     errors = beside.agent.stderr.decode()
-    for name, (_, error) in BAD_HEADERS.items():
+    for name, (_, error, why) in BAD_HEADERS.items():
         folder = windows_path(site.dumps / name)
         assert f' Failed to package dump folder "{folder}", error: "{error}"\r\n' in errors
+        assert why is None or f' Header of "{folder}" is wrong at {why}\r\n' in errors, (name, why)
     assert errors.count("Failed to package") == len(BAD_HEADERS)
     assert len(store.keys(bucket)) == 1
     assert site.left_on_disk() == []

@@ -1,7 +1,6 @@
 #include "Tools/PackageTool/src/ConfigCheck.h"
 
 #include <algorithm>
-#include <map>
 
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 #include "Tools/PackageTool/src/ConfigPartners.h"
@@ -34,26 +33,10 @@ Reflection_DefineType(ReportedConfigs, Reflection_Field(files, "Files"));
 
 namespace {
 
-struct Found {
-    std::string text;
-    bool isWarning;
-};
-using ProblemsByOffset = std::multimap<std::size_t, Found>;
-
-// Walks the text once for all of them: a long text can have a problem in every word.
-std::vector<ConfigProblem> WithPositions(std::string_view text, const ProblemsByOffset& found) {
-    PositionCounter counter(text);
-    std::vector<ConfigProblem> problems;
-    for (const auto& [offset, problem] : found) {
-        problems.push_back({counter.At(offset), problem.text, problem.isWarning});
-    }
-    return problems;
-}
-
 ReportedConfig Check(const std::string& file, const std::vector<uint8_t>& bytes) {
     ReportedConfig report{file, {}};
     const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    for (const ConfigProblem& problem : CheckConfig(text)) {
+    for (const JsonProblem& problem : CheckConfig(text)) {
         report.problems.push_back(
             {problem.position.line, problem.position.column, problem.text, problem.isWarning});
     }
@@ -73,19 +56,15 @@ std::string Lines(const ReportedConfig& report) {
 
 } // namespace
 
-std::vector<ConfigProblem> CheckConfig(std::string_view text) {
-    if (text.starts_with("\xFF\xFE") || text.starts_with("\xFE\xFF")) {
-        return {{{}, "The file is UTF-16; save it as UTF-8"}};
-    }
+std::vector<JsonProblem> CheckConfig(std::string_view text) {
     JsonDocument document;
     if (const auto parsed = JsonSerialization::ParseText(text, document); !parsed) {
-        return WithPositions(text, {{parsed.offset, {parsed.error, false}}});
+        return {ParseProblem(text, parsed)};
     }
-    const JsonPositions positions(text, document);
-    ProblemsByOffset found;
+    JsonProblems problems;
     const auto reporter = [&](bool isWarning) -> ConfigReport {
         return [&, isWarning](const JsonValue& where, std::string problem) {
-            found.emplace(positions.Find(where), Found{std::move(problem), isWarning});
+            problems.Add(where, std::move(problem), isWarning);
         };
     };
     const ConfigReport report = reporter(false);
@@ -97,7 +76,7 @@ std::vector<ConfigProblem> CheckConfig(std::string_view text) {
     } else {
         report(document, "The configuration is not an object");
     }
-    return WithPositions(text, found);
+    return problems.InOrderOf(text, document);
 }
 
 ExitCode RunCheckConfig(const Arguments& arguments) {

@@ -1,24 +1,17 @@
 #pragma once
 
-#include <string>
 #include <string_view>
 #include <vector>
 
+#include "Libs/Shared/src/JsonProblems.h"
 #include "Tools/PackageTool/src/Arguments.h"
 #include "Tools/PackageTool/src/Console.h"
-#include "Tools/PackageTool/src/JsonPositions.h"
-
-struct ConfigProblem {
-    TextPosition position;
-    std::string text;
-    bool isWarning = false; // the agent takes it as it stands
-};
 
 // Reads the text of a configuration file as the agent does and finds what the agent would refuse, pass over
 // or fail at later: syntax, keys, types, classes, partners, expressions, the store's address, and folders
 // that do not fit together; and, as warnings, what hardly anybody means. In the order of the text. May throw
 // std::bad_alloc.
-std::vector<ConfigProblem> CheckConfig(std::string_view text);
+std::vector<JsonProblem> CheckConfig(std::string_view text);
 
 // Prints the problems of each file. May throw std::bad_alloc.
 ExitCode RunCheckConfig(const Arguments& arguments);

@@ -72,7 +72,11 @@ std::string Pack(const std::string& folder, const PackagerConfig& config,
         return "There is already a package at " + package;
     }
     std::string preparedName;
-    ResultCode result = SubmissionPackager(config, blacklist).Prepare(folder, preparedName);
+    JsonProblem headerProblem;
+    ResultCode result = SubmissionPackager(config, blacklist).Prepare(folder, preparedName, headerProblem);
+    if (!headerProblem.text.empty()) {
+        return result.Text() + (" " + headerProblem.WithPlace());
+    }
     if (result) {
         result = PackageWriter(config, false).Generate(preparedName);
     }

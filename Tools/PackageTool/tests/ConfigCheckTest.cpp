@@ -20,7 +20,7 @@ constexpr char Good[] = R"({
 
 std::string Problems(std::string_view text) {
     std::string lines;
-    for (const ConfigProblem& problem : CheckConfig(text)) {
+    for (const JsonProblem& problem : CheckConfig(text)) {
         lines += (lines.empty() ? "" : "\n") + std::to_string(problem.position.line) + ":" +
                  std::to_string(problem.position.column) + (problem.isWarning ? ": warning: " : ": ") +
                  problem.text;

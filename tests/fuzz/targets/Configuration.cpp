@@ -20,9 +20,9 @@ bool AgentReads(std::string_view text) {
 void FuzzOne(std::span<const uint8_t> input) {
     const std::string_view text = Fuzz::Text(input);
     const auto lines = static_cast<std::size_t>(std::ranges::count(text, '\n')) + 1;
-    const std::vector<ConfigProblem> problems = CheckConfig(text);
+    const std::vector<JsonProblem> problems = CheckConfig(text);
     TextPosition last;
-    for (const ConfigProblem& problem : problems) {
+    for (const JsonProblem& problem : problems) {
         const auto& [line, column] = problem.position;
         FUZZ_REQUIRE(!problem.text.empty() && line <= lines && column <= text.size() + 1);
         FUZZ_REQUIRE(std::tie(last.line, last.column) <= std::tie(line, column));

@@ -28,7 +28,10 @@ void FuzzOne(std::span<const uint8_t> input) {
     const std::string text = Written(document);
     FUZZ_REQUIRE(JsonSerialization::ParseText(text, document) && Written(document) == text);
     BugHeader header;
-    if (HeaderFile::Parse(Fuzz::Text(input), header)) {
+    JsonProblem problem;
+    if (!HeaderFile::Parse(Fuzz::Text(input), header, &problem)) {
+        FUZZ_REQUIRE(!problem.text.empty() && problem.position.line > 0);
+    } else {
         BugHeader again;
         FUZZ_REQUIRE(HeaderFile::Parse(Written(header), again) && Written(again) == Written(header));
         FUZZ_REQUIRE(header.catalog.FilesInPackageOrder().empty() ||

@@ -34,9 +34,10 @@ public:
     std::string Pack(std::string_view header) {
         m_root.MakeFile("dumps/submission/header.json", header);
         std::string name;
-        const bool isPacked =
-            SubmissionPackager(m_config, m_blacklist).Prepare(m_root.PathOf("dumps/submission"), name) &&
-            PackageWriter(m_config, false).Generate(name);
+        JsonProblem problem;
+        const bool isPacked = SubmissionPackager(m_config, m_blacklist)
+                                  .Prepare(m_root.PathOf("dumps/submission"), name, problem) &&
+                              PackageWriter(m_config, false).Generate(name);
         const std::string package = m_root.ReadFile("packaged/submission/submission.pkg");
         FUZZ_REQUIRE(isPacked == !package.empty());
         fs::remove_all(m_root.Folder() / "work");

@@ -1,5 +1,6 @@
 #include "Libs/Processes/Core/src/BugHeader.h"
 
+#include <exception>
 #include <optional>
 #include <span>
 
@@ -108,17 +109,29 @@ ResultCode ToText(const BugHeader& header, std::string& text) {
 
 } // namespace
 
-ResultCode Parse(std::string_view text, BugHeader& header) {
+ResultCode Parse(std::string_view text, BugHeader& header, JsonProblem* problem) {
     JsonDocument document;
-    const char* failure = JsonSerialization::ParseText(text, document).error;
+    JsonSerialization::Context context;
+    const auto parsed = JsonSerialization::ParseText(text, document);
+    const char* failure = parsed.error;
     if (!failure) {
-        const ResultCode result = JsonSerialization::ReadRecord(document, header);
+        const ResultCode result = JsonSerialization::GetSerializer().Read(&Reflection::TypeOf<BugHeader>,
+                                                                          &header, document, context);
         if (result) {
             return Platform::Success;
         }
         failure = result.Text();
     }
-    return std::string_view(failure) == "Out of memory" ? ResultCode("Out of memory") : NoHeader;
+    if (std::string_view(failure) == "Out of memory") {
+        return "Out of memory";
+    }
+    if (problem) {
+        try {
+            *problem = parsed ? ReadProblem(text, document, context.Failure()) : ParseProblem(text, parsed);
+        } catch (const std::exception&) { // what becomes of the header does not depend on it
+        }
+    }
+    return NoHeader;
 }
 
 ResultCode Write(const std::string& folder, const BugHeader& header) {

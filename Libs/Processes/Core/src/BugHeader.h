@@ -5,6 +5,7 @@
 #include <string_view>
 #include <vector>
 
+#include "Libs/Shared/src/JsonProblems.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
@@ -102,9 +103,10 @@ namespace HeaderFile {
 inline constexpr char Name[] = "header.json";
 
 // Reads the header from the file's text. NoHeader if the text is invalid; "Out of memory" says nothing about
-// the text. After a failure the header may be partly filled.
+// the text. After a failure the header may be partly filled. problem, if given, then says where and why, such
+// as: "Changelist": expected uint32. It stays as it is if there is no memory for that.
 inline constexpr char NoHeader[] = "Failed to parse json header data in dump folder!";
-ResultCode Parse(std::string_view text, BugHeader& header);
+ResultCode Parse(std::string_view text, BugHeader& header, JsonProblem* problem = nullptr);
 
 // Compact JSON, in the order of the declaration; replaces an existing header.
 ResultCode Write(const std::string& folder, const BugHeader& header);

@@ -62,11 +62,13 @@ bool PackageReader::ReadPrefix() {
 
 bool PackageReader::ReadHeader() {
     ResultCode result = HeaderFile::NoHeader; // a longer text would be refused, after it was read
+    JsonProblem problem{{}, "The text is larger than 128 MiB."};
     if (m_headerSize <= JsonSerialization::MaxTextSize) {
-        result = HeaderFile::Parse(ReadText(PrefixSize, m_headerSize), m_header);
+        problem.text = "Out of memory"; // unless there is another reason
+        result = HeaderFile::Parse(ReadText(PrefixSize, m_headerSize), m_header, &problem);
     }
     if (!result) {
-        Report(PrefixSize, result.Text());
+        Report(PrefixSize, "The header can't be read: " + problem.WithPlace());
     }
     return result.Succeeded();
 }

@@ -167,15 +167,22 @@ void Packager::Process(const std::string& submissionFolder) const {
 
 ResultCode Packager::Package(const std::string& submissionFolder) const {
     std::string name;
+    JsonProblem headerProblem;
     bool isPrepared = false;
     const ResultCode result = ExceptionToResult([&] {
-        RETURN_IF_FAILED(SubmissionPackager(m_config, m_blacklist).Prepare(submissionFolder, name));
+        const SubmissionPackager packager(m_config, m_blacklist);
+        RETURN_IF_FAILED(packager.Prepare(submissionFolder, name, headerProblem));
         isPrepared = true;
         return PackageWriter(m_config, m_sharesFolder).Generate(name);
     });
     if (!result && !isPrepared) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to package dump folder \"%s\", error: \"%s\"",
                      submissionFolder.c_str(), result.Text());
+        if (!headerProblem.text.empty()) {
+            PLATFORM_LOG(Platform::ErrorLog, " Header of \"%s\" is wrong at line %u, column %u: %s",
+                         submissionFolder.c_str(), static_cast<unsigned>(headerProblem.position.line),
+                         static_cast<unsigned>(headerProblem.position.column), headerProblem.text.c_str());
+        }
     } else if (!result) {
         PLATFORM_LOG(Platform::ErrorLog,
                      " Failed to generate package file for submission \"%s\", error: \"%s\"", name.c_str(),

@@ -28,7 +28,7 @@ Platform::SystemError SubmissionFolder::Open(const std::string& name, const char
                                       : Platform::Folder::NotInside;
 }
 
-ResultCode SubmissionFolder::ReadHeader(BugHeader& header) const {
+ResultCode SubmissionFolder::ReadHeader(BugHeader& header, JsonProblem& problem) const {
     Platform::File file;
     if (const Platform::SystemError error = Open(HeaderFile::Name, "", file); error != Platform::NoError) {
         return IsOfTheMachine(error) ? ResultCode("Failed to open json header data in dump folder!")
@@ -43,7 +43,7 @@ ResultCode SubmissionFolder::ReadHeader(BugHeader& header) const {
     default:
         return "Failed to read json header data in dump folder!";
     }
-    return HeaderFile::Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, header);
+    return HeaderFile::Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, header, &problem);
 }
 
 ResultCode SubmissionFolder::OpenFile(const std::string& name, const char* ending,

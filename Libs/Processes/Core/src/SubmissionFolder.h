@@ -35,7 +35,8 @@ public:
     // Never fails; a folder that does not open has no files.
     explicit SubmissionFolder(const std::string& path) : m_error(m_folder.Open(path)) {}
 
-    ResultCode ReadHeader(BugHeader& header) const;
+    // problem: see HeaderFile::Parse.
+    ResultCode ReadHeader(BugHeader& header, JsonProblem& problem) const;
 
     // Opens the file of that name in the header, with ending (".gz" or "") added, for reading.
     // SubmissionFault::NoFile if it is missing.

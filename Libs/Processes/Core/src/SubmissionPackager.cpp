@@ -9,7 +9,8 @@
 #include "Libs/Processes/Core/src/SubmissionFolder.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
-ResultCode SubmissionPackager::Prepare(const std::string& submissionFolder, std::string& name) const {
+ResultCode SubmissionPackager::Prepare(const std::string& submissionFolder, std::string& name,
+                                       JsonProblem& headerProblem) const {
     name = FolderPath::LastComponent(submissionFolder).value_or("");
     if (name.empty()) {
         return SubmissionFault::NoName;
@@ -19,7 +20,7 @@ ResultCode SubmissionPackager::Prepare(const std::string& submissionFolder, std:
     PLATFORM_LOG(Platform::InfoLog, " Starting packaging submission %s...", name.c_str());
     const SubmissionFolder submission(submissionFolder);
     BugHeader header;
-    RETURN_IF_FAILED(submission.ReadHeader(header));
+    RETURN_IF_FAILED(submission.ReadHeader(header, headerProblem));
     RETURN_IF_FAILED(
         PackCatalog(AttachmentPacker(submission, workFolder, m_config.attachmentLimits), header.catalog));
     header.source = m_config.source;

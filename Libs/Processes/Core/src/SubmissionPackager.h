@@ -16,10 +16,12 @@ public:
     SubmissionPackager(const PackagerConfig& config, const AttachmentBlacklist& blacklist)
         : m_config(config), m_blacklist(blacklist) {}
 
-    // Gives the submission's name, which is empty for a path that has none. A file that can't be packaged is
+    // Gives the submission's name, which is empty for a path that has none, and what is wrong with its header
+    // (see HeaderFile::Parse). A file that can't be packaged is
     // logged and removed from the header. It fails the submission only if the machine is at fault and the
     // configuration keeps such submissions.
-    ResultCode Prepare(const std::string& submissionFolder, std::string& name) const;
+    ResultCode Prepare(const std::string& submissionFolder, std::string& name,
+                       JsonProblem& headerProblem) const;
 
 private:
     ResultCode PackCatalog(const AttachmentPacker& packer, Catalog& catalog) const;

@@ -62,7 +62,8 @@ protected:
     ResultCode Pack() {
         return ExceptionToResult([this] {
             std::string name;
-            RETURN_IF_FAILED(SubmissionPackager(m_config, m_blacklist).Prepare(m_submission, name));
+            JsonProblem problem;
+            RETURN_IF_FAILED(SubmissionPackager(m_config, m_blacklist).Prepare(m_submission, name, problem));
             return PackageWriter(m_config, false).Generate(name);
         });
     }

@@ -12,6 +12,13 @@
 // register for their own types.
 namespace JsonSerialization {
 
+// The innermost place where reading a document failed.
+struct ReadFailure {
+    const JsonValue* where = nullptr;
+    std::string_view key;                                 // of the field; empty for the document itself
+    const Reflection::TypeDescriptor* expected = nullptr; // null if where is an object without that key
+};
+
 // What readers and writers can ask for by name while a document is read or written. Does not own the
 // services, which must outlive it. One thread.
 class Context {
@@ -33,10 +40,14 @@ public:
         return static_cast<DocumentAllocator*>(FindService(AllocatorName()));
     }
 
+    // Filled by a read that fails.
+    ReadFailure& Failure() { return m_failure; }
+
 private:
     static String::GlobalID AllocatorName() { return String::GlobalID::OfText("DocumentAllocator"); }
 
     std::map<String::GlobalID, void*> m_services;
+    ReadFailure m_failure;
 };
 
 struct ReadSource {

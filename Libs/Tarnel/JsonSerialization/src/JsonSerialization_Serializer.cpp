@@ -13,6 +13,16 @@ namespace {
 using rapidjson::SizeType;
 using Reflection::TypeKind;
 
+// Notes the failure unless one further inside is noted, and gives that its key.
+void NoteFailure(const ReadSource& source, std::string_view key, const Reflection::TypeDescriptor* expected) {
+    ReadFailure& failure = source.context.Failure();
+    if (!failure.where) {
+        failure = {&source.value, key, expected};
+    } else if (failure.key.empty()) {
+        failure.key = key;
+    }
+}
+
 ResultCode ReadField(const ReadPlan::Field& field, void* object, const ReadSource& source) {
     void* const place = static_cast<std::byte*>(object) + field.offset;
     return field.custom ? field.custom(place, source) : ReadByPlan(*field.plan, place, source);
@@ -33,10 +43,17 @@ ResultCode ReadFields(const ReadPlan& plan, void* object, const ReadSource& sour
         const JsonValue* const value = FindMember(source.value, field.key);
         if (!value && !field.isOptional) {
             PLATFORM_LOG(Platform::EngineLog, " Failed to find field \"%s\" in json data", field.key.data());
+            const bool isObject = source.value.IsObject();
+            NoteFailure(source, isObject ? field.key : "", isObject ? nullptr : plan.type);
             return "Field not found in json";
         }
-        if (value) {
-            RETURN_IF_FAILED(ReadField(field, object, {*value, source.context}));
+        if (!value) {
+            continue;
+        }
+        const ReadSource member{*value, source.context};
+        if (const ResultCode result = ReadField(field, object, member); !result) {
+            NoteFailure(member, field.key, field.plan->type);
+            return result;
         }
     }
     return Platform::Success;
@@ -50,7 +67,11 @@ ResultCode ReadVector(const ReadPlan& plan, void* object, const ReadSource& sour
     operations.resize(object, source.value.Size());
     auto* place = static_cast<std::byte*>(operations.mutableElements(object));
     for (const JsonValue& value : source.value.GetArray()) {
-        RETURN_IF_FAILED(ReadByPlan(*plan.element, place, {value, source.context}));
+        const ReadSource element{value, source.context};
+        if (const ResultCode result = ReadByPlan(*plan.element, place, element); !result) {
+            NoteFailure(element, "", plan.element->type);
+            return result;
+        }
         place += plan.element->type->size;
     }
     return Platform::Success;
