@@ -1,4 +1,4 @@
-"""A store that fails in every way: the package stays, this run does not try again, and a later run sends it."""
+"""A store that fails in every way: the package stays, and a later run sends it, or this one if it may try again."""
 import re
 import time
 
@@ -63,6 +63,37 @@ def test_a_failing_store_keeps_the_package(site, store, bucket, fault):
     (upload,) = store.uploads()  # no second attempt within a run
     assert upload["status"] == fault.get("status", upload["status"])
     assert_later_run_sends(site, store, bucket, 1)
+
+
+def status(number, code, times=1, **more):
+    return {"kind": "status", "status": number, "code": code, "times": times, **more}
+
+
+@pytest.mark.parametrize("fault, settings, statuses, seconds", [
+    (status(503, "SlowDown", 2), {}, [503, 503, 200], 0.3),
+    (status(503, "SlowDown", headers=[["Retry-After", "2"]]), {}, [503, 200], 2),
+    ({"kind": "close"}, {}, [None, 200], 0.1),
+    (status(403, "AccessDenied", 9), {}, [403, 403], 0.1),
+    (status(503, "SlowDown"), {"TimeBetweenRetries": 60000}, [503], 0),  # the run ends before
+    ({"kind": "bad-etag"}, {"VerifyETag": False}, [200], 0),
+], ids=["busy twice", "asked to wait", "no answer", "refused", "stopped", "foreign ETag"])
+def test_a_run_tries_again(site, store, bucket, fault, settings, statuses, seconds):
+    site.configuration["Uploader"] |= {"RetryFailedUploads": True, "TimeBetweenRetries": 100, **settings}
+    write_small(site.dumps, "tried")
+    store.set_faults(fault)
+    with site.start_with_game() as beside:
+        if statuses[-1] == 200:
+            site.wait_all_sent()
+        else:
+            beside.agent.wait_for(" Leaving package in " if len(statuses) > 1 else " Trying package in ", 30)
+        start = time.time()
+        assert beside.quit() == 0
+        assert time.time() - start < 2
+    uploads = store.uploads()
+    assert [upload["status"] for upload in uploads] == statuses
+    assert uploads[-1]["time"] - uploads[0]["time"] >= seconds
+    if statuses[-1] != 200:
+        assert_later_run_sends(site, store, bucket, 1)
 
 
 @pytest.mark.parametrize("key, value, reason", [

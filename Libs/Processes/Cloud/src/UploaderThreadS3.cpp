@@ -8,8 +8,8 @@
 
 UploaderThreadS3::UploaderThreadS3(UploadPermission permission, const std::string& folder,
                                    const UploaderS3Config& config)
-    : UploaderThreadBase(permission, folder, config.submissionFilename, config.timeBetweenRetries),
-      m_verifyETag(config.verifyETag), m_store(StoreOf(config)) {
+    : UploaderThreadBase(permission, folder, config), m_verifyETag(config.verifyETag),
+      m_store(StoreOf(config)) {
     m_store.connectTimeoutMs = GetConnectTimeout();
     m_store.requestTimeoutMs = GetRequestTimeout();
 }

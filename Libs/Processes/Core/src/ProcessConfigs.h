@@ -81,11 +81,12 @@ Reflection_DeclareType(ProcessMonitorConfig);
 // What the sections of all uploaders have.
 struct UploaderConfig {
     uint32_t timeBetweenChecks = 250;    // ms
-    uint32_t timeBetweenRetries = 30000; // ms; recorded with each upload and used by none
+    uint32_t timeBetweenRetries = 30000; // ms
     std::string watcherName;             // the process that finds the packages
     std::string submissionFilename;      // empty: "submission.pkg"
     bool askPermission = false;
-    bool verifyETag = true; // false: for a store whose ETag is no MD5
+    bool verifyETag = true;          // false: for a store whose ETag is no MD5
+    bool retryFailedUploads = false; // true: also in this run
 };
 Reflection_DeclareType(UploaderConfig);
 

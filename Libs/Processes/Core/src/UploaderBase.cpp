@@ -1,9 +1,11 @@
 #include "Libs/Processes/Core/src/UploaderBase.h"
 
 #include <algorithm>
+#include <chrono>
 #include <iterator>
 #include <utility>
 
+#include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
@@ -26,6 +28,8 @@ ResultCode UploaderBase::InitializeFrom(UploaderConfig& config) {
         return "No watcher process to provide submissions for uploader";
     }
     SetAskPermission(config.askPermission);
+    m_retryFailedUploads = config.retryFailedUploads;
+    m_random.seed(static_cast<uint32_t>(std::chrono::steady_clock::now().time_since_epoch().count()));
     PLATFORM_LOG(
         Platform::InfoLog,
         " Uploader \"%s\" is uploading submissions with a file name of \"%s\" as gathered by watcher "
@@ -70,12 +74,17 @@ void UploaderBase::Collect(IWatcher& watcher) {
     if (m_found.empty()) {
         static_cast<void>(watcher.TakeTasks(m_found)); // whatever came before a failure counts
     }
-    if (m_askPermission && m_permission == UploadPermission::NotAsked && m_pendingFolders.empty() &&
+    if (m_askPermission && m_permission == UploadPermission::NotAsked && m_packages.empty() &&
         !m_found.empty()) {
         m_permission = AskPermission();
     }
-    m_pendingFolders.reserve(m_pendingFolders.size() + m_found.size());
-    std::ranges::move(m_found, std::back_inserter(m_pendingFolders));
+    std::vector<UploadRetries::Package> found;
+    found.reserve(m_found.size());
+    for (const TaskData& task : m_found) {
+        found.push_back({task.GetInstanceHash()});
+    }
+    m_packages.reserve(m_packages.size() + found.size());
+    std::ranges::move(found, std::back_inserter(m_packages));
     m_found.clear();
 }
 
@@ -102,17 +111,58 @@ UploadPermission UploaderBase::AskPermission() {
 void UploaderBase::StartUploads() {
     AssertOnUploaderThread();
     ReapUploads();
-    while (!IsStopRequested() && !m_pendingFolders.empty() && m_activeUploads.size() < m_maxActiveUploads) {
-        const std::string& folder = m_pendingFolders.back().GetInstanceHash();
+    while (!IsStopRequested() && m_activeUploads.size() < m_maxActiveUploads) {
+        UploadRetries::Package* const next =
+            UploadRetries::LatestDue(m_packages, std::chrono::steady_clock::now());
+        if (!next) {
+            return;
+        }
+        if (next->attempts > 0 && !PlatformHelpers::PathExists(next->folder)) {
+            Drop(*next); // the quota has taken it meanwhile
+            continue;
+        }
         PLATFORM_LOG(Platform::InfoLog, " Starting upload thread for submission in folder %s",
-                     folder.c_str());
-        StartUploadThread(folder, m_permission);
-        m_pendingFolders.pop_back(); // after it was started: until then an exception keeps it pending
+                     next->folder.c_str());
+        StartUploadThread(next->folder, m_permission);
+        next->isActive = true; // after it was started: until then an exception keeps it pending
     }
 }
 
 void UploaderBase::ReapUploads() {
-    std::erase_if(m_activeUploads, [](const auto& upload) { return !upload || !upload->IsRunning(); });
+    std::erase_if(m_activeUploads, [this](const auto& upload) {
+        if (upload && upload->IsRunning()) {
+            return false;
+        }
+        UploadRetries::Package* const package =
+            upload ? UploadRetries::FindActive(m_packages, upload->GetFolder()) : nullptr;
+        if (package && !IsTriedAgain(*package, *upload)) {
+            Drop(*package);
+        }
+        return true;
+    });
+}
+
+bool UploaderBase::IsTriedAgain(UploadRetries::Package& package, const UploaderThreadBase& upload) {
+    const UploadAnswer* const failure = upload.GetFailure();
+    if (!failure || !m_retryFailedUploads) {
+        return false;
+    }
+    const auto pause = UploadRetries::CountFailure(
+        package, *failure, {upload.GetTimeBetweenRetries(), upload.GetMaxAttempts()}, m_random());
+    if (!pause) {
+        PLATFORM_LOG(Platform::InfoLog, " Leaving package in folder %s for the next run after %u attempts",
+                     package.folder.c_str(), static_cast<unsigned>(package.attempts));
+        return false;
+    }
+    PLATFORM_LOG(Platform::InfoLog, " Trying package in folder %s again in %0.1f seconds",
+                 package.folder.c_str(), std::chrono::duration<double>(*pause).count());
+    package.isActive = false;
+    package.due = std::chrono::steady_clock::now() + *pause;
+    return true;
+}
+
+void UploaderBase::Drop(const UploadRetries::Package& package) {
+    m_packages.erase(m_packages.begin() + (&package - m_packages.data()));
 }
 
 void UploaderBase::WaitForUploads() {

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <random>
 #include <string>
 #include <utility>
 #include <vector>
@@ -10,6 +11,7 @@
 #include "Libs/Framework/Core/src/Reflected.h"
 #include "Libs/Processes/Core/src/IWatcher.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
+#include "Libs/Processes/Core/src/UploadRetries.h"
 #include "Libs/Processes/Core/src/UploaderThreadBase.h"
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
@@ -18,8 +20,9 @@
 // them. The concrete uploader knows the store. The lists belong to the process's own thread, which returns
 // after the last upload has ended.
 //
-// A folder is found (Collect), pending, active (StartUploads), and dropped from the list when its upload's
-// thread has ended (ReapUploads). Pending folders stay on disk at shutdown.
+// A folder is found (Collect), pending, active (StartUploads), and dropped when its upload's thread has ended
+// (ReapUploads), or pending again after a failure if RetryFailedUploads says so. Pending folders stay on disk
+// at shutdown.
 class UploaderBase : public Reflected<UploaderBase> {
 public:
     using Reflected::Reflected;
@@ -52,15 +55,19 @@ private:
     UploadPermission AskPermission();
     void StartUploads();
     void ReapUploads();
+    void Drop(const UploadRetries::Package& package);
+    bool IsTriedAgain(UploadRetries::Package& package, const UploaderThreadBase& upload);
     void WaitForUploads();
     void AssertOnUploaderThread();
 
     const uint32_t m_maxActiveUploads = 4;
-    std::vector<TaskData> m_found;                                    // taken from the watcher
-    std::vector<TaskData> m_pendingFolders;                           // taken from the back
+    std::vector<TaskData> m_found;                  // taken from the watcher
+    std::vector<UploadRetries::Package> m_packages; // pending and active, in the order found
     std::vector<std::shared_ptr<UploaderThreadBase>> m_activeUploads; // in the order started
     std::shared_ptr<IApplicationProcess> m_watcherProcPtr;            // constant after Initialize
     bool m_askPermission = false;
+    bool m_retryFailedUploads = false;
+    std::minstd_rand m_random;                                 // for the pauses
     UploadPermission m_permission = UploadPermission::Allowed; // an answer is final
 };
 Reflection_DeclarePolymorphicType(UploaderBase);

@@ -8,10 +8,10 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 UploaderThreadBase::UploaderThreadBase(UploadPermission permission, std::string folder,
-                                       std::string submissionFileName, uint32_t timeBetweenRetriesMs)
-    : m_permission(permission), m_folder(std::move(folder)),
-      m_submissionFileName(std::move(submissionFileName)), m_timeBetweenRetriesMs(timeBetweenRetriesMs),
-      m_threadName("Uploading: " + m_folder), m_thread(std::make_shared<Thread>([this] { ThreadMain(); })) {
+                                       const UploaderConfig& config)
+    : m_permission(permission), m_folder(std::move(folder)), m_submissionFileName(config.submissionFilename),
+      m_timeBetweenRetriesMs(config.timeBetweenRetries), m_threadName("Uploading: " + m_folder),
+      m_thread(std::make_shared<Thread>([this] { ThreadMain(); })) {
     static_cast<void>(m_thread->SetName(m_threadName.c_str())); // it serves debuggers only
 }
 
@@ -38,6 +38,7 @@ void UploaderThreadBase::WaitForEnd() const {
 void UploaderThreadBase::ThreadMain() {
     const ResultCode result = ExceptionToResult([this]() -> ResultCode {
         if (m_permission == UploadPermission::Refused) {
+            m_hasFailed = false;
             DeleteFolder();
             return Platform::Success;
         }
@@ -68,8 +69,7 @@ ResultCode UploaderThreadBase::UploadFolder() {
             return notLoaded("Failed to read package file of invalid size");
         }
         const auto start = std::chrono::steady_clock::now();
-        UploadAnswer answer;
-        const ResultCode uploaded = UploadPackage(package, answer);
+        const ResultCode uploaded = UploadPackage(package, m_answer);
         const std::chrono::duration<double> elapsed = std::chrono::steady_clock::now() - start;
         if (package.HasFailed()) {
             return notLoaded("Failed to read package file");
@@ -78,6 +78,7 @@ ResultCode UploaderThreadBase::UploadFolder() {
         PLATFORM_LOG(Platform::InfoLog, " Uploaded package for submission folder \"%s\" in %0.3f seconds",
                      m_folder.c_str(), elapsed.count());
     }
+    m_hasFailed = false;
     DeleteFolder();
     return Platform::Success;
 }

@@ -6,21 +6,22 @@
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/Thread.h"
+#include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Processes/Core/src/UploadAnswer.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // One attempt to upload one submission folder, on a thread of its own: opens the package, hands it to the
 // concrete upload and deletes the folder after success, or deletes it unread when the player refused. After a
-// failure the folder stays for a later run. Owned by its uploader; made, started, asked and destroyed on the
+// failure the folder stays. Owned by its uploader; made, started, asked and destroyed on the
 // uploader's thread.
 //
 // Destruction waits for the thread without limit. The thread calls UploadPackage, so a derived class is final
 // and its destructor begins with WaitForEnd, before anything that the upload uses is gone.
 class UploaderThreadBase {
 public:
-    UploaderThreadBase(UploadPermission permission, std::string folder, std::string submissionFileName,
-                       uint32_t timeBetweenRetriesMs);
+    // Copies what it needs of the configuration.
+    UploaderThreadBase(UploadPermission permission, std::string folder, const UploaderConfig& config);
     virtual ~UploaderThreadBase();
     UploaderThreadBase(const UploaderThreadBase&) = delete; // the running thread holds the object's address
     UploaderThreadBase& operator=(const UploaderThreadBase&) = delete;
@@ -36,11 +37,14 @@ public:
     // False before Start, after a Start that failed, and once the thread has ended.
     bool IsRunning() const;
 
+    // What is known of a failed upload; null after any other end. Once it no longer runs.
+    const UploadAnswer* GetFailure() const { return m_hasFailed ? &m_answer : nullptr; }
+
     const std::string& GetFolder() const { return m_folder; }
     uint32_t GetConnectTimeout() const { return m_connectTimeoutMs; }
     uint32_t GetRequestTimeout() const { return m_requestTimeoutMs; }
 
-    // Recorded settings: an upload makes one attempt.
+    // For who tries again: an upload makes one attempt.
     uint32_t GetMaxAttempts() const { return m_maxAttempts; }
     uint32_t GetTimeBetweenRetries() const { return m_timeBetweenRetriesMs; }
 
@@ -53,7 +57,7 @@ private:
     ResultCode UploadFolder();
     void DeleteFolder() const;
 
-    // All but the flag are constant after construction.
+    // All but the last four are constant after construction.
     const uint32_t m_connectTimeoutMs = 500;
     const uint32_t m_requestTimeoutMs = 30000;
     const uint32_t m_maxAttempts = 10;
@@ -62,6 +66,8 @@ private:
     const std::string m_submissionFileName;
     const uint32_t m_timeBetweenRetriesMs;
     const std::string m_threadName;
-    bool m_started = false; // a thread that was never resumed reports that it runs
     const std::shared_ptr<Thread> m_thread;
+    bool m_started = false;  // a thread that was never resumed reports that it runs
+    bool m_hasFailed = true; // until the upload's thread knows better
+    UploadAnswer m_answer;   // of that thread too
 };

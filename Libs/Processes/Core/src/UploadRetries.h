@@ -1,0 +1,44 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "Libs/Processes/Core/src/UploadAnswer.h"
+
+// Which package an uploader sends next, and when one that failed is tried again. Decisions without clock,
+// threads or files; nothing allocates.
+namespace UploadRetries {
+
+using Time = std::chrono::steady_clock::time_point;
+
+// A package between its watcher and its end.
+struct Package {
+    std::string folder;
+    Time due{}; // it is not tried before; a new one is due at once
+    uint32_t attempts = 0;
+    uint32_t refusals = 0; // attempts that a store answered with 400, 403 or 404
+    bool isActive = false; // its upload runs
+};
+
+// The latest one that is due and not active; null if there is none.
+Package* LatestDue(std::vector<Package>& packages, Time now);
+
+// The active one of that folder. Null: none.
+Package* FindActive(std::vector<Package>& packages, const std::string& folder);
+
+struct Rule {
+    uint32_t timeBetweenRetriesMs = 0;
+    uint32_t maxAttempts = 0;
+};
+
+// Counts an attempt that failed and gives the pause before the next one. None: the package is left for the
+// next run. The pause is doubled with each attempt, but not beyond an hour, and at least what Retry-After
+// asks for, up to an hour. random is any number: it adds up to a quarter, so that not all players come back
+// at once.
+std::optional<std::chrono::milliseconds> CountFailure(Package& package, const UploadAnswer& answer,
+                                                      const Rule& rule, uint32_t random);
+
+} // namespace UploadRetries
