@@ -159,6 +159,31 @@ def test_pack_keeps_what_is_there(scratch, package, submission):
     assert [path.name for path in (scratch / "packed").iterdir()] == [submission.name]  # no work folder stays
 
 
+def test_check_dump_and_the_documented_headers(scratch):
+    whole, shortest = map(json.loads, re.findall(r"```json\n(.*?)```", (ROOT / "docs" / "formats.md").read_text(), re.S))
+    files = {"crash-0042_Minidump.dmp": b"dump", "game.log": b"log" * 99, "logs/dxdiag.txt": b"text"}
+
+    def check(name, expect, header=whole, files=files, complete=True, options=()):
+        folder = submissions.write_folder(scratch / name, files, header, complete)
+        return run("check-dump", folder, *options, expect=expect)[0].replace(f"{folder}", "F")
+
+    assert (check("good", GOOD), check("short", GOOD, shortest, {})) == ("F: good, 3 files\n", "F: good, 0 files\n")
+    for key in shortest:  # each of them must be there
+        less = {name: value for name, value in shortest.items() if name != key}
+        assert check(f"no {key}", PROBLEMS, less, {}) == f'F/header.json:1:1: "{key}" is missing\n'
+    assert "is writable" in check("writable", PROBLEMS, complete=False)
+    wrong = {**whole, "Catalog": submissions.catalog("../up.dmp", "game.log", ["a.tgz", "gone", "empty", "keep.tmp"])}
+    config = write(scratch / "agent.json", json.dumps({"Packager": {
+        "WatcherName": "W", "AttachmentLimits": [{"Extension": ".log", "MaxSize": 99}], "AttachmentBlacklist": ["tmp$"]}}).encode())
+    said = check("wrong", PROBLEMS, wrong, {"game.log": b"log" * 99, "a.tgz": b"z", "empty": b"", "b/lost": b"1", "keep.tmp": b""},
+                 options=("--config", config)).splitlines()
+    assert [line.split('"')[1] for line in said] == ["../up.dmp", "game.log", "a.tgz", "gone", "empty", "keep.tmp", "b/lost"]
+    for line, part in zip(said, ("refused", "warning: .*from 297 to 99 bytes", "loses the whole", "Failed to find", "zero length",
+                                 "warning: .*blacklist", "warning: .*not in the catalog")):
+        assert re.search(part, line), line
+    assert check("late", WARNINGS, files=files | {"b": b""}) == 'F: warning: "b": is not in the catalog and is not sent\n'
+
+
 def test_check_config_passes_the_documented_example(scratch):
     example = re.search(r"```json\n(.*?)```", (ROOT / "docs" / "configuration.md").read_text(), re.S).group(1)
     good = write(scratch / "good.json", example.encode())

@@ -18,6 +18,7 @@ constexpr std::array Commands = {
     CommandRule{"verify", true, "--json --limit "},
     CommandRule{"unpack", true, "--json --limit --to --force --stored "},
     CommandRule{"pack", true, "--to --force --config --packager "},
+    CommandRule{"check-dump", true, "--config --packager "},
     CommandRule{"check-config", true, "--json --connect "},
     CommandRule{"config-schema", false, ""},
 };

@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 void Raise(ExitCode& code, ExitCode other) {
@@ -39,20 +40,12 @@ bool ReadStandardInput(std::vector<uint8_t>& bytes, std::string& reason) try {
     } while (read > 0);
     if (std::ferror(stdin) != 0) {
         reason = "Failed to read standard input";
-    } else if (bytes.empty()) {
-        reason = "Standard input is empty";
     }
     return reason.empty();
 } catch (const std::exception&) {
     bytes = {};
     reason = "Standard input does not fit in memory";
     return false;
-}
-
-bool IsFolder(const std::string& path) {
-    PlatformHelpers::FileStatus status;
-    return PlatformHelpers::PathExists(path) && PlatformHelpers::QueryFileStatus(path, status).Succeeded() &&
-           status.isFolder;
 }
 
 } // namespace
@@ -90,8 +83,6 @@ Platform::ByteSource* Input::Open(const std::string& file, std::string& reason) 
     Platform::File opened;
     if (opened.Open(file, Platform::FileRead, Platform::ShareAll) != Platform::NoError) {
         reason = IsFolder(file) ? "This is a folder" : "Failed to open input file";
-    } else if (opened.GetSize() == 0) {
-        reason = "Failed to read zero length input file!";
     } else {
         m_source = std::make_unique<Platform::FileSource>(std::move(opened));
     }
@@ -109,6 +100,41 @@ bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string
     return reason.empty();
 }
 
+bool IsFolder(const std::string& path) {
+    PlatformHelpers::FileStatus status;
+    return PlatformHelpers::PathExists(path) && PlatformHelpers::QueryFileStatus(path, status).Succeeded() &&
+           status.isFolder;
+}
+
+bool ListFiles(const std::string& folder, std::vector<std::string>& files) {
+    std::vector<std::string> open = {""}; // folders, relative, with a "/" at the end
+    bool isWhole = true;
+    while (!open.empty()) {
+        const std::string below = std::move(open.back());
+        open.pop_back();
+        const std::string path = FolderPath::Join(folder, below); // ends in a separator
+        const auto add = [&](const PlatformHelpers::PathInfo& entry, bool&) {
+            if (!entry.IsFolder()) {
+                files.push_back(below + entry.name);
+            } else if (!entry.IsLink()) {
+                open.push_back(below + entry.name + "/");
+            }
+            return Platform::Success;
+        };
+        isWhole = PlatformHelpers::EnumerateFolder(
+                      path, PlatformHelpers::EnumerateFiles | PlatformHelpers::EnumerateFolders, add)
+                      .Succeeded() &&
+                  isWhole;
+    }
+    std::ranges::sort(files);
+    return isWhole;
+}
+
+std::string WithSlashes(std::string path) {
+    std::ranges::replace(path, '\\', '/');
+    return path;
+}
+
 std::string Printable(std::string_view text) {
     std::string printable(text);
     printable.resize(Platform::MaskControls(printable.data(), printable.size()));
@@ -118,8 +144,9 @@ std::string Printable(std::string_view text) {
 } // namespace Console
 
 Progress::Progress(const std::string& what, uint64_t total)
-    : m_what(Console::Printable(what.substr(what.find_last_of("\\/") + 1))), m_total(total),
-      m_isWanted(Platform::IsErrorTerminal()), m_next(Clock::now() + std::chrono::milliseconds(500)) {}
+    : m_what(Console::Printable(what.substr(what.find_last_of("\\/") + 1))),
+      m_total(std::max<uint64_t>(total, 1)), m_isWanted(Platform::IsErrorTerminal()),
+      m_next(Clock::now() + std::chrono::milliseconds(500)) {}
 
 Progress::~Progress() {
     if (m_shownLength > 0) {

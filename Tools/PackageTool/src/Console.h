@@ -57,7 +57,7 @@ void PrintError(const std::string& file, const std::string& text); // file: text
 // A file, or standard input for "-", to be read in pieces. Standard input goes through memory whole.
 class Input {
 public:
-    // Null if it can't be read or is empty; reason then says why. Once.
+    // Null if it can't be read; reason then says why. Once.
     Platform::ByteSource* Open(const std::string& file, std::string& reason);
 
 private:
@@ -65,8 +65,17 @@ private:
     std::unique_ptr<Platform::ByteSource> m_source;
 };
 
-// The same, whole. False if reading failed or there was nothing to read; reason then says why.
+// The same, whole. False if reading failed; reason then says why.
 bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason);
+
+bool IsFolder(const std::string& path);
+
+// Adds the paths of all files in the folder and below it, relative to it, in the order of their names. Links
+// are not followed. False if a folder could not be listed. Throws std::bad_alloc.
+bool ListFiles(const std::string& folder, std::vector<std::string>& files);
+
+// A path with "/" between its parts.
+std::string WithSlashes(std::string path);
 
 // For text from outside: what a terminal would obey rather than show becomes "?".
 std::string Printable(std::string_view text);
@@ -77,7 +86,7 @@ std::string Printable(std::string_view text);
 // end. One thread.
 class Progress {
 public:
-    // total is in bytes, and not 0.
+    // total is in bytes.
     Progress(const std::string& what, uint64_t total);
     ~Progress();
     Progress(const Progress&) = delete; // one bar on one line

@@ -21,6 +21,7 @@ usage: PackageTool list FILE... [--json] [--limit SIZE]
        PackageTool verify FILE... [--json] [--limit SIZE]
        PackageTool unpack FILE... --to FOLDER [--force] [--stored] [--json] [--limit SIZE]
        PackageTool pack FOLDER... --to FOLDER [--force] [--config FILE [--packager NAME]]
+       PackageTool check-dump FOLDER... [--config FILE [--packager NAME]]
        PackageTool check-config FILE... [--json] [--connect]
        PackageTool config-schema
 
@@ -28,12 +29,13 @@ list           what a package holds: the header's main fields and a row for each
 verify         every length and digest, the header's catalog and each gzip stream
 unpack         header and files into FOLDER; each of several packages into its own folder there
 pack           a package from a submission folder, as the packager writes it: FOLDER/NAME/submission.pkg
+check-dump     what keeps the agent from taking a submission folder, and what of it would not arrive
 check-config   every problem of a configuration with its line and column, and what is hardly meant as warnings
 config-schema  the configuration's JSON schema, for editors
 
 FILE           "-" is standard input
 --connect      then store one tiny object with each uploader's settings and say which answer came
---config FILE  pack with the limits, blacklist and source of the packager NAME ("Packager") there
+--config FILE  work with the limits, blacklist and source of the packager NAME ("Packager") there
 --force        replace existing files, each once the new one is complete
 --json         one JSON object on standard output
 --limit SIZE   the most that one package may unpack to, such as 500M (4G)
@@ -41,7 +43,7 @@ FILE           "-" is standard input
 --to FOLDER    created if it is missing
 --help, --version
 
-exit code: 0 good, 1 problems in a package or configuration, 2 wrong usage, 3 something could not be read or written,
+exit code: 0 good, 1 problems in a package, folder or configuration, 2 wrong usage, 3 something could not be read or written,
 4 nothing but warnings
 )";
 
@@ -63,6 +65,7 @@ ExitCode Run(const Arguments& arguments) {
         {"verify", &RunVerify},
         {"unpack", &RunUnpack},
         {"pack", &RunPack},
+        {"check-dump", &RunCheckDump},
         {"check-config", &RunCheckConfig},
         {"config-schema", &RunConfigSchema},
     };

@@ -30,31 +30,6 @@ private:
     const std::string m_path;
 };
 
-// Limits, blacklist and source of a packager's section; without a configuration the defaults.
-bool ReadPackagerConfig(const Arguments& arguments, PackagerConfig& config, AttachmentBlacklist& blacklist) {
-    if (!arguments.config.empty()) {
-        JsonDocument document;
-        const std::string section = arguments.packager.empty() ? "Packager" : arguments.packager;
-        ResultCode result = LoadJsonConfig(arguments.config, document);
-        if (result) {
-            result = ReadConfigSection(document, section.c_str(), config);
-        }
-        AttachmentBlacklist::BadPattern bad;
-        if (result) {
-            result = blacklist.Compile(config.attachmentBlacklist, bad);
-        }
-        if (!result) {
-            const std::string pattern =
-                bad.pattern.empty() ? "" : ": \"" + bad.pattern + "\", " + bad.message;
-            Console::PrintError(arguments.config, "section \"" + section + "\": " + result.Text() + pattern);
-            return false;
-        }
-    }
-    config.submissionFilename =
-        config.submissionFilename.empty() ? DefaultName::Package : config.submissionFilename;
-    return true;
-}
-
 // "." and the like become the full path, whose last part is the folder's name.
 std::string WithName(const std::string& folder) {
     return FolderPath::LastComponent(folder) ? folder : Platform::FullPath(folder);
@@ -92,12 +67,38 @@ std::string Pack(const std::string& folder, const PackagerConfig& config,
 
 } // namespace
 
+bool PackagerSettings::Read(const Arguments& arguments) {
+    if (!arguments.config.empty()) {
+        JsonDocument document;
+        const std::string section = arguments.packager.empty() ? "Packager" : arguments.packager;
+        ResultCode result = LoadJsonConfig(arguments.config, document);
+        if (result) {
+            result = ReadConfigSection(document, section.c_str(), config);
+        }
+        AttachmentBlacklist::BadPattern bad;
+        if (result) {
+            result = blacklist.Compile(config.attachmentBlacklist, bad);
+        }
+        if (!result) {
+            const std::string pattern =
+                bad.pattern.empty() ? "" : ": \"" + bad.pattern + "\", " + bad.message;
+            Console::PrintError(arguments.config, "section \"" + section + "\": " + result.Text() + pattern);
+            return false;
+        }
+        // Without one the defaults stay: what a packager needs, check-config says.
+        static_cast<void>(ReadConfigSection(document, config.watcherName.c_str(), watcher));
+    }
+    config.submissionFilename =
+        config.submissionFilename.empty() ? DefaultName::Package : config.submissionFilename;
+    return true;
+}
+
 ExitCode RunPack(const Arguments& arguments) {
-    PackagerConfig config;
-    AttachmentBlacklist blacklist;
-    if (!ReadPackagerConfig(arguments, config, blacklist)) {
+    PackagerSettings settings;
+    if (!settings.Read(arguments)) {
         return ExitCode::NotReadOrWritten;
     }
+    PackagerConfig& config = settings.config;
     if (!Target::EnsureFolder(arguments.to)) {
         Console::PrintError(arguments.to, "Failed to create the folder");
         return ExitCode::NotReadOrWritten;
@@ -108,7 +109,7 @@ ExitCode RunPack(const Arguments& arguments) {
     ExitCode code = ExitCode::Good;
     for (const std::string& folder : arguments.files) {
         std::string package;
-        const std::string reason = Pack(WithName(folder), config, blacklist, arguments, package);
+        const std::string reason = Pack(WithName(folder), config, settings.blacklist, arguments, package);
         if (reason.empty()) {
             Console::Print(Console::Printable(package) + "\n");
         } else {

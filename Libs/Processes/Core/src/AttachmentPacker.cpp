@@ -12,10 +12,6 @@
 
 namespace {
 
-bool IsMissing(ResultCode result) {
-    return result.Text() == SubmissionFault::NoFile;
-}
-
 // A file of the work folder in the making. It is deleted again unless it is finished: the space is for the
 // next one.
 class PreparedFile {
@@ -87,41 +83,25 @@ ResultCode AttachmentPacker::Pack(Attachment& attachment) const {
 
 ResultCode AttachmentPacker::PackFile(Attachment& attachment) const {
     const std::string& name = attachment.file;
-    Platform::File file;
-    const ResultCode plain = m_submission.OpenFile(name, "", file);
-    if (LooksCompressed(name)) {
-        return plain ? Copy(std::move(file), name, attachment.md5) : plain;
+    SubmissionFolder::FoundAttachment found;
+    RETURN_IF_FAILED(m_submission.OpenAttachment(name, found));
+    Platform::FileSource source(std::move(found.file));
+    if (!found.isCompressed) {
+        return Compress(source, name, attachment.md5);
     }
-    if (!IsMissing(plain)) {
-        return plain ? Compress(std::move(file), name, attachment.md5) : plain;
-    }
-    const ResultCode compressed = m_submission.OpenFile(name, ".gz", file);
-    if (!compressed) {
-        return IsMissing(compressed) ? SubmissionFault::NoAttachment : compressed;
-    }
-    return Copy(std::move(file), name + ".gz", attachment.md5);
+    return Copy(source, LooksCompressed(name) ? name : name + ".gz", attachment.md5);
 }
 
-ResultCode AttachmentPacker::Copy(Platform::File file, const std::string& storedName,
+ResultCode AttachmentPacker::Copy(Platform::ByteSource& source, const std::string& storedName,
                                   std::string& md5) const {
-    Platform::FileSource source(std::move(file));
-    if (source.GetSize() == 0) {
-        return SubmissionFault::EmptyFile;
-    }
-    if (source.GetSize() > PackageFormat::MaxLength) {
-        return SubmissionFault::TooLong;
-    }
     return Store(m_workFolder, storedName, md5, [&](PreparedFile& target) {
         return Platform::ForEachPiece(source, 0, source.GetSize(),
                                       [&](auto piece) { return target.Append(piece); });
     });
 }
 
-ResultCode AttachmentPacker::Compress(Platform::File file, const std::string& name, std::string& md5) const {
-    Platform::FileSource source(std::move(file));
-    if (source.GetSize() == 0) {
-        return SubmissionFault::EmptyFile;
-    }
+ResultCode AttachmentPacker::Compress(Platform::ByteSource& source, const std::string& name,
+                                      std::string& md5) const {
     LimitedBytes content(source, m_limits, name);
     return Store(m_workFolder, name + ".gz", md5, [&](PreparedFile& target) {
         return PlatformHelpers::Compress(content, [&](auto piece) { return target.Append(piece); });

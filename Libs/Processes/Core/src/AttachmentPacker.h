@@ -18,18 +18,15 @@ public:
                      const std::vector<AttachmentLimit>& limits)
         : m_submission(submission), m_workFolder(std::move(workFolder)), m_limits(limits) {}
 
-    // Stores the attachment's file and sets its MD5:
-    //   dump.dmp, plain in the folder        truncated if over its limit, compressed, stored as dump.dmp.gz
-    //   game.log, there only as game.log.gz  copied as game.log.gz
-    //   data.tgz                             copied as data.tgz
-    // A failure leaves nothing of it in the work folder. No exception leaves; memory that runs out is a
-    // failure.
+    // Stores the attachment's file and sets its MD5: truncated if over its limit and compressed as
+    // dump.dmp.gz, or, if it lies compressed in the folder, as it is: game.log.gz, data.tgz. A failure leaves
+    // nothing of it in the work folder. No exception leaves; memory that runs out is a failure.
     ResultCode Pack(Attachment& attachment) const;
 
 private:
     ResultCode PackFile(Attachment& attachment) const;
-    ResultCode Copy(Platform::File file, const std::string& storedName, std::string& md5) const;
-    ResultCode Compress(Platform::File file, const std::string& name, std::string& md5) const;
+    ResultCode Copy(Platform::ByteSource& source, const std::string& storedName, std::string& md5) const;
+    ResultCode Compress(Platform::ByteSource& source, const std::string& name, std::string& md5) const;
 
     const SubmissionFolder& m_submission;
     std::string m_workFolder;

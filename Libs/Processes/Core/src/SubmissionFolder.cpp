@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "Libs/Processes/Core/src/AttachmentName.h"
+#include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 
 namespace {
@@ -53,4 +54,26 @@ ResultCode SubmissionFolder::OpenFile(const std::string& name, const char* endin
         return Platform::Success;
     }
     return IsOfTheMachine(error) ? ResultCode("Failed to open input file") : SubmissionFault::NoFile;
+}
+
+ResultCode SubmissionFolder::OpenAttachment(const std::string& name, FoundAttachment& found) const {
+    RETURN_IF_FAILED(FindAttachment(name, found));
+    if (found.file.GetSize() == 0) {
+        return SubmissionFault::EmptyFile;
+    }
+    if (found.isCompressed && found.file.GetSize() > PackageFormat::MaxLength) {
+        return SubmissionFault::TooLong;
+    }
+    return Platform::Success;
+}
+
+ResultCode SubmissionFolder::FindAttachment(const std::string& name, FoundAttachment& found) const {
+    const ResultCode plain = OpenFile(name, "", found.file);
+    found.isCompressed = LooksCompressed(name);
+    if (plain || found.isCompressed || plain.Text() != SubmissionFault::NoFile) {
+        return plain;
+    }
+    found.isCompressed = true;
+    const ResultCode compressed = OpenFile(name, ".gz", found.file);
+    return compressed.Text() == SubmissionFault::NoFile ? SubmissionFault::NoAttachment : compressed;
 }

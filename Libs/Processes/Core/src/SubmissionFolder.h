@@ -42,7 +42,18 @@ public:
     // SubmissionFault::NoFile if it is missing.
     ResultCode OpenFile(const std::string& name, const char* ending, Platform::File& file) const;
 
+    // Opens an attachment in the form in which it lies in the folder, and refuses one that no package takes.
+    //   dump.dmp, plain in the folder        to be compressed
+    //   game.log, there only as game.log.gz  compressed
+    //   data.tgz                             compressed
+    struct FoundAttachment {
+        Platform::File file;
+        bool isCompressed = false;
+    };
+    ResultCode OpenAttachment(const std::string& name, FoundAttachment& found) const;
+
 private:
+    ResultCode FindAttachment(const std::string& name, FoundAttachment& found) const;
     Platform::SystemError Open(const std::string& name, const char* ending, Platform::File& file) const;
 
     Platform::Folder m_folder;
