@@ -1,19 +1,19 @@
 """Lets every call that the shipped agent makes to the system fail once, and looks at what became of two reports.
 
-  scripts/fault-sweep.sh [--class NAME]... [--stride N] [--errors] [--on] [--drop] [--seconds S] [--jobs N]
+  scripts/fault-sweep.sh [--class NAME]... [--on] [--drop] [--seconds S]
 
 Two submissions with attachments go the whole road while one call fails; then the agent runs without faults. Calls of a
-class are numbered from 1 in the order in which they come, which differs a little from run to run.
+class are numbered from 1 in the order in which they come, which differs a little from run to run. The errors of a class
+take turns.
 
   --class    only these classes (see CLASSES); repeatable
-  --stride   only every Nth call
-  --errors   every error of the class for each call, else they take turns
   --on       the call and all after it fail
   --drop     without KeepFailedSubmissions
   --seconds  stops after that time; the runs are in random order then
 """
 import argparse
 import collections
+import itertools
 import multiprocessing
 import os
 import random
@@ -36,10 +36,10 @@ from wine import BIN, Program, windows_path
 DENIED, NOT_READY, NO_MEMORY, SHARED, NETWORK_GONE, DISK_FULL = 5, 21, 8, 32, 64, 112
 ON_DISK = (SHARED, DENIED, NOT_READY, NO_MEMORY, NETWORK_GONE)
 CLASSES = {  # and the errors that a call of it may meet
-    "open": ON_DISK, "attributes": ON_DISK, "rename": ON_DISK, "delete": ON_DISK, "list": ON_DISK,
+    "open": ON_DISK, "attributes": ON_DISK, "delete": ON_DISK, "list": ON_DISK,
     "folder": ON_DISK + (DISK_FULL,),
     "read": (NOT_READY, NETWORK_GONE, NO_MEMORY), "write": (DISK_FULL, NOT_READY, NETWORK_GONE),
-    "flush": (DISK_FULL, NOT_READY), "map": (NO_MEMORY, DENIED), "allocate": (NO_MEMORY,), "thread": (NO_MEMORY,),
+    "flush": (DISK_FULL, NOT_READY), "allocate": (NO_MEMORY,), "thread": (NO_MEMORY,),
     "winhttp": (12030, 12002, NO_MEMORY), "bcrypt": (NO_MEMORY,), "processes": (DENIED, NO_MEMORY),
     "console": (109, DISK_FULL), "dialog": (NO_MEMORY,),
 }
@@ -85,6 +85,8 @@ class Run:
         self.folder, self.site = folder, Site(folder / LONG, store, bucket)
         self.problems, self.counts, self.log, self.runs, self.is_met = [], {}, "", 0, False
         self._configure()
+        shutil.copy(EXECUTABLE, folder)
+        shutil.copy(BIN / "StrictWindows.dll", folder / "normaliz.dll")
         for name in REPORTS + ("linked",):
             parent = self.site.dumps if name in REPORTS else folder / "outside"
             write_folder(parent / name, files_of(name), header(Key=name, Catalog=catalog(
@@ -127,24 +129,22 @@ class Run:
     def _start(self, fault):
         self.runs += 1
         report = self.folder / f"calls-{self.runs}.txt"
-        variables = wine.environment() | {"STRICT_REPORT": windows_path(report), "STRICT_ANSWER": "6",
-                                          "STRICT_FAULT": f"{fault.kind} {fault.first} {fault.last} {fault.error}"}
-        with Program(BIN / "StrictLauncher.exe", str(LONGEST_RUN), windows_path(EXECUTABLE),
-                     f"-config={windows_path(self.site.write_configuration())}",
+        variables = wine.environment() | {
+            "WINEDLLOVERRIDES": "normaliz=n", "STRICT_REPORT": windows_path(report), "STRICT_ANSWER": "6",
+            "STRICT_FAULT": f"{fault.kind} {fault.first} {fault.last} {fault.error}"}
+        with Program(self.folder / EXECUTABLE.name, f"-config={windows_path(self.site.write_configuration())}",
                      f"-appFolder={windows_path(self.site.folder / 'app')}", variables=variables) as program:
-            program.wait(LONGEST_RUN + 20)
+            try:
+                code = program.wait(LONGEST_RUN)
+            except AssertionError:
+                code = "none in time"
         text = program.text
-        if text.startswith("not started"):  # a busy Wine may fail to
-            self._start(fault)
-            return
         self.log += text
         calls = report.read_text() if report.exists() else ""  # a crash leaves none
         self.counts = self.counts or {name: int(count) for name, count in re.findall(r"^(\w+) (\d+)$", calls, re.M)}
         self.is_met = self.is_met or "failed " in calls
         if "refused " in calls:
             self.problems.append("a name that Windows refuses")
-        code = re.search(r"exit code 0x(\w+)", text)
-        code = int(code[1], 16) if code else "none in time"
         stays = re.search(" Failed (to|post) initialize (step for )?process ProcessMonitor", text)  # nobody ends it
         if (code not in range(5) or EXIT_LINES.get(code, "") not in text and fault.first == fault.last) and not stays:
             self.problems.append(f"exit code {code}")
@@ -196,97 +196,53 @@ class Run:
         self.problems += [f"rest: {path.relative_to(self.site.folder)}" for path in work + half]
 
 
-class Worker:
-    """A Wine prefix, a store and a folder; one run at a time."""
-
-    def __init__(self, folder):
-        wine.SCRATCH, wine.PREFIX = folder, folder / "wine"
-        shutil.rmtree(folder, ignore_errors=True)
-        folder.mkdir(parents=True)
-        wine.make_prefix()
-        self._folder, self._store, self._runs = folder, Store(folder / "store"), 0
-
-    def run(self, fault):
-        self._runs += 1
-        run = Run(self._folder / f"run-{self._runs}", self._store, f"run-{self._runs}", fault)
-        outcome = run.go()
-        if outcome == "FAILED":
-            (run.folder / "log.txt").write_text(run.log)
-        else:
-            shutil.rmtree(run.folder)
-        return outcome, run
-
-    def end(self):
-        self._store.stop()
-        wine.stop_prefix()
-
-
-def work(folder, faults, results, end):
-    worker = Worker(folder)
+def sweep(folder, faults, seconds=1e9):
+    """Runs the faults in a Wine prefix and with a store of their own; returns (class, outcome, calls) of each."""
+    end, runs = time.monotonic() + seconds, []
+    shutil.rmtree(folder, ignore_errors=True)
+    wine.PREFIX = folder / "wine"
+    wine.make_prefix()
     try:
-        for fault in iter(faults.get, None):
-            if time.monotonic() < end:
-                outcome, run = worker.run(fault)
-                results.put((fault, outcome, run.problems, str(run.folder)))
+        with Store(folder / "store") as store:
+            for number, fault in enumerate(faults):
+                if time.monotonic() > end:
+                    break
+                run = Run(folder / f"run-{number}", store, f"run-{number}", fault)
+                runs.append((fault.kind, run.go(), run.counts))
+                if run.problems:
+                    print(f"{fault}: {'; '.join(run.problems)}   {run.folder}", flush=True)
+                    (run.folder / "log.txt").write_text(run.log)
+                else:
+                    shutil.rmtree(run.folder)
     finally:
-        worker.end()
-        results.put(None)
+        wine.stop_prefix()
+    return runs
 
 
 def plan(counts, options):
-    faults = []
-    for kind in options.kinds or CLASSES:
-        errors = CLASSES[kind]
-        for call in range(1, counts[kind] + 1, options.stride):
-            for error in errors if options.errors else errors[call % len(errors):][:1]:
-                faults.append(Fault(kind, call, 1 << 30 if options.on else call, error, not options.drop))
+    faults = [Fault(kind, call, 1 << 30 if options.on else call, CLASSES[kind][call % len(CLASSES[kind])], not options.drop)
+              for kind in options.kinds or CLASSES for call in range(1, counts[kind] + 1)]
     if options.seconds:
         random.shuffle(faults)
     return faults
 
 
-def count_calls(folder):
-    worker = Worker(folder)
-    try:
-        outcome, run = worker.run(NO_FAULT)
-        assert outcome == "sent", f"without a fault: {outcome} {run.problems}\n{run.log}"
-        return run.counts
-    finally:
-        worker.end()
-
-
-def parse_options():
+def main():
     parser = argparse.ArgumentParser(usage=__doc__)
     parser.add_argument("--class", dest="kinds", action="append", choices=CLASSES)
-    parser.add_argument("--stride", type=int, default=1)
-    parser.add_argument("--errors", action="store_true")
     parser.add_argument("--on", action="store_true")
     parser.add_argument("--drop", action="store_true")
     parser.add_argument("--seconds", type=int)
-    parser.add_argument("--jobs", type=int, default=2)
-    return parser.parse_args()
-
-
-def main():
-    options = parse_options()
-    folder = wine.SCRATCH / "sweep"
-    counts = count_calls(folder / "count")
-    faults, results = multiprocessing.Queue(), multiprocessing.Queue()
-    for fault in plan(counts, options) + [None] * options.jobs:
-        faults.put(fault)
-    end = time.monotonic() + (options.seconds or 1e9)
-    for number in range(options.jobs):
-        multiprocessing.Process(target=work, args=(folder / str(number), faults, results, end)).start()
-    table, busy = collections.defaultdict(collections.Counter), options.jobs
-    while busy:
-        result = results.get()
-        if result is None:
-            busy -= 1
-            continue
-        fault, outcome, problems, where = result
-        table[fault.kind][outcome] += 1
-        if problems:
-            print(f"{fault}: {'; '.join(problems)}   {where}", flush=True)
+    options = parser.parse_args()
+    folder, jobs = wine.SCRATCH / "sweep", os.cpu_count()
+    ((_, outcome, counts),) = sweep(folder / "count", [NO_FAULT])
+    assert outcome == "sent", "without a fault"
+    faults = plan(counts, options)
+    with multiprocessing.Pool(jobs) as pool:
+        parts = pool.starmap(sweep, [(folder / str(job), faults[job::jobs], options.seconds or 1e9) for job in range(jobs)])
+    table = collections.defaultdict(collections.Counter)
+    for kind, outcome, _ in itertools.chain(*parts):
+        table[kind][outcome] += 1
     return print_table(counts, table)
 
 

@@ -1,8 +1,8 @@
-// Stands between an executable and the system once StrictLauncher has loaded it there, by the executable's
-// import table. It refuses what a Windows with its default settings refuses and Wine lets pass: long names
-// without their prefix, long components, names of devices. It counts the calls of each class, and lets some
-// of them fail. Counting begins when the program's entry calls SetErrorMode, after the start of the C
-// runtime.
+// Stands between an executable and the system, by the executable's import table. It lies beside it under the
+// name of a library that it imports, Normaliz.dll, and leads that one's functions on to the system's. It
+// refuses paths without the prefix \\?\, of which Windows, but not Wine, refuses some and reads others
+// differently: long ones, names of devices. It counts the calls of each class, and lets some of them fail.
+// Counting begins when the program's entry calls SetErrorMode, after the start of the C runtime.
 //
 //   STRICT_REPORT  file that gets a line for each of the first calls that failed, with the callers' addresses
 //                  relative to the executable, and at the end a line "CLASS CALLS" for each class
@@ -27,10 +27,10 @@
 
 namespace {
 
-// The calls of the first six take paths.
-constexpr std::string_view Classes[] = {"open",    "attributes", "rename",    "delete",  "list",     "folder",
-                                        "read",    "write",      "flush",     "map",     "allocate", "thread",
-                                        "winhttp", "bcrypt",     "processes", "console", "dialog"};
+// The calls of the first five take paths.
+constexpr std::string_view Classes[] = {"open",    "attributes", "delete",    "list",     "folder",
+                                        "read",    "write",      "flush",     "allocate", "thread",
+                                        "winhttp", "bcrypt",     "processes", "console",  "dialog"};
 
 consteval int ClassOf(std::string_view name) {
     return static_cast<int>(std::ranges::find(Classes, name) - std::begin(Classes));
@@ -86,43 +86,13 @@ bool IsToFail(int kind, const char* function) {
     return true;
 }
 
-bool IsDevice(std::wstring_view name) {
-    name = name.substr(0, name.find(L'.'));
-    name = name.substr(0, name.find_last_not_of(L' ') + 1);
-    const auto is = [&](std::wstring_view other) {
-        return name.size() == other.size() && _wcsnicmp(name.data(), other.data(), other.size()) == 0;
-    };
-    const bool isNumbered = name.size() == 4 && name[3] >= L'1' && name[3] <= L'9';
-    if (isNumbered) {
-        name.remove_suffix(1);
-    }
-    return isNumbered ? is(L"COM") || is(L"LPT") : is(L"CON") || is(L"PRN") || is(L"AUX") || is(L"NUL");
-}
-
-// The error of a Windows with LongPathsEnabled = 0 for that path, or 0.
-DWORD ErrorOf(int kind, std::wstring_view path) {
-    const bool isLiteral = path.starts_with(L"\\\\?\\");
-    if (!isLiteral &&
-        GetFullPathNameW(path.data(), 0, nullptr, nullptr) > (kind == ClassOf("folder") ? 248u : 260u)) {
-        return ERROR_PATH_NOT_FOUND; // that length counts the terminator
-    }
-    while (!path.empty()) {
-        const std::wstring_view name = path.substr(0, path.find_first_of(L"\\/"));
-        if (name.size() > 255 || (!isLiteral && IsDevice(name))) {
-            return ERROR_INVALID_NAME;
-        }
-        path.remove_prefix(name.size() < path.size() ? name.size() + 1 : name.size());
-    }
-    return NO_ERROR;
-}
-
 template <class Argument>
 bool IsRefused([[maybe_unused]] int kind, [[maybe_unused]] Argument argument) {
     if constexpr (std::is_same_v<Argument, LPCWSTR>) {
-        const DWORD error = kind <= ClassOf("folder") && argument ? ErrorOf(kind, argument) : NO_ERROR;
-        if (error != NO_ERROR) {
-            Report("refused a path of " + std::to_string(std::wcslen(argument)) + " units");
-            SetLastError(error);
+        const std::wstring_view path = kind <= ClassOf("folder") && argument ? argument : L"CONOUT$";
+        if (!path.starts_with(L"\\\\?\\") && !path.starts_with(L"CON")) {
+            Report("refused a path without its prefix");
+            SetLastError(ERROR_INVALID_NAME);
             return true;
         }
     }
@@ -135,22 +105,17 @@ struct Patch {
     void** real;
 };
 
-template <std::size_t size>
-struct FunctionName {
-    consteval FunctionName(const char (&literal)[size]) { std::copy_n(literal, size, text); }
-    char text[size];
-};
-
-// Stands for one function. failed is what the function returns after a failure.
-template <FunctionName name, int kind, INT_PTR failed, class Signature>
+// Stands for one function; Tag makes it one of its own. failed is what the function returns after a failure.
+template <class Tag, int kind, INT_PTR failed, class Signature>
 struct Hook;
 
-template <FunctionName name, int kind, INT_PTR failed, class R, class... Arguments>
-struct Hook<name, kind, failed, R(Arguments...)> {
+template <class Tag, int kind, INT_PTR failed, class R, class... Arguments>
+struct Hook<Tag, kind, failed, R(Arguments...)> {
     static inline R (*s_real)(Arguments...) = nullptr;
+    static inline const char* s_name = nullptr;
 
     static R Call(Arguments... arguments) {
-        if (IsToFail(KindOf(arguments...), name.text) || (IsRefused(kind, arguments) || ...)) {
+        if (IsToFail(KindOf(arguments...), s_name) || (IsRefused(kind, arguments) || ...)) {
             if constexpr (std::is_pointer_v<R>) {
                 return reinterpret_cast<R>(failed);
             } else {
@@ -175,8 +140,9 @@ struct Hook<name, kind, failed, R(Arguments...)> {
         }
     }
 
-    static Patch Row() {
-        return {name.text, reinterpret_cast<void*>(&Call), reinterpret_cast<void**>(&s_real)};
+    static Patch Row(const char* name) {
+        s_name = name;
+        return {name, reinterpret_cast<void*>(&Call), reinterpret_cast<void**>(&s_real)};
     }
 };
 
@@ -188,19 +154,18 @@ UINT BeginCounting(UINT mode) {
 }
 
 // Its text and its type are needed.
-#define HOOK(function, kind, failed) Hook<#function, ClassOf(kind), failed, decltype(function)>::Row()
+#define HOOK(function, kind, failed) \
+    Hook<decltype([] {}), ClassOf(kind), failed, decltype(function)>::Row(#function)
 
 constexpr INT_PTR NoHandle = -1;
 constexpr INT_PTR NoMemoryStatus = static_cast<INT_PTR>(0xC0000017u);
 
 const Patch Patches[] = {
-    {"SetErrorMode", reinterpret_cast<void*>(&BeginCounting), reinterpret_cast<void**>(&g_setErrorMode)},
     HOOK(CreateFileW, "open", NoHandle),
     HOOK(GetFileAttributesExW, "attributes", 0),
     HOOK(SetFileAttributesW, "attributes", 0),
     HOOK(GetFileInformationByHandle, "attributes", 0),
     HOOK(GetFileInformationByHandleEx, "attributes", 0),
-    HOOK(MoveFileExW, "rename", 0),
     HOOK(DeleteFileW, "delete", 0),
     HOOK(RemoveDirectoryW, "delete", 0),
     HOOK(FindFirstFileExW, "list", NoHandle),
@@ -211,8 +176,6 @@ const Patch Patches[] = {
     HOOK(ReadFile, "read", 0),
     HOOK(WriteFile, "write", 0),
     HOOK(FlushFileBuffers, "flush", 0),
-    HOOK(CreateFileMappingW, "map", 0),
-    HOOK(MapViewOfFile, "map", 0),
     HOOK(malloc, "allocate", 0),
     HOOK(calloc, "allocate", 0),
     HOOK(realloc, "allocate", 0),
@@ -243,6 +206,7 @@ const Patch Patches[] = {
     HOOK(ReadConsoleInputW, "console", 0),
     HOOK(GetNumberOfConsoleInputEvents, "console", 0),
     HOOK(DialogBoxParamW, "dialog", NoHandle),
+    {"SetErrorMode", reinterpret_cast<void*>(&BeginCounting), reinterpret_cast<void**>(&g_setErrorMode)},
 };
 
 void PatchImport(const char* name, ULONGLONG& function) {
