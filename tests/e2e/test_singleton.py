@@ -31,7 +31,7 @@ def copies(site):
         return agent
 
     yield start
-    for program in (*started, game):
+    for program in (game, *reversed(started)):  # the first one's outputs are held by Wine's desktop, which ends with the last
         program.kill()
 
 
