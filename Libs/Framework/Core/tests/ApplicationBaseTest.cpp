@@ -123,21 +123,17 @@ public:
             case 2:
                 throw std::runtime_error("thrown");
             default:
-                m_paused = true;
                 Pause(4294967295);
             }
         });
     }
-    std::atomic<bool> m_paused = false;
-
-private:
-    int m_rounds = 0;
+    std::atomic<int> m_rounds = 0;
 };
 
 TEST_F(ApplicationBaseTest, ARoundMayThrowAndAStopEndsAPause) {
     ThrowingProcess process(m_application.get(), "P");
     ASSERT_TRUE(process.Start());
-    ASSERT_TRUE(Await([&] { return process.m_paused.load(); }));
+    ASSERT_TRUE(Await([&] { return process.m_rounds == 3; }));
     const auto asked = std::chrono::steady_clock::now();
     process.RequestShutdown();
     process.GetThread()->Join();

@@ -4,7 +4,6 @@
 #include <zlib.h>
 
 #include <algorithm>
-#include <limits>
 #include <random>
 #include <string>
 
@@ -46,9 +45,8 @@ Bytes Compressed(const Bytes& content) {
     return compressed;
 }
 
-// Returns the result's text; unpacks into content as far as the stream and the limit allow.
-std::string Unpack(const Bytes& input, Bytes& content,
-                   uint64_t limit = std::numeric_limits<uint64_t>::max()) {
+// Returns the result's text; unpacks into content as far as the stream allows.
+std::string Unpack(const Bytes& input, Bytes& content) {
     PlatformHelpers::InflateProgress progress;
     content.clear();
     Bytes around = {0x1F}; // what lies around the stream does not count
@@ -56,7 +54,7 @@ std::string Unpack(const Bytes& input, Bytes& content,
     around.push_back(0x8B);
     Platform::MemorySource source(around);
     const ResultCode result =
-        PlatformHelpers::Decompress(source, 1, input.size(), limit, AppendTo(content), progress);
+        PlatformHelpers::Decompress(source, 1, input.size(), UINT64_MAX, AppendTo(content), progress);
     EXPECT_EQ(progress.produced, content.size());
     return result.Text();
 }
@@ -99,14 +97,13 @@ TEST(Decompress, GivesBackWhatWasCompressed) {
 TEST(Decompress, TakesStreamsInARowAsOneContent) {
     Bytes content;
     const Bytes big = Noise(65535); // a piece of the input ends within the second stream's first bytes
-    Bytes row = Compressed({'a', 'b'});
-    for (const Bytes& next : {Bytes{'c'}, big, big}) {
+    Bytes row;
+    Bytes expected;
+    for (const Bytes& next : {Bytes{'a', 'b'}, Bytes{'c'}, big, big}) {
         std::ranges::copy(Compressed(next), std::back_inserter(row));
+        std::ranges::copy(next, std::back_inserter(expected));
     }
     EXPECT_EQ(Unpack(row, content), "OK");
-    Bytes expected = {'a', 'b', 'c'};
-    expected.insert(expected.end(), big.begin(), big.end());
-    expected.insert(expected.end(), big.begin(), big.end());
     EXPECT_EQ(content, expected);
     row.push_back(0);
     EXPECT_EQ(Unpack(row, content), "Other bytes follow the gzip stream");
@@ -127,20 +124,16 @@ TEST(Decompress, RefusesEveryShorterOrChangedStream) {
     }
 }
 
-TEST(Decompress, StopsAtTheLimitAndWhenTheSinkRefuses) {
-    const Bytes bomb = Compressed(Bytes(10 << 20));
-    Bytes content;
-    EXPECT_EQ(Unpack(bomb, content, 100000), "The unpacked content is over the limit");
-    EXPECT_LE(content.size(), 100000u);
-    EXPECT_EQ(Unpack(bomb, content, 10 << 20), "OK");
+TEST(Decompress, StopsWhenTheSinkRefuses) {
     int calls = 0;
     PlatformHelpers::InflateProgress progress;
     const auto refuse = [&](std::span<const uint8_t>) -> ResultCode {
         ++calls;
         return "No";
     };
-    Platform::MemorySource source(bomb);
-    EXPECT_STREQ(PlatformHelpers::Decompress(source, 0, bomb.size(), 10 << 20, refuse, progress).Text(),
+    const Bytes stream = Compressed(Bytes(1 << 20));
+    Platform::MemorySource source(stream);
+    EXPECT_STREQ(PlatformHelpers::Decompress(source, 0, stream.size(), 2 << 20, refuse, progress).Text(),
                  "No");
     EXPECT_EQ(calls, 1);
 }

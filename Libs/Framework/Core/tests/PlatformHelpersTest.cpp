@@ -62,24 +62,6 @@ TEST(PlatformHelpersText, ComposesTextOfAnyLength) {
     EXPECT_EQ(wide, composed);
 }
 
-TEST(PlatformHelpersText, IllFormedTextIsRefused) {
-    std::wstring wide = L"old";
-    EXPECT_FALSE(PlatformHelpers::Utf8ToWide("a\xC3", wide));
-    EXPECT_TRUE(wide.empty());
-    std::string text = "old";
-    EXPECT_FALSE(PlatformHelpers::WideToUtf8(L"ab\xD800x", text));
-    EXPECT_TRUE(text.empty());
-}
-
-TEST(PlatformHelpersVersion, WithoutAChangeNumberItIsAFailure) {
-    PlatformHelpers::ModuleVersion version;
-    uint32_t changelist = 9;
-    EXPECT_STREQ(
-        PlatformHelpers::GetModuleVersion(R"(C:\windows\system32\kernel32.dll)", version, changelist).Text(),
-        "Failed to find changelist in resources for localized version info");
-    EXPECT_EQ(changelist, 0u);
-}
-
 TEST(PlatformHelpersProcesses, AreFoundByTheEndOfTheirName) {
     const struct {
         const char* image;

@@ -2,11 +2,9 @@
 
 #include <windows.h>
 
-#include <atomic>
 #include <filesystem>
 #include <fstream>
 #include <map>
-#include <thread>
 
 #include "tests/support/ProcessFixture.h"
 
@@ -83,24 +81,6 @@ TEST_F(DiskQuotaTest, MeasuresTheFilesDirectlyInside) {
     }
     EXPECT_EQ(measured, (std::map<std::string, std::string>{
                             {"empty", "0"}, {"nested", "3"}, {"wrong case", "2"}, {"太郎", "2v"}}));
-}
-
-// Taken for one of the future it would be removed while the game still writes it.
-TEST_F(DiskQuotaTest, AFolderThatIsMadeDuringAScanIsYoung) {
-    m_scratch.MakeFolder("area");
-    std::atomic<bool> isDone = false;
-    std::thread game([&] {
-        for (int i = 0; i < 60; ++i) {
-            m_scratch.MakeFile("area/" + std::to_string(i) + "/game.log", "x");
-        }
-        isDone = true;
-    });
-    while (!isDone) {
-        std::vector<QuotaDecision::FolderRecord> records;
-        EXPECT_TRUE(ScanArea(m_scratch.PathOf("area") + "\\", records));
-        EXPECT_TRUE(records.empty() || records.back().age < 1000);
-    }
-    game.join();
 }
 
 TEST_F(DiskQuotaTest, OfEachAreaTheOldestBeyondTheQuotaGo) {

@@ -1,8 +1,5 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 
-#include <cstdlib>
-#include <new>
-
 #include <gtest/gtest.h>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
@@ -52,31 +49,3 @@ TEST(PlatformIO, TreesBeginBelowTheRoot) {
         EXPECT_EQ(Exists(row.path), row.isMade) << row.path;
     }
 }
-
-#if defined(_WIN32)
-// This program's memory ends at 1 GiB a block: the system might promise more than it can give.
-void* operator new(std::size_t size) {
-    void* const block = size > (std::size_t{1} << 30) ? nullptr : std::malloc(size);
-    if (!block) {
-        throw std::bad_alloc();
-    }
-    return block;
-}
-void operator delete(void* block) noexcept {
-    std::free(block);
-}
-void operator delete(void* block, std::size_t) noexcept {
-    std::free(block);
-}
-
-TEST(PlatformIO, FileBeyondMemoryIsAReadFailure) {
-    const TestSupport::ScratchFolder scratch;
-    const std::string path = scratch.PathOf("huge");
-    File file;
-    ASSERT_EQ(file.Open(path, FileWrite | FileCreateNew, ShareAll), NoError);
-    ASSERT_TRUE(WriteFileAt(file.Get(), uint64_t{5} << 30, "x", 1)); // nothing before it takes room
-    std::vector<uint8_t> bytes = {9};
-    EXPECT_EQ(ReadWholeFile(path, bytes), ReadOutcome::ReadFailed);
-    EXPECT_TRUE(bytes.empty());
-}
-#endif
