@@ -41,6 +41,14 @@ class Site:
                                "WatchedApplications": ["SampleGame.exe"]},
         }
 
+    def use_signer(self, url, **keys):
+        """The uploader without a key, in place of the one with a key."""
+        application = self.configuration["Application"]
+        application["Processes"]["UploaderPresigned"] = application["Processes"].pop("UploaderS3")
+        del application["Components"]
+        self.configuration["Uploader"] = {"WatcherName": "PackageWatcher", "SignerUrl": url, "TimeBetweenChecks": 20,
+                                          **keys}
+
     def write_configuration(self, content=None):
         """Writes the configuration, or the given bytes instead; returns the path."""
         path = self.folder / "agent.json"

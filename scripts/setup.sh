@@ -45,6 +45,7 @@ packages=(
     python3-pytest=7.2.1
     python3-pytest-xdist=3.1.0
     python3-swift=2.30.1
+    python3-boto3=1.26.27               # Tools/UploadSigner
     openssl=3.0.                        # the store's test certificates
     curl=7.88.1                         # bench.sh: the script to measure up to
     mount=2.38.                         # the test of the default endpoint, in a file system of its own

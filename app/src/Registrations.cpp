@@ -1,6 +1,7 @@
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/Factory.h"
 #include "Libs/Processes/Cloud/src/CloudComponent.h"
+#include "Libs/Processes/Cloud/src/UploaderPresigned.h"
 #include "Libs/Processes/Cloud/src/UploaderS3.h"
 #include "Libs/Processes/Core/src/DiskQuota.h"
 #include "Libs/Processes/Core/src/Packager.h"

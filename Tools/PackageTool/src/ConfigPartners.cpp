@@ -6,6 +6,7 @@
 #include <set>
 
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
+#include "Libs/Processes/Cloud/src/SignerProtocol.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
@@ -141,22 +142,39 @@ private:
     }
 
     void CheckUploaders() {
+        const auto& components = m_sections.application.components;
         for (const auto& [name, uploader] : m_sections.uploaders) {
-            const UploaderS3Config& config = uploader.config;
-            const auto& components = m_sections.application.components;
             if (std::find(components.begin(), components.end(), "CloudComponent") == components.end()) {
                 m_report(*m_sections.instances.at(name).name,
                          Quoted(name) + ": UploaderS3 requires CloudComponent for initialization");
             }
             CheckEndpoint(uploader);
-            if (!uploader.json->HasMember("WatcherName")) {
-                continue;
-            }
-            const auto* watcher = FindWatcher(config.watcherName, uploader.At("WatcherName"),
-                                              "No watcher process to provide submissions for uploader");
-            CheckSentinel(watcher, PackageName(config.submissionFilename),
-                          "uploader " + Quoted(name) + " sends");
-            CheckUploadFolder(uploader, watcher);
+            CheckUploader(name, uploader);
+        }
+        for (const auto& [name, uploader] : m_sections.presignedUploaders) {
+            CheckSigner(uploader);
+            CheckUploader(name, uploader);
+        }
+    }
+
+    template <class Config>
+    void CheckUploader(const std::string& name, const ConfigSection<Config>& uploader) {
+        if (!uploader.json->HasMember("WatcherName")) {
+            return;
+        }
+        const auto* watcher = FindWatcher(uploader.config.watcherName, uploader.At("WatcherName"),
+                                          "No watcher process to provide submissions for uploader");
+        CheckSentinel(watcher, PackageName(uploader.config.submissionFilename),
+                      "uploader " + Quoted(name) + " sends");
+        CheckUploadFolder(uploader, watcher);
+    }
+
+    // As the uploader itself does it.
+    void CheckSigner(const ConfigSection<UploaderPresignedConfig>& uploader) {
+        const ResultCode result = SignerProtocol::CheckSettings(uploader.config);
+        if (!result && uploader.At("SignerUrl").IsString()) {
+            const bool isUrl = std::string_view(result.Text()).starts_with("SignerUrl");
+            m_report(uploader.At(isUrl ? "SignerUrl" : "SignerHeaders"), result.Text());
         }
     }
 
@@ -191,7 +209,8 @@ private:
     }
 
     // Some packager must fill the folder from which packages are sent, under the name that is looked for.
-    void CheckUploadFolder(const ConfigSection<UploaderS3Config>& uploader,
+    template <class Config>
+    void CheckUploadFolder(const ConfigSection<Config>& uploader,
                            const ConfigSection<WatcherConfig>* watcher) {
         const std::optional<std::string> folder = WatchedFolder(watcher);
         if (!folder || m_sections.packagers.empty()) {

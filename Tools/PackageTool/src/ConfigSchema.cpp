@@ -3,6 +3,7 @@
 #include <limits>
 #include <new>
 
+#include "Libs/Processes/Core/src/ProcessClasses.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
@@ -156,11 +157,11 @@ void NameClasses(SchemaBuilder& builder, JsonValue& application) {
 
 JsonValue Definitions(SchemaBuilder& builder) {
     JsonValue definitions(rapidjson::kObjectType);
-    builder.Add(definitions, "DiskQuota", builder.RecordWithDefaults<DiskQuotaConfig>());
-    builder.Add(definitions, "Packager", builder.RecordWithDefaults<PackagerConfig>());
-    builder.Add(definitions, "ProcessMonitor", builder.RecordWithDefaults<ProcessMonitorConfig>());
-    builder.Add(definitions, "UploaderS3", builder.RecordWithDefaults<UploaderS3Config>());
-    builder.Add(definitions, "Watcher", builder.RecordWithDefaults<WatcherConfig>());
+#define ADD_DEFINITION(Class, Config) builder.Add(definitions, #Class, builder.RecordWithDefaults<Config>());
+#define ADD_NOTHING(Class)
+    MORVANE_PROCESS_CLASSES(ADD_DEFINITION, ADD_NOTHING)
+#undef ADD_DEFINITION
+#undef ADD_NOTHING
     return definitions;
 }
 

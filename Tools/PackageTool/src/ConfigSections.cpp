@@ -195,6 +195,7 @@ private:
         ReadInto(m_sections.watchers, name, instance, *section);
         ReadInto(m_sections.packagers, name, instance, *section);
         ReadInto(m_sections.uploaders, name, instance, *section);
+        ReadInto(m_sections.presignedUploaders, name, instance, *section);
         ReadInto(m_sections.quotas, name, instance, *section);
         ReadInto(m_sections.monitors, name, instance, *section);
     }

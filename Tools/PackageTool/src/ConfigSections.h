@@ -52,6 +52,7 @@ struct ConfigSections {
     ConfigSectionMap<WatcherConfig> watchers;
     ConfigSectionMap<PackagerConfig> packagers;
     ConfigSectionMap<UploaderS3Config> uploaders;
+    ConfigSectionMap<UploaderPresignedConfig> presignedUploaders;
     ConfigSectionMap<DiskQuotaConfig> quotas;
     ConfigSectionMap<ProcessMonitorConfig> monitors;
 };

@@ -8,8 +8,9 @@
 
 namespace {
 
-// Of docs/recommended-configuration.json.
-constexpr const char* Placeholders[] = {"My Game", "MyGame.exe", "my-crashes", "AKIA...", "..."};
+// Of the recommended configurations in docs.
+constexpr const char* Placeholders[] = {"My Game", "MyGame.exe", "my-crashes",
+                                        "AKIA...", "...",        "https://....lambda-url.us-east-1.on.aws/"};
 
 void WarnOfText(const JsonValue& value, const ConfigReport& warn) {
     const std::string text = TextOf(value);

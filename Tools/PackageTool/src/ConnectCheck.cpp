@@ -1,5 +1,6 @@
 #include "Tools/PackageTool/src/ConnectCheck.h"
 
+#include "Libs/Processes/Cloud/src/PresignedObjectStore.h"
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
 #include "Libs/Processes/Cloud/src/S3Upload.h"
 #include "Tools/PackageTool/src/ConfigSections.h"
@@ -8,20 +9,29 @@ namespace {
 
 constexpr std::string_view Object = "Stored by PackageTool check-config --connect. It can be deleted.\n";
 
+constexpr uint32_t ConnectTimeoutMs = 500; // as the agent's uploads
+constexpr uint32_t RequestTimeoutMs = 30000;
+
 // The client has said the reason in the log.
-ExitCode TryUploader(const std::string& where, const UploaderS3Config& config) {
-    ObjectStoreConfig store = StoreOf(config);
-    store.connectTimeoutMs = 500; // as the agent's uploads
-    store.requestTimeoutMs = 30000;
+ExitCode TryStore(const std::string& where, IObjectStore& store, bool verifyETag, const std::string& place) {
     const std::span bytes(reinterpret_cast<const uint8_t*>(Object.data()), Object.size());
     Platform::MemorySource source(bytes);
     UploadAnswer answer;
-    const ResultCode result = PutPackage(*CreateObjectStore(store), source, config.verifyETag, answer);
-    Console::Print(
-        where +
-        (result ? "stored " + answer.key + " in bucket " + config.bucketName : std::string(result.Text())) +
-        "\n");
+    const ResultCode result = PutPackage(store, source, verifyETag, answer);
+    Console::Print(where + (result ? "stored " + answer.key + place : std::string(result.Text())) + "\n");
     return result ? ExitCode::Good : ExitCode::ProblemsFound;
+}
+
+ExitCode TryUploader(const std::string& where, const UploaderS3Config& config) {
+    ObjectStoreConfig store = StoreOf(config);
+    store.connectTimeoutMs = ConnectTimeoutMs;
+    store.requestTimeoutMs = RequestTimeoutMs;
+    return TryStore(where, *CreateObjectStore(store), config.verifyETag, " in bucket " + config.bucketName);
+}
+
+ExitCode TryUploader(const std::string& where, const UploaderPresignedConfig& config) {
+    const auto store = CreatePresignedObjectStore(config, ConnectTimeoutMs, RequestTimeoutMs);
+    return TryStore(where, *store, config.verifyETag, " where the signer said");
 }
 
 } // namespace
@@ -35,9 +45,13 @@ ExitCode TryUploaders(const std::string& file, std::string_view text) {
     ReadConfigSections(
         document, [](const JsonValue&, const std::string&) {}, sections);
     ExitCode code = ExitCode::Good;
-    for (const auto& [name, uploader] : sections.uploaders) {
-        Raise(code, TryUploader(Console::Printable(file + ": " + Quoted(name) + ": "), uploader.config));
-    }
+    const auto tryEach = [&](const auto& uploaders) {
+        for (const auto& [name, uploader] : uploaders) {
+            Raise(code, TryUploader(Console::Printable(file + ": " + Quoted(name) + ": "), uploader.config));
+        }
+    };
+    tryEach(sections.uploaders);
+    tryEach(sections.presignedUploaders);
     static_cast<void>(ShutdownObjectStores());
     return code;
 }

@@ -67,6 +67,16 @@ TEST(ConfigCheck, SaysWhatIsWrongAndWhere) {
         {R"("AccessKey": "AK")", R"("AccessKey": "")", "9:79: \"AccessKey\" is empty"},
         {R"("AccessKey": "AK")", R"("AccessKey": "AK", "EndpointOverride": "ftp://x")",
          "9:105: Endpoint override is not a scheme, a host and a port"},
+        {R"("Shutdowner": ["Quit"]},
+  "Components": ["CloudComponent"], "ApplicationFolder": ""},)",
+         R"("UploaderPresigned": ["Keyless", "Key"]}},
+"Keyless": {"WatcherName": "Packages", "SignerUrl": "http://x/"}, "Key": {"WatcherName": "Packages",
+  "SignerUrl": "https://x/", "SignerHeaders": {"host": "y"}, "AccessKey": "A"},)",
+         "4:18: \"Uploader\": UploaderS3 requires CloudComponent for initialization\n5:53: SignerUrl is not "
+         "an "
+         "https address\n6:47: SignerHeaders has a header that can't be sent\n6:62: Unknown key "
+         "\"AccessKey\", did "
+         "you mean \"WatcherName\"?"},
         // Warnings of what is hardly meant
         {R"("AK", "SecretKey": "SK")", R"("AKIA...", "SecretKey": "SK ")",
          "9:79: warning: \"AKIA...\" is a placeholder of the template\n9:103: warning: \"SK \" has a blank "

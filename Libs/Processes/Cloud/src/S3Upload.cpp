@@ -65,10 +65,10 @@ int64_t AnnouncedLength(uint64_t packageSize) {
     return static_cast<int32_t>(static_cast<uint32_t>(packageSize)); // deliberately narrowed, see the header
 }
 
-ResultCode LoggedStep(ResultCode step, uint32_t number, std::string_view answer) {
+ResultCode LoggedStep(ResultCode step, uint32_t number, std::string_view answer, const char* whom) {
     const std::string code(S3ErrorCode(answer));
     const std::string why = number != 0 ? ": " + std::to_string(number) : "";
-    PLATFORM_LOG(Platform::ErrorLog, " Upload stopped at: %s%s%s%s", step.Text(), why.c_str(),
+    PLATFORM_LOG(Platform::ErrorLog, " Upload stopped at: %s%s%s%s%s", whom, step.Text(), why.c_str(),
                  code.empty() ? "" : " ", code.c_str());
     return step;
 }

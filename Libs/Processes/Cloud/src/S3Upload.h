@@ -26,9 +26,10 @@ ResultCode RequestForPackage(Platform::ByteSource& package, PutObjectRequest& re
 // larger one is announced wrongly and taken by no store.
 [[nodiscard]] int64_t AnnouncedLength(uint64_t packageSize);
 
-// Logs why an upload failed, for the clients: the step, the system's or HTTP's number, 0 for none, and S3's
-// code if the beginning of the store's answer has one. Returns the step.
-ResultCode LoggedStep(ResultCode step, uint32_t number, std::string_view answer);
+// Logs why an upload failed, for the clients: the step, with whom it was if that is not the store, the
+// system's or HTTP's number, 0 for none, and S3's code if the beginning of the store's answer has one.
+// Returns the step.
+ResultCode LoggedStep(ResultCode step, uint32_t number, std::string_view answer, const char* whom = "");
 
 // Of a Retry-After header: 0 unless it is a number of seconds. The form with a date is not obeyed, since the
 // player's clock may be wrong.

@@ -30,8 +30,8 @@ constexpr DWORD ErrorAnswerTime = 1000; // milliseconds, for an upload that has 
 struct StepState {
     Platform::KernelHandle ended{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     std::atomic<DWORD> error = ERROR_SUCCESS;
-    std::atomic<DWORD> bytesRead = 0;
-    std::vector<uint8_t> piece; // WinHTTP reads or fills it until the step ends
+    std::atomic<DWORD> count = 0; // of bytes that can be read, or were
+    std::vector<uint8_t> piece;   // WinHTTP reads or fills it until the step ends
 
     void End(DWORD stepError) {
         error = stepError;
@@ -55,8 +55,12 @@ void CALLBACK OnNotice(HINTERNET, DWORD_PTR contextValue, DWORD status, void* in
     case WINHTTP_CALLBACK_STATUS_HEADERS_AVAILABLE:
         (*context)->End(ERROR_SUCCESS);
         break;
+    case WINHTTP_CALLBACK_STATUS_DATA_AVAILABLE:
+        (*context)->count = *static_cast<const DWORD*>(information);
+        (*context)->End(ERROR_SUCCESS);
+        break;
     case WINHTTP_CALLBACK_STATUS_READ_COMPLETE:
-        (*context)->bytesRead = length;
+        (*context)->count = length;
         (*context)->End(ERROR_SUCCESS);
         break;
     case WINHTTP_CALLBACK_STATUS_REQUEST_ERROR:
@@ -251,20 +255,24 @@ ResultCode Exchange::Receive(HttpAnswer& answer) {
     return Platform::Success;
 }
 
+// Asks how much is there before each read: Wine reads what was asked for within the call, and waits for it.
 ResultCode Exchange::ReadBody(std::size_t limit, DWORD limitMs, std::string& body) {
     const uint64_t end = GetTickCount64() + limitMs;
+    const auto left = [end] { return static_cast<DWORD>(end - std::min<uint64_t>(GetTickCount64(), end)); };
+    std::vector<uint8_t>& piece = m_step->piece;
     while (body.size() <= limit) {
-        const uint64_t now = std::min<uint64_t>(GetTickCount64(), end);
-        std::vector<uint8_t>& piece = m_step->piece;
-        piece.resize(std::min(limit + 1 - body.size(), LargestPiece));
-        if (Wait(WinHttpReadData(m_request.Get(), piece.data(), static_cast<DWORD>(piece.size()), nullptr),
-                 static_cast<DWORD>(end - now)) != Outcome::Done) {
+        if (Wait(WinHttpQueryDataAvailable(m_request.Get(), nullptr), left()) != Outcome::Done) {
             return "Failed to read HTTP answer";
         }
-        if (m_step->bytesRead == 0) {
+        if (m_step->count == 0) {
             return Platform::Success;
         }
-        body.append(piece.begin(), piece.begin() + m_step->bytesRead);
+        piece.resize(std::min({std::size_t{m_step->count}, limit + 1 - body.size(), LargestPiece}));
+        if (Wait(WinHttpReadData(m_request.Get(), piece.data(), static_cast<DWORD>(piece.size()), nullptr),
+                 left()) != Outcome::Done) {
+            return "Failed to read HTTP answer";
+        }
+        body.append(piece.begin(), piece.begin() + m_step->count);
     }
     return "HTTP answer is too long";
 }

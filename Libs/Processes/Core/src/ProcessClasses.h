@@ -7,11 +7,11 @@
 //   #define WithSection(Class, Config) ...
 //   #define WithoutSection(Class) ...
 //   MORVANE_PROCESS_CLASSES(WithSection, WithoutSection)
-#define MORVANE_PROCESS_CLASSES(WithSection, WithoutSection)                             \
-    WithSection(DiskQuota, DiskQuotaConfig) WithSection(Packager, PackagerConfig)        \
-        WithSection(ProcessMonitor, ProcessMonitorConfig) WithoutSection(Shutdowner)     \
-            WithoutSection(SingletonAssurance) WithSection(UploaderS3, UploaderS3Config) \
-                WithSection(Watcher, WatcherConfig)
+#define MORVANE_PROCESS_CLASSES(WithSection, WithoutSection)                                           \
+    WithSection(DiskQuota, DiskQuotaConfig) WithSection(Packager, PackagerConfig)                      \
+        WithSection(ProcessMonitor, ProcessMonitorConfig) WithoutSection(Shutdowner)                   \
+            WithoutSection(SingletonAssurance) WithSection(UploaderPresigned, UploaderPresignedConfig) \
+                WithSection(UploaderS3, UploaderS3Config) WithSection(Watcher, WatcherConfig)
 
 // The same for "Components".
 #define MORVANE_COMPONENT_CLASSES(Component) Component(CloudComponent)

@@ -51,3 +51,7 @@ Reflection_DefineType(UploaderS3Config, Reflection_Base(UploaderConfig),
                       Reflection_Field(region, "Region", Reflection::OptionalAttribute()),
                       Reflection_Field(useVirtualAddressing, "UseVirtualAddressing",
                                        Reflection::OptionalAttribute()));
+
+Reflection_DefineType(UploaderPresignedConfig, Reflection_Base(UploaderConfig),
+                      Reflection_Field(signerUrl, "SignerUrl"),
+                      Reflection_Field(signerHeaders, "SignerHeaders", Reflection::OptionalAttribute()));

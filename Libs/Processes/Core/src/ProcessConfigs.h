@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <string>
 #include <vector>
 
@@ -100,3 +101,10 @@ struct UploaderS3Config : UploaderConfig {
     bool useVirtualAddressing = true; // false: the bucket in the path, for stores without wildcard names
 };
 Reflection_DeclareType(UploaderS3Config);
+
+// Nothing of it is secret.
+struct UploaderPresignedConfig : UploaderConfig {
+    std::string signerUrl; // of the studio's signer: https, or http to this machine
+    std::map<std::string, std::string> signerHeaders; // sent with every question, such as a build's number
+};
+Reflection_DeclareType(UploaderPresignedConfig);

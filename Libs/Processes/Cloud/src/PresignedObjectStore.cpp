@@ -1,0 +1,83 @@
+#include "Libs/Processes/Cloud/src/PresignedObjectStore.h"
+
+#include <span>
+#include <utility>
+
+#include "Libs/Processes/Cloud/src/S3Upload.h"
+#include "Libs/Processes/Cloud/src/SignerProtocol.h"
+#include "Libs/Processes/Cloud/src/WinHttpRequest.h"
+
+namespace {
+
+class PresignedObjectStore : public IObjectStore {
+public:
+    PresignedObjectStore(UploaderPresignedConfig config, uint32_t connectTimeoutMs, uint32_t requestTimeoutMs)
+        : m_config(std::move(config)), m_connectTimeoutMs(connectTimeoutMs),
+          m_requestTimeoutMs(requestTimeoutMs) {}
+
+    ResultCode PutObject(const PutObjectRequest& request, PutAnswer& answer) override;
+
+private:
+    HttpRequest NewRequest(HttpAddress address, std::vector<HttpHeader> headers,
+                           Platform::ByteSource& body) const;
+    ResultCode AskSigner(const std::string& question, HttpAnswer& answer) const;
+
+    const UploaderPresignedConfig m_config;
+    const uint32_t m_connectTimeoutMs;
+    const uint32_t m_requestTimeoutMs;
+};
+
+HttpRequest PresignedObjectStore::NewRequest(HttpAddress address, std::vector<HttpHeader> headers,
+                                             Platform::ByteSource& body) const {
+    HttpRequest request;
+    headers.push_back({"Host", address.HostHeader()});
+    headers.push_back({"Content-Length", std::to_string(body.GetSize())});
+    request.address = std::move(address);
+    request.headers = std::move(headers);
+    request.body = &body;
+    request.connectTimeoutMs = m_connectTimeoutMs;
+    request.requestTimeoutMs = m_requestTimeoutMs;
+    return request;
+}
+
+ResultCode PresignedObjectStore::PutObject(const PutObjectRequest& request, PutAnswer& answer) {
+    HttpAnswer heard;
+    const ResultCode asked = AskSigner(SignerProtocol::Question(request), heard);
+    answer = {{}, heard.httpStatus, heard.retryAfterSeconds};
+    RETURN_IF_FAILED(asked);
+    SignerProtocol::SignedPut put;
+    if (const ResultCode result = SignerProtocol::ReadAnswer(heard.body, put); !result) {
+        return LoggedStep(result, 0, {});
+    }
+    put.headers.push_back({"Content-MD5", request.contentMd5});
+    return PutOverHttp(NewRequest(std::move(put.address), std::move(put.headers), *request.body), answer);
+}
+
+ResultCode PresignedObjectStore::AskSigner(const std::string& question, HttpAnswer& answer) const {
+    if (const ResultCode result = SignerProtocol::CheckSettings(m_config); !result) {
+        return LoggedStep(result, 0, {});
+    }
+    std::vector<HttpHeader> headers = {{"Content-Type", "application/json"}};
+    for (const auto& [name, value] : m_config.signerHeaders) {
+        headers.push_back({name, value});
+    }
+    Platform::MemorySource body(
+        std::span(reinterpret_cast<const uint8_t*>(question.data()), question.size()));
+    HttpRequest request =
+        NewRequest(*SignerProtocol::ParseAddress(m_config.signerUrl), std::move(headers), body);
+    request.method = "POST";
+    request.largestAnswer = SignerProtocol::LargestAnswer;
+    if (const ResultCode result = SendHttpRequest(request, answer); !result) {
+        return LoggedStep(result, answer.error, {}, "Signer: ");
+    }
+    return answer.IsSuccess() ? Platform::Success
+                              : LoggedStep("Signer refused the package", answer.httpStatus, {});
+}
+
+} // namespace
+
+std::unique_ptr<IObjectStore> CreatePresignedObjectStore(const UploaderPresignedConfig& config,
+                                                         uint32_t connectTimeoutMs,
+                                                         uint32_t requestTimeoutMs) {
+    return std::make_unique<PresignedObjectStore>(config, connectTimeoutMs, requestTimeoutMs);
+}
