@@ -31,15 +31,6 @@ public:
     AssertCapture(const AssertCapture&) = delete; // there is one assertion state
     AssertCapture& operator=(const AssertCapture&) = delete;
 
-    // "expression|message" of every failure.
-    std::vector<std::string> Texts() const {
-        std::vector<std::string> texts;
-        texts.reserve(s_failures.size());
-        for (const Failure& failure : s_failures) {
-            texts.push_back(failure.expression + "|" + failure.message);
-        }
-        return texts;
-    }
     const std::vector<Failure>& Failures() const { return s_failures; }
 
 private:

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 #include <map>
+#include <thread>
 
 #include "tests/support/ProcessFixture.h"
 
@@ -81,6 +82,21 @@ TEST_F(DiskQuotaTest, MeasuresTheFilesDirectlyInside) {
     }
     EXPECT_EQ(measured, (std::map<std::string, std::string>{
                             {"empty", "0"}, {"nested", "3"}, {"wrong case", "2"}, {"太郎", "2v"}}));
+}
+
+// Taken for one of the future it would be removed while the game still writes it.
+TEST_F(DiskQuotaTest, AFolderThatIsMadeDuringAScanIsYoung) {
+    m_scratch.MakeFolder("area");
+    std::jthread game([&] {
+        for (int i = 0; i < 60; ++i) {
+            m_scratch.MakeFile("area/" + std::to_string(i) + "/game.log", "x");
+        }
+    });
+    std::vector<QuotaDecision::FolderRecord> records;
+    while (records.size() < 60) {
+        EXPECT_TRUE(ScanArea(m_scratch.PathOf("area") + "\\", records));
+        EXPECT_TRUE(records.empty() || records.back().age < 1000);
+    }
 }
 
 TEST_F(DiskQuotaTest, OfEachAreaTheOldestBeyondTheQuotaGo) {
