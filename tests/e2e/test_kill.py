@@ -1,4 +1,5 @@
-"""Killed at random moments and started again, the agent loses nothing and sends nothing under two keys."""
+"""Killed at random moments, beside a store that fails one upload in five, the agent loses nothing and sends nothing twice."""
+import os
 import random
 import time
 
@@ -8,22 +9,25 @@ from package_reader import read_package
 from submissions import write_small
 from wine import wait_until
 
-KILLS = 20
-BATCH = 20
+# The kills of a regular run; MORVANE_KILLS=1000 is a soak of half an hour.
+KILLS = int(os.environ.get("MORVANE_KILLS", "20"))
+BATCH = 15
+FAULTS = ({"kind": "status", "status": 503, "code": "SlowDown"}, {"kind": "reset", "at": "last"}, {"kind": "close"},
+          {"kind": "bad-etag"}, {"kind": "cut", "at": "head"})
 
 
-@pytest.mark.limit(300)
+@pytest.mark.limit(200 + 10 * KILLS)
 def test_twenty_kills_lose_nothing(site, store, bucket):
     seed = random.randrange(1 << 32)
     print(f"seed {seed}")
     rng = random.Random(seed)
-    names = []
-    interrupted = 0
-    for kill in range(KILLS):
-        batch = [f"kill-{kill:02}-{number:02}" for number in range(BATCH)]
-        for name in batch:
-            write_small(site.dumps, name)
-        names += batch
+    names, interrupted = [], 0
+    store.set_faults(*(fault for number in range(3 * KILLS)
+                       for fault in ({"kind": "delay", "ms": 0, "times": 4}, FAULTS[number % len(FAULTS)])))
+    for _ in range(KILLS):
+        for _ in range(BATCH if len(site.waiting_dumps()) < 100 else 0):
+            names.append(f"kill-{len(names):05}")
+            write_small(site.dumps, names[-1])
         with site.start() as agent:
             agent.wait_for(" running application processes...")
             time.sleep(rng.uniform(0, 0.8))
@@ -31,6 +35,7 @@ def test_twenty_kills_lose_nothing(site, store, bucket):
         interrupted += not site.all_sent()
     assert interrupted >= KILLS // 2, "too few kills met the agent at work to say anything"
 
+    store.set_faults()
     with site.start_with_game() as beside:
         wait_until(lambda: not site.waiting_dumps(), 150, "every submission packaged")
         assert beside.quit() == 0
@@ -40,4 +45,5 @@ def test_twenty_kills_lose_nothing(site, store, bucket):
         site.wait_all_sent(60)
         assert beside.quit() == 0
     assert sorted(read_package(store.get(bucket, key)).header["Key"] for key in store.keys(bucket)) == sorted(names)
-    assert site.left_on_disk() == []
+    # A half deleted source folder whose package was sent before the next start is left to DiskQuota.
+    assert {path.parent for path in site.left_on_disk()} <= {site.dumps}
