@@ -25,6 +25,9 @@ MANIFEST = f"{PRODUCT}.spdx.json"
 DOCUMENTS = {
     f"{PRODUCT}.exe.json": "docs/recommended-configuration.json",
     "configuration.schema.json": "docs/configuration.schema.json",
+    "keyless-upload.md": "docs/keyless-upload.md",
+    "recommended-configuration-keyless.json": "docs/recommended-configuration-keyless.json",
+    "upload_signer.py": "Tools/UploadSigner/upload_signer.py",
     "README.txt": "scripts/release/README.txt",
 }
 

@@ -15,6 +15,7 @@ import pytest
 import wine
 from agent import EXECUTABLE, GAME, Site
 from display import Display
+from signer import Signer
 from store.client import Store
 
 USUAL_LIMIT = 60
@@ -118,6 +119,13 @@ def store(running_store):
 @pytest.fixture
 def bucket(store, request):
     return store.make_bucket(short_name(request))
+
+
+@pytest.fixture
+def signer(store, bucket):
+    """Gives addresses in the test's bucket to agents without a key."""
+    with Signer(store.endpoint, bucket) as running:
+        yield running
 
 
 @pytest.fixture

@@ -30,12 +30,6 @@ def question(body=BODY, **changes):
 
 
 @pytest.fixture
-def signer(store, bucket):
-    with Signer(store.endpoint, bucket) as running:
-        yield running
-
-
-@pytest.fixture
 def ask(store, bucket, monkeypatch):
     """Calls the signer as a function behind an address is called; gives the status and the answer."""
     monkeypatch.syspath_prepend(str(ROOT / "Tools" / "UploadSigner"))

@@ -194,11 +194,16 @@ def test_check_config_passes_the_documented_example(scratch):
     assert typo in run("check-config", "-", stdin=example.replace('"SentinelFile"', '"Sentinel"').encode(), expect=PROBLEMS)[0]
 
 
-def test_check_config_tries_the_store(site, store, bucket):
+def test_check_config_tries_the_store(site, store, bucket, signer):
     """With the Windows program, which has the agent's client."""
-    for key, code, said in ((SECRET_KEY, GOOD, ": stored "),
-                            ("wrong", PROBLEMS, "Store refused the object: 403 SignatureDoesNotMatch")):
-        site.configuration["Uploader"]["SecretKey"] = key
+    for key, code, said in ((SECRET_KEY, GOOD, " in bucket "),
+                            ("wrong", PROBLEMS, "Store refused the object: 403 SignatureDoesNotMatch"),
+                            ("", GOOD, " where the signer said")):
+        if key:
+            site.configuration["Uploader"]["SecretKey"] = key
+        else:
+            site.use_signer(signer.url)
+            key = SECRET_KEY
         with Program(BIN / "PackageTool.exe", "check-config", "--connect", windows_path(site.write_configuration())) as tool:
             assert tool.wait() == code and said in tool.text and key not in tool.text.replace(said, ""), tool.text
     (key,) = store.keys(bucket)

@@ -97,8 +97,11 @@ def test_asks_once_a_run(site, store, bucket, display, key, sent):
     assert re.findall(r" The player (\w+)", agent.agent.text) == ["agreed" if sent else "refused"]
 
 
-def test_nothing_leaves_before_yes(site, store, bucket, display):
+@pytest.mark.parametrize("uploader", ["UploaderS3", "UploaderPresigned"])
+def test_nothing_leaves_before_yes(site, store, bucket, display, signer, uploader):
     site.configuration["Uploader"]["EndpointOverride"] = f"http://localhost:{store.ports['http']}"
+    if uploader == "UploaderPresigned":
+        site.use_signer(f"http://localhost:{signer.port}", AskPermission=True)
     with prompted(site, display, WINEDEBUG="trace+winsock") as agent:
         settled_prompt(display)
         assert "getaddrinfo" not in agent.agent.text

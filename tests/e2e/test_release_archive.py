@@ -13,6 +13,7 @@ from wine import BIN, ROOT, SCRATCH, Program, windows_path
 
 BUILD = BIN.parent
 AGENT = "MorvaneCrashReporter.exe"
+KEYLESS = ["keyless-upload.md", "upload_signer.py", "recommended-configuration-keyless.json"]
 PROGRAMS = [AGENT, "PackageTool.exe"]
 MANIFEST = "MorvaneCrashReporter.spdx.json"
 # A sentence of the terms of each part that is linked in.
@@ -45,7 +46,7 @@ def unpacked(archive):
 
 
 def test_works_as_unpacked(unpacked):
-    names = {"README.txt", "configuration.schema.json", f"{AGENT}.json", MANIFEST, *PROGRAMS,
+    names = {"README.txt", "configuration.schema.json", f"{AGENT}.json", MANIFEST, *PROGRAMS, *KEYLESS,
              *(f"licenses/{name}" for name in TERMS)}
     assert {path.relative_to(unpacked).as_posix() for path in unpacked.rglob("*") if path.is_file()} == names
     for name, said in TERMS.items():
@@ -55,9 +56,10 @@ def test_works_as_unpacked(unpacked):
         agent.wait_for(f" Using config: {windows_path(configuration)}")
         agent.wait_for(' Watcher "PackageWatcher" is watching folder')
         assert agent.stderr == b""
-    with Program(unpacked / "PackageTool.exe", "check-config", windows_path(configuration)) as tool:
-        assert tool.wait() == 4 and tool.text.count("placeholder") == tool.text.count("\n"), tool.text
-    assert (unpacked / json.loads(configuration.read_text(encoding="utf-8"))["$schema"]).is_file()
+    for recommended in (configuration, unpacked / KEYLESS[2]):
+        with Program(unpacked / "PackageTool.exe", "check-config", windows_path(recommended)) as tool:
+            assert tool.wait() == 4 and tool.text.count("placeholder") == tool.text.count("\n"), tool.text
+        assert (unpacked / json.loads(recommended.read_text(encoding="utf-8"))["$schema"]).is_file()
 
 
 def test_manifest_describes_every_file(unpacked):

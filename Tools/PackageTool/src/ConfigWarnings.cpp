@@ -10,7 +10,7 @@ namespace {
 
 // Of the recommended configurations in docs.
 constexpr const char* Placeholders[] = {"My Game", "MyGame.exe", "my-crashes",
-                                        "AKIA...", "...",        "https://....lambda-url.us-east-1.on.aws/"};
+                                        "AKIA...", "...",        "https://signer.example/"};
 
 void WarnOfText(const JsonValue& value, const ConfigReport& warn) {
     const std::string text = TextOf(value);
