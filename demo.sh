@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # From a clean Debian 12 with git and root to a crash report in a bucket: sets up, builds, crashes a sample game beside
-# the agent, and opens what arrived in a local S3 store. Ends by itself; exit code 0 when the report arrived whole.
+# the agent, with a key and without, and opens what arrived in a local S3 store. Ends by itself; exit code 0 when both reports
+# arrived whole.
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")"
 

@@ -1,5 +1,6 @@
 #!/usr/bin/python3
-"""Shows on the terminal what happens to one crash. ./demo.sh sets up and builds first."""
+"""Shows on the terminal what happens to a crash, with a key and without. ./demo.sh sets up and builds first."""
+import contextlib
 import hashlib
 import shutil
 import sys
@@ -7,6 +8,7 @@ import sys
 import wine
 from agent import GAME, Site
 from package_reader import print_table, read_package, unpack
+from signer import Signer
 from store.client import Store
 
 FOLDER = wine.SCRATCH.parent / "demo"
@@ -43,6 +45,22 @@ def crash_and_report(site):
     return code != 0 and agent_code == 0
 
 
+def show_road(store, name):
+    """Whether one crash came from a new installation into a new bucket."""
+    bucket = store.make_bucket(name)
+    site = Site(FOLDER / name, store, bucket)
+    with contextlib.ExitStack() as stack:
+        if name == "keyless":
+            signer = stack.enter_context(Signer(store.endpoint, bucket))
+            site.use_signer(signer.url)
+            say(f"Once more without a key on the player's disk: a signer at {signer.url} gives each upload its address.")
+        good = crash_and_report(site)
+    good = open_report(store, bucket) and good
+    left = [path for folder in (site.dumps, site.packaged) for path in folder.iterdir()]
+    say(f"Left in the dumps and the packaged folder: {len(left)} folders.")
+    return good and not left
+
+
 def open_report(store, bucket):
     """Opens and checks everything in the bucket."""
     keys = store.keys(bucket)
@@ -53,9 +71,10 @@ def open_report(store, bucket):
         package = read_package(data)
         print("Every length and digest in it holds, and every entry unpacks:\n")
         print_table(package)
-        unpack(package, FOLDER / "opened")
-        say(f"Unpacked again into {(FOLDER / 'opened').relative_to(wine.ROOT)}:")
-        show_files(FOLDER / "opened")
+        opened = FOLDER / "opened" / bucket
+        unpack(package, opened)
+        say(f"Unpacked again into {opened.relative_to(wine.ROOT)}:")
+        show_files(opened)
     return len(keys) == 1
 
 
@@ -64,17 +83,11 @@ def main():
     wine.make_prefix()
     try:
         with Store(FOLDER / "store") as store:
-            bucket = store.make_bucket("crashes")
-            say(f"A local S3 store serves at {store.endpoint}; its bucket \"{bucket}\" is empty.")
-            site = Site(FOLDER / "site", store, bucket)
-            good = crash_and_report(site)
-            good = open_report(store, bucket) and good
-            left = [path for folder in (site.dumps, site.packaged) for path in folder.iterdir()]
-            say(f"Left in the dumps and the packaged folder: {len(left)} folders.")
-            good = good and not left
+            say(f"A local S3 store serves at {store.endpoint}.")
+            good = all([show_road(store, "crashes"), show_road(store, "keyless")])
     finally:
         wine.stop_prefix()
-    say("The crash report arrived whole." if good else "SOMETHING WENT WRONG, see above.")
+    say("Both crash reports arrived whole." if good else "SOMETHING WENT WRONG, see above.")
     return 0 if good else 1
 
 
