@@ -18,6 +18,7 @@ from wine import BIN, ROOT, Program, windows_path
 
 TOOL = Path(os.environ.get("MORVANE_NATIVE_BIN", ROOT / "build" / "native" / "bin")).resolve() / "PackageTool"
 GOOD, PROBLEMS, REFUSED, WARNINGS = 0, 1, 3, 4
+BACKSLASH = "\\"
 
 
 def run(*arguments, expect=GOOD, stdin=b""):
@@ -27,10 +28,10 @@ def run(*arguments, expect=GOOD, stdin=b""):
     return done.stdout.decode(), done.stderr.decode()
 
 
-def compose(entries):
-    """A package by the format's page; entries: (name, stored bytes)."""
+def compose(entries, **changes):
+    """A package by the format's page; entries: (name, stored bytes); changes: of the header."""
     records = [{"File": name, "MD5": hashlib.md5(data).hexdigest()} for name, data in entries]
-    header_bytes = json.dumps(submissions.header(Catalog={"Attachments": records}), ensure_ascii=False).encode()
+    header_bytes = json.dumps(submissions.header(Catalog={"Attachments": records}, **changes), ensure_ascii=False).encode()
     body = header_bytes + b"".join(
         b"%08X%s%s" % (len(data), hashlib.md5(data).hexdigest().encode(), data) for _, data in entries)
     return b"%08X%s%08X%s" % (len(body), hashlib.md5(body).hexdigest().encode(), len(header_bytes), body)
@@ -87,18 +88,44 @@ def test_list_and_verify(scratch, package):
     data = package.read_bytes()
     entries = read_package(data).entries
     text, _ = run("list", package)
+    assert f"  MD5           {hashlib.md5(data).hexdigest()}\n" in text
     for entry in entries:
-        assert re.search(rf"^  {re.escape(entry.name)} +{len(entry.stored)} +{len(entry.original)}  "
+        assert re.search(rf"^  {re.escape(entry.name.replace(BACKSLASH, '/'))} +{len(entry.stored)} +{len(entry.original)}  "
                          rf"{hashlib.md5(entry.stored).hexdigest()}$", text, re.M), entry.name
     _, report = json.loads(run("list", package, "-", "--json", stdin=data)[0])["Packages"]
     assert (report["File"], report["Header"]["Changelist"], report["Problems"]) == ("-", 7, [])
     assert [(entry["Name"], entry["UnpackedSize"]) for entry in report["Entries"]] == [
-        (entry.name, len(entry.original)) for entry in entries]
+        (entry.name.replace("\\", "/"), len(entry.original)) for entry in entries]
 
     assert run("verify", package)[0] == f"{package}: good, 6 files\n"
     changed = write(scratch / "changed.pkg", data[:-1] + bytes([data[-1] ^ 1]))
     assert "changed.pkg: offset 8: Body: the recorded digest is" in run("verify", changed, expect=PROBLEMS)[0]
     assert "Failed to open input file" in run("verify", scratch / "nothing", package, expect=REFUSED)[1]
+
+
+def test_list_reads_a_folder_of_packages(scratch):
+    folder = scratch / "bucket"
+    (folder / "below").mkdir(parents=True)
+    module = {"file": "C:\\Games\\game.exe", "baseAddr": 0x140000000, "size": 0x2000, "pdbPath": "", "guid4": [],
+              **dict.fromkeys(("guid1", "guid2", "guid3", "age"), 0)}
+    stack = {"Callstack": [0x140001A2B, 0x13FFFFFFF, 0x140002000, *range(100)], "ModuleInfo": [module]}
+    data = compose([("a\\b.txt", gzip.compress(b"text"))], **stack)
+    for name in ("c", "below/d"):
+        write(folder / name, data)
+    for name, content, problem in (("a0", b"", "offset 0: A package begins with 48 bytes of lengths and digest, but 0 bytes"),
+                                   ("b20", b"x" * 20, "offset 0: A package begins with 48 bytes of lengths and digest, but 20"),
+                                   ("e", compose([], Changelist="7"),
+                                    "offset 48: The header can't be read: line 1, column 242: \"Changelist\": expected uint32")):
+        broken = write(folder / name, content)
+        assert f"{broken}: {problem}" in run("list", broken, expect=PROBLEMS)[0]
+    lines, errors = run("list", folder, "--ndjson", expect=PROBLEMS)
+    assert [line.split(":")[1] for line in errors.splitlines()] == [f" {folder}/{name}" for name in ("a0", "b20", "e")]
+    whole = [json.loads(line) for line in lines.splitlines()]
+    assert [(line["File"], line["MD5"]) for line in whole] == [
+        (f"{folder}/{name}", hashlib.md5(data).hexdigest()) for name in ("below/d", "c")]
+    assert whole[0]["Frames"][:3] == ["game.exe+0x1a2b", "0x13fffffff", "0x140002000"] and len(whole[0]["Frames"]) == 100
+    text, _ = run("list", folder / "c")
+    assert " game.exe+0x1a2b\n" in text and " and 3 more\n" in text and "  a/b.txt " in text
 
 
 def test_unpack_gives_back_the_files(scratch, package, submission):

@@ -117,7 +117,7 @@ std::string Expected(const Reflection::TypeDescriptor& type) {
     }
     std::string names = "one of";
     for (const Reflection::EnumeratorDescriptor& enumerator : type.enumerators) {
-        names += std::string(" \"") + enumerator.name.Text() + "\"";
+        names.append(" \"").append(enumerator.name.Text()).append("\"");
     }
     return names;
 }
@@ -156,10 +156,14 @@ JsonProblem ParseProblem(std::string_view text, const JsonSerialization::ParseRe
 
 JsonProblem ReadProblem(std::string_view text, const JsonDocument& document,
                         const JsonSerialization::ReadFailure& failure) {
-    const std::string key = failure.key.empty() ? "" : "\"" + std::string(failure.key) + "\"";
+    std::string problem;
+    if (!failure.key.empty()) {
+        problem.append("\"").append(failure.key).append(failure.expected ? "\": " : "\" is missing");
+    }
+    if (failure.expected) {
+        problem.append("expected ").append(Expected(*failure.expected));
+    }
     JsonProblems problems;
-    problems.Add(*failure.where, !failure.expected ? key + " is missing"
-                                                   : key + (key.empty() ? "" : ": ") + "expected " +
-                                                         Expected(*failure.expected));
+    problems.Add(*failure.where, std::move(problem));
     return problems.InOrderOf(text, document).at(0);
 }

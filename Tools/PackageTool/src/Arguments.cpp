@@ -14,7 +14,7 @@ struct CommandRule {
 };
 
 constexpr std::array Commands = {
-    CommandRule{"list", true, "--json --limit "},
+    CommandRule{"list", true, "--json --ndjson --limit "},
     CommandRule{"verify", true, "--json --limit "},
     CommandRule{"unpack", true, "--json --limit --to --force --stored "},
     CommandRule{"pack", true, "--to --force --config --packager "},
@@ -58,6 +58,7 @@ private:
         const std::size_t equals = word.find('=');
         const std::string name = word.substr(0, equals);
         for (const auto& [flag, place] : {std::pair{"--json", &m_arguments.json},
+                                          {"--ndjson", &m_arguments.ndjson},
                                           {"--force", &m_arguments.force},
                                           {"--stored", &m_arguments.stored},
                                           {"--connect", &m_arguments.connect},
@@ -114,6 +115,9 @@ private:
         }
         if (std::count(m_arguments.files.begin(), m_arguments.files.end(), "-") > 1) {
             return Fail("standard input can be read only once");
+        }
+        if (m_arguments.json && m_arguments.ndjson) {
+            return Fail("--json is one object for all, --ndjson a line for each: give one of them");
         }
         if (m_arguments.json && m_arguments.connect) {
             return Fail("--connect prints lines for people, no --json");

@@ -11,6 +11,7 @@ struct Arguments {
     bool help = false;
     bool version = false;
     bool json = false;
+    bool ndjson = false;
     bool force = false;
     bool stored = false;
     bool connect = false;

@@ -107,7 +107,7 @@ bool IsFolder(const std::string& path) {
 }
 
 bool ListFiles(const std::string& folder, std::vector<std::string>& files) {
-    std::vector<std::string> open = {""}; // folders, relative, with a "/" at the end
+    std::vector<std::string> open = {""}; // folders, relative, with a separator at the end
     bool isWhole = true;
     while (!open.empty()) {
         const std::string below = std::move(open.back());
@@ -117,7 +117,7 @@ bool ListFiles(const std::string& folder, std::vector<std::string>& files) {
             if (!entry.IsFolder()) {
                 files.push_back(below + entry.name);
             } else if (!entry.IsLink()) {
-                open.push_back(below + entry.name + "/");
+                open.push_back(below + entry.name + FolderPath::Separator);
             }
             return Platform::Success;
         };

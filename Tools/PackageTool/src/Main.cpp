@@ -17,7 +17,7 @@ namespace {
 constexpr char Usage[] =
     R"(Looks into the packages of the crash reporter, makes them, and checks its configuration.
 
-usage: PackageTool list FILE... [--json] [--limit SIZE]
+usage: PackageTool list FILE... [--json | --ndjson] [--limit SIZE]
        PackageTool verify FILE... [--json] [--limit SIZE]
        PackageTool unpack FILE... --to FOLDER [--force] [--stored] [--json] [--limit SIZE]
        PackageTool pack FOLDER... --to FOLDER [--force] [--config FILE [--packager NAME]]
@@ -25,7 +25,7 @@ usage: PackageTool list FILE... [--json] [--limit SIZE]
        PackageTool check-config FILE... [--json] [--connect]
        PackageTool config-schema
 
-list           what a package holds: the header's main fields and a row for each file
+list           what a package holds: its MD5, the header's main fields, the call stack and a row for each file
 verify         every length and digest, the header's catalog and each gzip stream
 unpack         header and files into FOLDER; each of several packages into its own folder there
 pack           a package from a submission folder, as the packager writes it: FOLDER/NAME/submission.pkg
@@ -33,11 +33,12 @@ check-dump     what keeps the agent from taking a submission folder, and what of
 check-config   every problem of a configuration with its line and column, and what is hardly meant as warnings
 config-schema  the configuration's JSON schema, for editors
 
-FILE           "-" is standard input
+FILE           "-" is standard input; for list and verify also a folder, for all files in it and below
 --connect      then store one tiny object with each uploader's settings and say which answer came
 --config FILE  work with the limits, blacklist and source of the packager NAME ("Packager") there
 --force        replace existing files, each once the new one is complete
 --json         one JSON object on standard output
+--ndjson       one line of JSON for each whole package, for an engine to read
 --limit SIZE   the most that one package may unpack to, such as 500M (4G)
 --stored       unpack the files as the package stores them, NAME.gz
 --to FOLDER    created if it is missing

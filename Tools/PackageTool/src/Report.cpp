@@ -2,7 +2,10 @@
 
 #include <algorithm>
 
+#include "Libs/Processes/Core/src/FolderPath.h"
+#include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
+#include "Tools/PackageTool/src/CallStack.h"
 
 Reflection_DefineType(ReportedEntry, Reflection_Field(name, "Name"), Reflection_Field(offset, "Offset"),
                       Reflection_Field(storedSize, "StoredSize"),
@@ -10,7 +13,8 @@ Reflection_DefineType(ReportedEntry, Reflection_Field(name, "Name"), Reflection_
                       Reflection_Field(path, "Path"));
 Reflection_DefineType(ReportedProblem, Reflection_Field(offset, "Offset"), Reflection_Field(text, "Text"));
 Reflection_DefineType(PackageReport, Reflection_Field(file, "File"), Reflection_Field(size, "Size"),
-                      Reflection_Field(header, "Header"), Reflection_Field(entries, "Entries"),
+                      Reflection_Field(digest, "MD5"), Reflection_Field(header, "Header"),
+                      Reflection_Field(frames, "Frames"), Reflection_Field(entries, "Entries"),
                       Reflection_Field(problems, "Problems"));
 Reflection_DefineType(PackageReports, Reflection_Field(packages, "Packages"));
 
@@ -52,8 +56,19 @@ std::string CallStackText(const BugHeader& header) {
            " modules";
 }
 
-std::string HeaderLines(const BugHeader& header) {
+std::string FrameLines(const PackageReport& report) {
+    std::string text;
+    for (const std::string& frame : report.frames) {
+        text += std::string(16, ' ') + Console::Printable(frame) + "\n";
+    }
+    const std::size_t more = report.header.callstack.size() - report.frames.size();
+    return more == 0 ? text : text + std::string(16, ' ') + "and " + std::to_string(more) + " more\n";
+}
+
+std::string HeaderLines(const PackageReport& report) {
+    const BugHeader& header = report.header;
     const std::pair<const char*, std::string> rows[] = {
+        {"MD5", report.digest},
         {"Application", header.application},
         {"Host", header.host},
         {"Time", header.time},
@@ -70,7 +85,7 @@ std::string HeaderLines(const BugHeader& header) {
             text += "  " + Padded(name, 14) + Console::Printable(value) + "\n";
         }
     }
-    return text;
+    return text + FrameLines(report);
 }
 
 std::string EntryName(const ReportedEntry& entry) {
@@ -95,7 +110,7 @@ std::string EntryTable(const std::vector<ReportedEntry>& entries) {
 
 std::string ReportTable(const PackageReport& report) {
     std::string text = Console::Printable(report.file) + ": " + std::to_string(report.size) + " bytes\n";
-    text += HeaderLines(report.header);
+    text += HeaderLines(report);
     return report.entries.empty() ? text : text + EntryTable(report.entries);
 }
 
@@ -103,9 +118,7 @@ std::string ReportTable(const PackageReport& report) {
 std::string ReportProblems(const PackageReport& report) {
     std::string text;
     for (const ReportedProblem& problem : report.problems) {
-        text += Console::Printable(report.file + ": offset " + std::to_string(problem.offset) + ": " +
-                                   problem.text) +
-                "\n";
+        text += Console::Printable(report.file + ": " + ProblemText(problem)) + "\n";
     }
     return text;
 }
@@ -116,6 +129,47 @@ std::string VerifyLine(const PackageReport& report) {
     }
     return Console::Printable(report.file) + ": good, " + std::to_string(report.entries.size()) +
            (report.entries.size() == 1 ? " file\n" : " files\n");
+}
+
+// Of a package that can't be read, it means nothing.
+std::string DigestOf(Platform::ByteSource& package) {
+    Crypto::MD5 md5;
+    static_cast<void>(Platform::ForEachPiece(package, 0, package.GetSize(), [&](auto piece) {
+        md5.Update(piece);
+        return Platform::Success;
+    }));
+    md5.Finish();
+    return Crypto::ToHex(md5.Digest());
+}
+
+// The files that the command line names; of a folder all that are in it and below.
+std::vector<std::string> FilesOf(const Arguments& arguments, ExitCode& code) {
+    std::vector<std::string> files;
+    for (const std::string& name : arguments.files) {
+        if (name == "-" || arguments.command == "unpack" || !Console::IsFolder(name)) {
+            files.push_back(name);
+            continue;
+        }
+        std::vector<std::string> inside;
+        if (!Console::ListFiles(name, inside)) {
+            Console::PrintError(name, "The folder could not be listed whole");
+            Raise(code, ExitCode::NotReadOrWritten);
+        }
+        for (const std::string& file : inside) {
+            files.push_back(FolderPath::Join(name, file));
+        }
+    }
+    return files;
+}
+
+// A line for an engine; a package with problems has none, so that its columns hold nothing half read.
+void PrintLine(const PackageReport& report) {
+    if (report.problems.empty()) {
+        Console::PrintJson(report);
+    }
+    for (const ReportedProblem& problem : report.problems) {
+        Console::PrintError(report.file, ProblemText(problem));
+    }
 }
 
 // Notes the unpacked size of each entry.
@@ -133,7 +187,7 @@ ExitCode RunList(const Arguments& arguments) {
     const auto work = [&](const std::string& file, Platform::ByteSource& package) {
         Progress progress(file, package.GetSize());
         const PackageReader reader(package);
-        PackageReport report = MakeReport(file, package.GetSize(), reader);
+        PackageReport report = MakeReport(file, package, reader);
         MeasureEntries(package, reader, arguments.limit, progress, report);
         return report;
     };
@@ -147,20 +201,28 @@ ExitCode RunVerify(const Arguments& arguments) {
         Progress progress(file, 2 * package.GetSize()); // the digests read it, then unpacking does
         PackageReader reader(package);
         reader.CheckDigests([&](uint64_t bytes) { progress.Advance(bytes); });
-        PackageReport report = MakeReport(file, package.GetSize(), reader);
+        PackageReport report = MakeReport(file, package, reader);
         MeasureEntries(package, reader, arguments.limit, progress, report);
         return report;
     };
     return ForEachPackage(arguments, work, &VerifyLine);
 }
 
-PackageReport MakeReport(const std::string& file, uint64_t size, const PackageReader& reader) {
+std::string ProblemText(const ReportedProblem& problem) {
+    return "offset " + std::to_string(problem.offset) + ": " + problem.text;
+}
+
+PackageReport MakeReport(const std::string& file, Platform::ByteSource& package,
+                         const PackageReader& reader) {
     PackageReport report;
     report.file = file;
-    report.size = size;
+    report.size = package.GetSize();
+    report.digest = DigestOf(package);
     report.header = reader.GetHeader();
+    report.frames = ShownFrames(report.header);
     for (const PackageEntry& entry : reader.GetEntries()) {
-        report.entries.push_back({entry.name, entry.offset, entry.size, -1, entry.digest, ""});
+        report.entries.push_back(
+            {Console::WithSlashes(entry.name), entry.offset, entry.size, -1, entry.digest, ""});
     }
     for (const PackageProblem& problem : reader.GetProblems()) {
         report.problems.push_back({problem.offset, problem.text});
@@ -193,7 +255,7 @@ bool UnpackEntry(Platform::ByteSource& package, const PackageEntry& entry, std::
 ExitCode ForEachPackage(const Arguments& arguments, const PackageWork& work, const PackageText& textOf) {
     ExitCode code = ExitCode::Good;
     PackageReports reports;
-    for (const std::string& file : arguments.files) {
+    for (const std::string& file : FilesOf(arguments, code)) {
         std::string reason;
         Console::Input input;
         PackageReport report;
@@ -209,7 +271,9 @@ ExitCode ForEachPackage(const Arguments& arguments, const PackageWork& work, con
         if (!report.problems.empty()) {
             Raise(code, ExitCode::ProblemsFound);
         }
-        if (arguments.json) {
+        if (arguments.ndjson) {
+            PrintLine(report);
+        } else if (arguments.json) {
             reports.packages.push_back(std::move(report));
         } else {
             Console::Print(textOf(report));

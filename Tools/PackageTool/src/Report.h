@@ -16,7 +16,7 @@
 // commands that only say it. Everything here may throw std::bad_alloc.
 
 struct ReportedEntry {
-    std::string name;
+    std::string name;          // with "/" between its parts
     uint64_t offset = 0;       // in the package
     uint64_t storedSize = 0;   // bytes
     int64_t unpackedSize = -1; // bytes; -1 if it can't be unpacked
@@ -30,11 +30,14 @@ struct ReportedProblem {
     std::string text;
 };
 Reflection_DeclareType(ReportedProblem);
+std::string ProblemText(const ReportedProblem& problem); // offset 48: text
 
 struct PackageReport {
     std::string file;
-    uint64_t size = 0; // bytes
+    uint64_t size = 0;  // bytes
+    std::string digest; // MD5 of the package, under which the store has it
     BugHeader header;
+    std::vector<std::string> frames; // see ShownFrames
     std::vector<ReportedEntry> entries;
     std::vector<ReportedProblem> problems;
 };
@@ -48,7 +51,7 @@ Reflection_DeclareType(PackageReports);
 ExitCode RunList(const Arguments& arguments);
 ExitCode RunVerify(const Arguments& arguments);
 
-PackageReport MakeReport(const std::string& file, uint64_t size, const PackageReader& reader);
+PackageReport MakeReport(const std::string& file, Platform::ByteSource& package, const PackageReader& reader);
 
 // Takes an entry's content piece by piece; a failure refuses the rest.
 using ContentSink = PlatformHelpers::GzipSink;
@@ -58,8 +61,8 @@ using ContentSink = PlatformHelpers::GzipSink;
 bool UnpackEntry(Platform::ByteSource& package, const PackageEntry& entry, std::size_t index,
                  const ContentSink& sink, uint64_t& limit, Progress& progress, PackageReport& report);
 
-// Opens each package, has the work done, and prints the result: as text at once, as JSON at the end. Goes on
-// after a package that can't be read.
+// Opens each package, has the work done, and prints the result: as text or as a line of JSON at once, as one
+// JSON object at the end. Goes on after a package that can't be read.
 using PackageWork = std::function<PackageReport(const std::string& file, Platform::ByteSource& package)>;
 using PackageText = std::function<std::string(const PackageReport& report)>;
 ExitCode ForEachPackage(const Arguments& arguments, const PackageWork& work, const PackageText& textOf);

@@ -15,10 +15,8 @@
 
 namespace {
 
-std::string Folded(std::string name) {
-    std::transform(name.begin(), name.end(), name.begin(),
-                   [](char c) { return c == '\\' ? '/' : String::LowerAscii(c); });
-    return name;
+std::string Folded(const std::string& name) {
+    return String::LowerAscii(Console::WithSlashes(name));
 }
 
 // game.log and 2 give game~2.log.
@@ -98,10 +96,6 @@ private:
     bool m_hasFailed = false;
 };
 
-std::string ProblemText(const ReportedProblem& problem) {
-    return "offset " + std::to_string(problem.offset) + ": " + problem.text;
-}
-
 std::string UnpackText(const PackageReport& report) {
     std::string text;
     for (const ReportedEntry& entry : report.entries) {
@@ -140,7 +134,7 @@ ExitCode RunUnpack(const Arguments& arguments) {
         Progress progress(file, 2 * package.GetSize());
         PackageReader reader(package);
         reader.CheckDigests([&](uint64_t bytes) { progress.Advance(bytes); });
-        PackageReport report = MakeReport(file, package.GetSize(), reader);
+        PackageReport report = MakeReport(file, package, reader);
         const std::string folder = arguments.files.size() == 1
                                        ? arguments.to
                                        : FolderPath::Join(arguments.to, SubFolder(file, taken));
