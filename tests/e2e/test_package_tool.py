@@ -211,6 +211,16 @@ def test_check_dump_and_the_documented_headers(scratch):
     assert check("late", WARNINGS, files=files | {"b": b""}) == 'F: warning: "b": is not in the catalog and is not sent\n'
 
 
+def test_receipts_passes_over_a_torn_line(scratch):
+    receipt = {"Time": "2024-05-06T07:08:09Z", "Submission": "crash-7", "Key": "5d41", "Size": 42, "Seconds": 0.5}
+    lines = write(scratch / "receipts", f'{json.dumps(receipt)}\n{{"Time":"20\n{json.dumps(receipt)}\n'.encode())
+    out = run("receipts", lines)[0].splitlines()
+    assert out[0].endswith(": 2 receipts, 1 damaged line")
+    assert out[1:] == 2 * ["  2024-05-06T07:08:09Z  5d41  42 bytes  crash-7"]
+    (shown,) = json.loads(run("receipts", "--json", lines)[0])["Files"]
+    assert shown["Receipts"] == 2 * [receipt] and shown["DamagedLines"] == 1
+
+
 def test_check_config_passes_the_documented_example(scratch):
     example = re.search(r"```json\n(.*?)```", (ROOT / "docs" / "configuration.md").read_text(), re.S).group(1)
     good = write(scratch / "good.json", example.encode())

@@ -1,4 +1,5 @@
 """A store that fails in every way: the package stays, and a later run sends it, or this one if it may try again."""
+import json
 import re
 import time
 
@@ -78,7 +79,8 @@ def status(number, code, times=1, **more):
     ({"kind": "bad-etag"}, {"VerifyETag": False}, [200], 0),
 ], ids=["busy twice", "asked to wait", "no answer", "refused", "stopped", "foreign ETag"])
 def test_a_run_tries_again(site, store, bucket, fault, settings, statuses, seconds):
-    site.configuration["Uploader"] |= {"RetryFailedUploads": True, "TimeBetweenRetries": 100, **settings}
+    site.configuration["Uploader"] |= {"RetryFailedUploads": True, "TimeBetweenRetries": 100,
+                                       "ReceiptFile": "receipts.jsonl", **settings}
     write_small(site.dumps, "tried")
     store.set_faults(fault)
     with site.start_with_game() as beside:
@@ -94,6 +96,23 @@ def test_a_run_tries_again(site, store, bucket, fault, settings, statuses, secon
     assert uploads[-1]["time"] - uploads[0]["time"] >= seconds
     if statuses[-1] != 200:
         assert_later_run_sends(site, store, bucket, 1)
+    receipts = (site.folder / "app" / "receipts.jsonl").read_text().splitlines()
+    assert [(receipt["Submission"], receipt["Key"], receipt["Size"]) for receipt in map(json.loads, receipts)] == [
+        ("tried", key, len(store.get(bucket, key))) for key in store.keys(bucket)]
+
+
+@pytest.mark.parametrize("name, error", [
+    ("PackagedDumps", 'Failed to write a receipt into ".*PackagedDumps". Error=Failed to open the file'),
+    ("../receipts", 'ReceiptFile "../receipts" is not inside the application folder: no receipts are written'),
+])
+def test_without_a_receipt_a_package_is_sent(site, store, bucket, name, error):
+    site.configuration["Uploader"]["ReceiptFile"] = name
+    write_small(site.dumps, "sent")
+    with site.start_with_game() as beside:
+        site.wait_all_sent()
+        assert beside.quit() == 0
+    assert re.fullmatch(rf"\[.*\]\t {error}\r\n", beside.agent.stderr.decode())
+    assert len(store.keys(bucket)) == 1 and not (site.folder / "receipts").exists()
 
 
 @pytest.mark.parametrize("key, value, reason", [

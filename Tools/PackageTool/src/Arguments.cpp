@@ -21,6 +21,7 @@ constexpr std::array Commands = {
     CommandRule{"check-dump", true, "--config --packager "},
     CommandRule{"check-config", true, "--json --connect "},
     CommandRule{"config-schema", false, ""},
+    CommandRule{"receipts", true, "--json "},
 };
 
 // Takes the words one by one.

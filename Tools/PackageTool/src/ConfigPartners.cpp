@@ -8,6 +8,7 @@
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
 #include "Libs/Processes/Cloud/src/SignerProtocol.h"
 #include "Libs/Processes/Core/src/AttachmentBlacklist.h"
+#include "Libs/Processes/Core/src/AttachmentName.h"
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
@@ -159,6 +160,10 @@ private:
 
     template <class Config>
     void CheckUploader(const std::string& name, const ConfigSection<Config>& uploader) {
+        const std::string& receipts = uploader.config.receiptFile;
+        if (!receipts.empty() && !IsSafeAttachmentName(receipts)) {
+            m_report(uploader.At("ReceiptFile"), Quoted(receipts) + " is not inside the application folder");
+        }
         if (!uploader.json->HasMember("WatcherName")) {
             return;
         }

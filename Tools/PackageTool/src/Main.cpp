@@ -9,6 +9,7 @@
 #include "Tools/PackageTool/src/ConfigCheck.h"
 #include "Tools/PackageTool/src/Console.h"
 #include "Tools/PackageTool/src/Pack.h"
+#include "Tools/PackageTool/src/Receipts.h"
 #include "Tools/PackageTool/src/Report.h"
 #include "Tools/PackageTool/src/Unpack.h"
 
@@ -24,6 +25,7 @@ usage: PackageTool list FILE... [--json | --ndjson] [--limit SIZE]
        PackageTool check-dump FOLDER... [--config FILE [--packager NAME]]
        PackageTool check-config FILE... [--json] [--connect]
        PackageTool config-schema
+       PackageTool receipts FILE... [--json]
 
 list           what a package holds: its MD5, the header's main fields, the call stack and a row for each file
 verify         every length and digest, the header's catalog and each gzip stream
@@ -32,6 +34,7 @@ pack           a package from a submission folder, as the packager writes it: FO
 check-dump     what keeps the agent from taking a submission folder, and what of it would not arrive
 check-config   every problem of a configuration with its line and column, and what is hardly meant as warnings
 config-schema  the configuration's JSON schema, for editors
+receipts       what an agent says it has sent: the lines of its ReceiptFile
 
 FILE           "-" is standard input; for list and verify also a folder, for all files in it and below
 --connect      then store one tiny object with each uploader's settings and say which answer came
@@ -69,6 +72,7 @@ ExitCode Run(const Arguments& arguments) {
         {"check-dump", &RunCheckDump},
         {"check-config", &RunCheckConfig},
         {"config-schema", &RunConfigSchema},
+        {"receipts", &RunReceipts},
     };
     for (const auto& command : commands) {
         if (arguments.command == command.name) {

@@ -77,6 +77,8 @@ TEST(ConfigCheck, SaysWhatIsWrongAndWhere) {
          "https address\n6:47: SignerHeaders has a header that can't be sent\n6:62: Unknown key "
          "\"AccessKey\", did "
          "you mean \"WatcherName\"?"},
+        {R"("AccessKey": "AK")", R"("AccessKey": "AK", "ReceiptFile": "C:/sent")",
+         "9:100: \"C:/sent\" is not inside the application folder"},
         // Warnings of what is hardly meant
         {R"("AK", "SecretKey": "SK")", R"("AKIA...", "SecretKey": "SK ")",
          "9:79: warning: \"AKIA...\" is a placeholder of the template\n9:103: warning: \"SK \" has a blank "

@@ -44,11 +44,7 @@ void LogFile::Write(std::string_view lines) {
 
 Platform::SystemError LogFile::OpenFile() {
     Platform::File file;
-    Platform::SystemError error =
-        file.Open(m_path, Platform::FileWrite | Platform::FileCreateNew, Platform::ShareAll);
-    if (error != Platform::NoError) {
-        error = file.Open(m_path, Platform::FileWrite, Platform::ShareAll);
-    }
+    const Platform::SystemError error = Platform::OpenOrCreate(file, m_path, Platform::FileWrite);
     m_file = std::move(file);
     m_size = m_file.GetSize();
     return error;

@@ -42,7 +42,8 @@ Reflection_DefineType(
     Reflection_Field(submissionFilename, "SubmissionFilename", Reflection::OptionalAttribute()),
     Reflection_Field(askPermission, "AskPermission", Reflection::OptionalAttribute()),
     Reflection_Field(verifyETag, "VerifyETag", Reflection::OptionalAttribute()),
-    Reflection_Field(retryFailedUploads, "RetryFailedUploads", Reflection::OptionalAttribute()));
+    Reflection_Field(retryFailedUploads, "RetryFailedUploads", Reflection::OptionalAttribute()),
+    Reflection_Field(receiptFile, "ReceiptFile", Reflection::OptionalAttribute()));
 
 Reflection_DefineType(UploaderS3Config, Reflection_Base(UploaderConfig),
                       Reflection_Field(bucketName, "BucketName"), Reflection_Field(accessKey, "AccessKey"),

@@ -85,6 +85,7 @@ struct UploaderConfig {
     uint32_t timeBetweenRetries = 30000; // ms
     std::string watcherName;             // the process that finds the packages
     std::string submissionFilename;      // empty: "submission.pkg"
+    std::string receiptFile;             // in the application folder; empty for none
     bool askPermission = false;
     bool verifyETag = true;          // false: for a store whose ETag is no MD5
     bool retryFailedUploads = false; // true: also in this run

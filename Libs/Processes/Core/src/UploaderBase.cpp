@@ -6,6 +6,8 @@
 #include <utility>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/AttachmentName.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_System.h"
@@ -26,6 +28,16 @@ ResultCode UploaderBase::InitializeFrom(UploaderConfig& config) {
     m_watcherProcPtr = application ? application->GetProcess(config.watcherName) : nullptr;
     if (!m_watcherProcPtr) {
         return "No watcher process to provide submissions for uploader";
+    }
+    if (!config.receiptFile.empty()) {
+        const bool isInside = IsSafeAttachmentName(config.receiptFile);
+        if (!isInside) { // no reason to send nothing
+            PLATFORM_LOG(Platform::ErrorLog,
+                         " ReceiptFile \"%s\" is not inside the application folder: no receipts are written",
+                         config.receiptFile.c_str());
+        }
+        config.receiptFile =
+            isInside ? FolderPath::Join(application->GetApplicationFolder(), config.receiptFile) : "";
     }
     SetAskPermission(config.askPermission);
     m_retryFailedUploads = config.retryFailedUploads;

@@ -5,13 +5,15 @@
 
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
+#include "Libs/Processes/Core/src/FolderPath.h"
+#include "Libs/Processes/Core/src/UploadReceipts.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 
 UploaderThreadBase::UploaderThreadBase(UploadPermission permission, std::string folder,
                                        const UploaderConfig& config)
     : m_permission(permission), m_folder(std::move(folder)), m_submissionFileName(config.submissionFilename),
-      m_timeBetweenRetriesMs(config.timeBetweenRetries), m_threadName("Uploading: " + m_folder),
-      m_thread(std::make_shared<Thread>([this] { ThreadMain(); })) {
+      m_receiptFile(config.receiptFile), m_timeBetweenRetriesMs(config.timeBetweenRetries),
+      m_threadName("Uploading: " + m_folder), m_thread(std::make_shared<Thread>([this] { ThreadMain(); })) {
     static_cast<void>(m_thread->SetName(m_threadName.c_str())); // it serves debuggers only
 }
 
@@ -77,10 +79,26 @@ ResultCode UploaderThreadBase::UploadFolder() {
         RETURN_IF_FAILED(uploaded);
         PLATFORM_LOG(Platform::InfoLog, " Uploaded package for submission folder \"%s\" in %0.3f seconds",
                      m_folder.c_str(), elapsed.count());
+        m_hasFailed = false;
+        WriteReceipt(package.GetSize(), elapsed.count());
     }
-    m_hasFailed = false;
     DeleteFolder();
     return Platform::Success;
+}
+
+// Whatever happens here, the package has arrived.
+void UploaderThreadBase::WriteReceipt(uint64_t size, double seconds) const {
+    if (m_receiptFile.empty()) {
+        return;
+    }
+    const ResultCode result = ExceptionToResult([&] {
+        return UploadReceipts::Add(m_receiptFile, {"", FolderPath::LastComponent(m_folder).value_or(""),
+                                                   m_answer.key, size, seconds});
+    });
+    if (!result) {
+        PLATFORM_LOG(Platform::ErrorLog, " Failed to write a receipt into \"%s\". Error=%s",
+                     m_receiptFile.c_str(), result.Text());
+    }
 }
 
 void UploaderThreadBase::DeleteFolder() const {

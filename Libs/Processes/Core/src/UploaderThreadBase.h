@@ -55,6 +55,7 @@ protected:
 private:
     void ThreadMain();
     ResultCode UploadFolder();
+    void WriteReceipt(uint64_t size, double seconds) const;
     void DeleteFolder() const;
 
     // All but the last four are constant after construction.
@@ -64,6 +65,7 @@ private:
     const UploadPermission m_permission; // as it was when the upload was made
     const std::string m_folder;
     const std::string m_submissionFileName;
+    const std::string m_receiptFile; // full path; empty for none
     const uint32_t m_timeBetweenRetriesMs;
     const std::string m_threadName;
     const std::shared_ptr<Thread> m_thread;

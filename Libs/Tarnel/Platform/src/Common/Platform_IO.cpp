@@ -82,6 +82,11 @@ void SleepFor(uint32_t milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
+SystemError OpenOrCreate(File& file, const SystemPath& path, uint32_t access) noexcept {
+    const SystemError error = file.Open(path, access | FileCreateNew, ShareAll);
+    return error == NoError ? error : file.Open(path, access, ShareAll);
+}
+
 void ReportOpening(SystemError error) {
     PLATFORM_ASSERT_TEXT_MESSAGE(error != File::NoAccess, "false", "File access flags not specified");
     PLATFORM_ASSERT_TEXT_MESSAGE(error != File::NoSize, "false", "Invalid file size, closing file");

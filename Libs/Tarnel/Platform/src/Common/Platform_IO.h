@@ -143,6 +143,9 @@ private:
     uint64_t m_size = 0;
 };
 
+// Opens a file as it is, or makes an empty one. Others may read, write and delete it.
+[[nodiscard]] SystemError OpenOrCreate(File& file, const SystemPath& path, uint32_t access) noexcept;
+
 // Raises the assertion that belongs to an error of File::Open, if any. Apart from Open, for callers that must
 // not report under a lock.
 void ReportOpening(SystemError error);
