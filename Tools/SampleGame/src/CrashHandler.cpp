@@ -76,15 +76,16 @@ std::string WriteSubmission(EXCEPTION_POINTERS& exception) {
     if (!MakeFolders(folder)) {
         return "Failed to create " + folder;
     }
-    if (!WriteMinidump(folder + "\\" + fields.dumpFile, exception)) {
+    const std::string inFolder = folder + "\\";
+    if (!WriteMinidump(inFolder + fields.dumpFile, exception)) {
         return "Failed to write the minidump";
     }
-    if (!WriteWholeFile(folder + "\\" + fields.logFile, g_log)) {
+    if (!WriteWholeFile(inFolder + fields.logFile, g_log)) {
         return "Failed to write the log";
     }
     uint32_t number = 0;
     for (const std::string& name : fields.attachments) {
-        if (!WriteWholeFile(folder + "\\" + name, AttachmentContent(++number, g_settings.attachmentSize))) {
+        if (!WriteWholeFile(inFolder + name, AttachmentContent(++number, g_settings.attachmentSize))) {
             return "Failed to write " + name;
         }
     }

@@ -12,7 +12,7 @@ namespace Platform {
 struct FileIdentity {
     uint64_t volume = 0;
     uint64_t index = 0;
-    auto operator<=>(const FileIdentity&) const = default;
+    auto operator<=>(const FileIdentity&) const = default; // NOLINT(modernize-use-nullptr): no text of ours
 };
 [[nodiscard]] SystemError QueryIdentity(const SystemPath& path, FileIdentity& identity) noexcept;
 

@@ -15,7 +15,7 @@ namespace {
 KernelHandle OpenToAsk(const SystemPath& path, DWORD linkFlag) {
     if (path.Error() != NoError) {
         SetLastError(path.Error());
-        return KernelHandle();
+        return {};
     }
     return KernelHandle(CreateFileW(path.Get(), FILE_READ_ATTRIBUTES, ShareAll, nullptr, OPEN_EXISTING,
                                     FILE_FLAG_BACKUP_SEMANTICS | linkFlag, nullptr));
