@@ -108,6 +108,7 @@ class Server(BaseHTTPRequestHandler):
 
 
 if __name__ == "__main__":
+    store()  # threads may share a client, but not make one at the same time
     with ThreadingHTTPServer(("127.0.0.1", int((sys.argv + ["0"])[1])), Server) as server:
         print(server.server_address[1], flush=True)
         server.serve_forever()

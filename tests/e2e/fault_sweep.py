@@ -1,6 +1,6 @@
 """Lets every call that the shipped agent makes to the system fail once, and looks at what became of two reports.
 
-  scripts/fault-sweep.sh [--class NAME]... [--on] [--drop] [--seconds S]
+  scripts/fault-sweep.sh [--class NAME]... [--on] [--drop] [--keyless] [--seconds S]
 
 Two submissions with attachments go the whole road while one call fails; then the agent runs without faults. Calls of a
 class are numbered from 1 in the order in which they come, which differs a little from run to run. The errors of a class
@@ -9,10 +9,12 @@ take turns.
   --class    only these classes (see CLASSES); repeatable
   --on       the call and all after it fail
   --drop     without KeepFailedSubmissions
+  --keyless  with UploaderPresigned and a signer
   --seconds  stops after that time; the runs are in random order then
 """
 import argparse
 import collections
+import contextlib
 import itertools
 import multiprocessing
 import os
@@ -21,7 +23,7 @@ import re
 import shutil
 import sys
 import time
-from dataclasses import dataclass
+from dataclasses import dataclass, replace
 from pathlib import Path
 
 sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "kit"))
@@ -29,6 +31,7 @@ sys.path.insert(0, str(Path(__file__).resolve().parents[2] / "kit"))
 import wine
 from agent import EXECUTABLE, Site, is_complete
 from package_reader import PackageError, read_package
+from signer import Signer
 from store.client import Store
 from submissions import catalog, header, write_folder
 from wine import BIN, Program, windows_path
@@ -57,10 +60,11 @@ class Fault:
     last: int
     error: int
     keep: bool = True
+    keyless: bool = False
 
     def __str__(self):
         calls = f"{self.first}" if self.first == self.last else f"{self.first} and all after it"
-        return f"{self.kind} {calls}, error {self.error}{'' if self.keep else ', dropping failed ones'}"
+        return f"{self.kind} {calls}, error {self.error}{'' if self.keep else ', dropping failed ones'}{', keyless' if self.keyless else ''}"
 
 
 NO_FAULT = Fault("none", 0, 0, 0)
@@ -84,6 +88,9 @@ class Run:
         self.fault, self.store, self.bucket = fault, store, store.make_bucket(bucket)
         self.folder, self.site = folder, Site(folder / LONG, store, bucket)
         self.problems, self.counts, self.log, self.runs, self.is_met = [], {}, "", 0, False
+        self._signer = Signer(store.endpoint, self.bucket) if fault.keyless else contextlib.nullcontext()
+        if fault.keyless:
+            self.site.use_signer(self._signer.url)
         self._configure()
         shutil.copy(EXECUTABLE, folder)
         shutil.copy(BIN / "StrictWindows.dll", folder / "normaliz.dll")
@@ -112,6 +119,10 @@ class Run:
 
     def go(self):
         """The outcome: "sent", "sent later", "lost as documented", or "FAILED" with self.problems."""
+        with self._signer:
+            return self._go()
+
+    def _go(self):
         self._start(self.fault)
         later, sent = self._waiting(), self._sent()
         lost = [name for name in REPORTS if name not in sent and name not in later]
@@ -223,7 +234,8 @@ def sweep(folder, faults, seconds=1e9):
 
 
 def plan(counts, options):
-    faults = [Fault(kind, call, 1 << 30 if options.on else call, CLASSES[kind][call % len(CLASSES[kind])], not options.drop)
+    faults = [Fault(kind, call, 1 << 30 if options.on else call, CLASSES[kind][call % len(CLASSES[kind])], not options.drop,
+                    options.keyless)
               for kind in options.kinds or CLASSES for call in range(1, counts[kind] + 1)]
     if options.seconds:
         random.shuffle(faults)
@@ -235,10 +247,11 @@ def main():
     parser.add_argument("--class", dest="kinds", action="append", choices=CLASSES)
     parser.add_argument("--on", action="store_true")
     parser.add_argument("--drop", action="store_true")
+    parser.add_argument("--keyless", action="store_true")
     parser.add_argument("--seconds", type=int)
     options = parser.parse_args()
     folder, jobs = wine.SCRATCH / "sweep", os.cpu_count()
-    ((_, outcome, counts),) = sweep(folder / "count", [NO_FAULT])
+    ((_, outcome, counts),) = sweep(folder / "count", [replace(NO_FAULT, keyless=options.keyless)])
     assert outcome == "sent", "without a fault"
     faults = plan(counts, options)
     with multiprocessing.Pool(jobs) as pool:

@@ -194,6 +194,8 @@ const Patch Patches[] = {
     HOOK(WinHttpWriteData, "winhttp", 0),
     HOOK(WinHttpReceiveResponse, "winhttp", 0),
     HOOK(WinHttpQueryHeaders, "winhttp", 0),
+    HOOK(WinHttpQueryDataAvailable, "winhttp", 0),
+    HOOK(WinHttpReadData, "winhttp", 0),
     HOOK(BCryptHash, "bcrypt", NoMemoryStatus),
     HOOK(BCryptCreateHash, "bcrypt", NoMemoryStatus),
     HOOK(BCryptHashData, "bcrypt", NoMemoryStatus),
