@@ -25,6 +25,7 @@ MANIFEST = f"{PRODUCT}.spdx.json"
 DOCUMENTS = {
     f"{PRODUCT}.exe.json": "docs/recommended-configuration.json",
     "configuration.schema.json": "docs/configuration.schema.json",
+    **{page: f"docs/{page}" for page in ("formats.md", "log.md", "starting-the-agent.md")},
     "keyless-upload.md": "docs/keyless-upload.md",
     "recommended-configuration-keyless.json": "docs/recommended-configuration-keyless.json",
     "upload_signer.py": "Tools/UploadSigner/upload_signer.py",

@@ -244,7 +244,8 @@ def test_check_config_tries_the_store(site, store, bucket, signer):
         with Program(BIN / "PackageTool.exe", "check-config", "--connect", windows_path(site.write_configuration())) as tool:
             assert tool.wait() == code and said in tool.text and key not in tool.text.replace(said, ""), tool.text
     (key,) = store.keys(bucket)
-    assert key == hashlib.md5(store.get(bucket, key)).hexdigest()
+    stored = store.get(bucket, key)
+    assert key == hashlib.md5(stored).hexdigest() and read_package(stored).entries == []
 
 
 def test_schema_is_the_committed_one_and_a_full_disk_is_noticed():

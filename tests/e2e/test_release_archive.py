@@ -13,6 +13,7 @@ from wine import BIN, ROOT, SCRATCH, Program, windows_path
 
 BUILD = BIN.parent
 AGENT = "MorvaneCrashReporter.exe"
+PAGES = ["formats.md", "log.md", "starting-the-agent.md"]
 KEYLESS = ["keyless-upload.md", "upload_signer.py", "recommended-configuration-keyless.json"]
 PROGRAMS = [AGENT, "PackageTool.exe"]
 MANIFEST = "MorvaneCrashReporter.spdx.json"
@@ -46,7 +47,7 @@ def unpacked(archive):
 
 
 def test_works_as_unpacked(unpacked):
-    names = {"README.txt", "configuration.schema.json", f"{AGENT}.json", MANIFEST, *PROGRAMS, *KEYLESS,
+    names = {"README.txt", "configuration.schema.json", f"{AGENT}.json", MANIFEST, *PROGRAMS, *PAGES, *KEYLESS,
              *(f"licenses/{name}" for name in TERMS)}
     assert {path.relative_to(unpacked).as_posix() for path in unpacked.rglob("*") if path.is_file()} == names
     for name, said in TERMS.items():

@@ -1,21 +1,44 @@
 #include "Tools/PackageTool/src/ConnectCheck.h"
 
+#include <algorithm>
+#include <vector>
+
 #include "Libs/Processes/Cloud/src/PresignedObjectStore.h"
 #include "Libs/Processes/Cloud/src/S3Endpoint.h"
 #include "Libs/Processes/Cloud/src/S3Upload.h"
+#include "Libs/Processes/Core/src/PackageFormat.h"
 #include "Tools/PackageTool/src/ConfigSections.h"
 
 namespace {
 
-constexpr std::string_view Object = "Stored by PackageTool check-config --connect. It can be deleted.\n";
+constexpr std::string_view Header =
+    R"({"Host":"","Time":"","Application":"PackageTool","SubmissionType":"check-config",)"
+    R"("Catalog":{"Attachments":[]},"Exception":{"Message":"Stored by check-config --connect. It can be )"
+    R"(deleted.","StackTrace":""},"Callstack":[],"ModuleInfo":[],"Changelist":0})";
+
+// A package without files: who reads the bucket finds nothing broken in it. The same bytes every time.
+std::vector<uint8_t> TinyPackage() {
+    std::vector<uint8_t> package;
+    PackageFormat::Composer composer([&](uint64_t offset, std::span<const uint8_t> bytes) {
+        const auto start = static_cast<std::size_t>(offset);
+        package.resize(std::max(package.size(), start + bytes.size()));
+        std::ranges::copy(bytes, package.begin() + static_cast<std::ptrdiff_t>(start));
+        return Platform::Success;
+    });
+    uint64_t size = 0; // the target never fails
+    static_cast<void>(
+        composer.AppendHeader({reinterpret_cast<const uint8_t*>(Header.data()), Header.size()}));
+    static_cast<void>(composer.Finish(size));
+    return package;
+}
 
 constexpr uint32_t ConnectTimeoutMs = 500; // as the agent's uploads
 constexpr uint32_t RequestTimeoutMs = 30000;
 
 // The client has said the reason in the log.
 ExitCode TryStore(const std::string& where, IObjectStore& store, bool verifyETag, const std::string& place) {
-    const std::span bytes(reinterpret_cast<const uint8_t*>(Object.data()), Object.size());
-    Platform::MemorySource source(bytes);
+    const std::vector<uint8_t> package = TinyPackage();
+    Platform::MemorySource source(package);
     UploadAnswer answer;
     const ResultCode result = PutPackage(store, source, verifyETag, answer);
     Console::Print(where + (result ? "stored " + answer.key + place : std::string(result.Text())) + "\n");
