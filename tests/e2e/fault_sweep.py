@@ -39,7 +39,7 @@ from wine import BIN, Program, windows_path
 DENIED, NOT_READY, NO_MEMORY, SHARED, NETWORK_GONE, DISK_FULL = 5, 21, 8, 32, 64, 112
 ON_DISK = (SHARED, DENIED, NOT_READY, NO_MEMORY, NETWORK_GONE)
 CLASSES = {  # and the errors that a call of it may meet
-    "open": ON_DISK, "attributes": ON_DISK, "delete": ON_DISK, "list": ON_DISK,
+    "open": ON_DISK, "attributes": ON_DISK, "delete": ON_DISK, "list": ON_DISK, "rename": ON_DISK,
     "folder": ON_DISK + (DISK_FULL,),
     "read": (NOT_READY, NETWORK_GONE, NO_MEMORY), "write": (DISK_FULL, NOT_READY, NETWORK_GONE),
     "flush": (DISK_FULL, NOT_READY), "allocate": (NO_MEMORY,), "thread": (NO_MEMORY,),
@@ -111,9 +111,9 @@ class Run:
         configuration["Singleton"] = {}
         configuration["Packager"]["KeepFailedSubmissions"] = self.fault.keep
         configuration["Uploader"] |= {"AskPermission": True, "ReceiptFile": "receipts.jsonl"}
-        receipts = self.site.folder / "app" / "receipts.jsonl"
-        receipts.parent.mkdir(exist_ok=True)
-        receipts.write_text("one of many\n" * 1000, encoding="utf-8")  # so that it is made shorter
+        self.receipts = self.site.folder / "app" / "receipts.jsonl"
+        self.receipts.parent.mkdir(exist_ok=True)
+        self.receipts.write_text("one of many\n" * 1000, encoding="utf-8")  # so that it is made shorter
         configuration["ProcessMonitor"] = {"TimeBetweenChecks": 100, "ShutdownDelay": DELAY,
                                            "WatchedApplications": ["NoGame.exe"]}
 
@@ -138,6 +138,8 @@ class Run:
         self.problems += [f"left: {path.relative_to(self.site.folder)}" for path in self._left()]
         if content_of(self.folder / "outside") != self.outside:
             self.problems.append("touched what is outside its folders")
+        if len(self.receipts.read_bytes().splitlines()) < 1000:
+            self.problems.append("lost receipts")
         return ("FAILED" if self.problems else "lost as documented" if lost else "sent later" if later else "sent")
 
     def _start(self, fault):

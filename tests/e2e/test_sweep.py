@@ -4,7 +4,7 @@ import pytest
 from fault_sweep import CLASSES, Fault, Run
 
 CALLS = {"open": (9, 25), "attributes": (90,), "delete": (5,), "list": (60,), "folder": (9,), "read": (11,), "write": (3,),
-         "flush": (1,), "allocate": (34, 700, 1400, 1900), "thread": (4,), "winhttp": (12,), "bcrypt": (1,),
+         "flush": (1, 5), "rename": (1, 2), "allocate": (34, 700, 1400, 1900), "thread": (4,), "winhttp": (12,), "bcrypt": (1,),
          "processes": (3,), "console": (2,), "dialog": (1,)}
 KEYLESS = {"winhttp": (17, 33, 50), "allocate": (1800,)}  # the signer's answer on its way
 

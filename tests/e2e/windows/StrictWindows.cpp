@@ -27,10 +27,10 @@
 
 namespace {
 
-// The calls of the first five take paths.
-constexpr std::string_view Classes[] = {"open",    "attributes", "delete",    "list",     "folder",
-                                        "read",    "write",      "flush",     "allocate", "thread",
-                                        "winhttp", "bcrypt",     "processes", "console",  "dialog"};
+// The calls of the first six take paths.
+constexpr std::string_view Classes[] = {"open",   "attributes", "delete",  "list",     "rename", "folder",
+                                        "read",   "write",      "flush",   "allocate", "thread", "winhttp",
+                                        "bcrypt", "processes",  "console", "dialog"};
 
 consteval int ClassOf(std::string_view name) {
     return static_cast<int>(std::ranges::find(Classes, name) - std::begin(Classes));
@@ -172,6 +172,7 @@ const Patch Patches[] = {
     HOOK(FindNextFileW, "list", 0),
     HOOK(FindFirstChangeNotificationW, "list", NoHandle),
     HOOK(FindNextChangeNotification, "list", 0),
+    HOOK(MoveFileExW, "rename", 0),
     HOOK(CreateDirectoryW, "folder", 0),
     HOOK(ReadFile, "read", 0),
     HOOK(WriteFile, "write", 0),
