@@ -5,23 +5,16 @@ through the X server, as a user's do.
 """
 import json
 import os
-import shutil
 import subprocess
-from pathlib import Path
 from types import SimpleNamespace
 
 import wine
 
 READER = wine.BIN / "WindowReader.exe"
 WIDTH, HEIGHT = 1280, 1024
-FONTS = Path("/usr/share/wine/fonts")
-# Windows takes characters that the dialogs' font lacks from SimSun. Wine looks for it by its file name, too.
-ASIAN_FONT = Path("/usr/share/fonts/truetype/wqy/wqy-microhei.ttc")
-ASIAN_FONT_FILE = "simsun.ttc"
 SETTINGS = [
     (r"HKCU\Software\Wine\Explorer", "Desktop", "Default"),
     (r"HKCU\Software\Wine\Explorer\Desktops", "Default", f"{WIDTH}x{HEIGHT}"),
-    (r"HKCU\Software\Wine\Fonts\Replacements", "SimSun", "WenQuanYi Micro Hei"),
 ]
 
 
@@ -50,8 +43,7 @@ class Display:
         wine.make_prefix(self.variables())
         for key, value, data in SETTINGS:
             self._wine("reg.exe", "add", key, "/v", value, "/d", data, "/f")
-        self._install_fonts()
-        # The desktop reads settings and fonts when it starts.
+        # The desktop reads settings when it starts.
         wine.stop_prefix(self.variables())
         subprocess.run(["wineserver", "--wait"], env=self.variables(), check=True)
         subprocess.run(["wineserver", "--persistent"], env=self.variables(), check=True)
@@ -66,13 +58,6 @@ class Display:
     def variables(self, language="C"):
         """For a program on this display. The language is one of the machine's, such as de_DE."""
         return {**os.environ, "WINEPREFIX": str(self._prefix), "DISPLAY": self.name, "LC_ALL": f"{language}.UTF-8"}
-
-    def _install_fonts(self):
-        folder = self._prefix / "drive_c" / "windows" / "Fonts"
-        for font in FONTS.glob("*.ttf"):
-            if font.name != "tahomabd.ttf":  # it would hide the font with Asian characters
-                shutil.copy(font, folder)
-        shutil.copy(ASIAN_FONT, folder / ASIAN_FONT_FILE)
 
     def _wine(self, *command, **options):
         return subprocess.run([wine.ROOT / "scripts" / "run-wine.sh", *command], env=self.variables(), check=True,
@@ -114,9 +99,9 @@ class Display:
 
     # What a user does.
 
-    def press(self, *keys):
-        """Keys by their X names: "alt+d", "Return"."""
-        self._x("xdotool", "key", "--clearmodifiers", *keys)
+    def press(self, *keys, action="key"):
+        """Keys by their X names: "alt+d", "Return"; "keydown" and "keyup" are the halves of it."""
+        self._x("xdotool", action, "--clearmodifiers", *keys)
 
     def click(self, place):
         self._x("xdotool", "mousemove", str(place[0]), str(place[1]), "click", "1")

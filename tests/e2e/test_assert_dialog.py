@@ -33,9 +33,13 @@ def said(program):
     ([], ASSERT_TITLE, ASSERT_REPORT, ONCE), (["--under-debugger"], ASSERT_TITLE, ASSERT_REPORT, DEBUG),
     (["--data"], DATA_TITLE, "Grüße an 太郎", ONCE), (["--data", "--under-debugger"], DATA_TITLE, DATA_REPORT, ONCE)])
 def test_each_kind_looks_as_designed(display, options, title, report, focus):
-    with start(display, *options):
+    with start(display, *options) as probe:
         window = display.wait_for_window(title)
         colours = display.colours(window.controls[0].x - 10, window.controls[0].centre[1])
+        if focus == DEBUG:
+            display.press("Return")
+            assert probe.wait() == 0 and said(probe) == ["asks", "went on", "ended"]
+            assert probe.text.count("debugger: break") == 2  # the first is the system's, when a debuggee starts
     buttons, edit = window.controls[:5], window.controls[5]
     assert [(button.text, button.id) for button in buttons] == [row[:2] for row in BUTTONS]
     assert edit.id == REPORT and re.fullmatch(report, edit.text)
@@ -57,15 +61,6 @@ def test_ignoring_once_and_always(display):
         display.click(display.wait_for_window(ASSERT_TITLE).control(ALWAYS).centre)
         assert probe.wait() == 0
         assert said(probe) == ["asks", "went on"] * 4 + ["ended"]
-
-
-def test_debug_breaks_at_the_check(display):
-    with start(display, "--under-debugger") as probe:
-        display.wait_for_window(ASSERT_TITLE)
-        display.press("Return")
-        assert probe.wait() == 0
-        assert probe.text.count("debugger: break") == 2  # the first is the system's, when a debuggee starts
-        assert said(probe) == ["asks", "went on", "ended"]
 
 
 def test_the_question_stays_open_until_it_is_answered(display):
