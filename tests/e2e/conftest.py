@@ -19,9 +19,15 @@ from signer import Signer
 from store.client import Store
 
 USUAL_LIMIT = 60
+LONGEST = ["test_sweep", "test_permission_prompt", "test_load", "test_store_faults"]
 
 wine.SCRATCH /= os.environ.get("PYTEST_XDIST_WORKER", "")
 wine.PREFIX = wine.SCRATCH / "wine"
+
+
+def pytest_collection_modifyitems(items):
+    """The longest files first, so that the workers end together."""
+    items.sort(key=lambda item: -LONGEST.index(item.path.stem) if item.path.stem in LONGEST else 1)
 
 
 @pytest.fixture(scope="session", autouse=True)

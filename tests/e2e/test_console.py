@@ -62,4 +62,6 @@ def test_a_stopped_console_holds_nobody(site, store, bucket, display):
             for number in range(5):
                 write_small(site.dumps, f"dump-{number}")
             wine.wait_until(lambda: len(store.keys(bucket)) == 5, 40, "every submission sent")
-            assert agent.quit(15) == 0
+            agent.game.kill()
+            wine.wait_until(lambda: not agent.agent.running, 15, "the agent's end")
+        assert agent.quit() == 0
