@@ -97,7 +97,7 @@ def relay(port, trace):
 
 def run(site, failures):
     with site.start_with_game() as beside:
-        wait_until(lambda: beside.agent.stderr.count(b" Failed to upload ") == failures
+        wait_until(lambda: beside.agent.stderr.count(b" Failed to upload ") >= failures
                    and (failures or site.all_sent()), 45, "every upload ended")
         assert beside.quit() == 0
     return beside.agent.text
@@ -204,6 +204,21 @@ def test_a_bad_signer_keeps_the_packages(site, store, bucket, signer, lies):
     site.configuration["Uploader"]["SignerUrl"] = signer.url
     run(site, 0)
     assert len(store.keys(bucket)) == len(lies)
+
+
+def test_a_run_asks_the_signer_again(site, store, bucket, signer):
+    busy = b"HTTP/1.1 503 Busy\r\nRetry-After: 1\r\nContent-Length: 0\r\n\r\n"
+    attempts = [lambda _, __, connection, ___: connection.sendall(busy), *[lambda liar, asked, *_: liar.honest(asked)] * 2]
+    write_small(site.dumps, "one")
+    store.set_faults({"kind": "status", "status": 500, "code": "InternalError"})
+    with serving(Liar(signer, attempts)) as port:
+        site.use_signer(f"http://127.0.0.1:{port}", RetryFailedUploads=True, TimeBetweenRetries=10, ReceiptFile="receipts")
+        start = time.time()
+        said = run(site, 0)
+    assert re.findall(r" Upload stopped at: (.*)\r", said) == ["Signer refused the package: 503",
+                                                              "Store refused the object: 500 InternalError"]
+    assert time.time() - start >= 1
+    assert [json.loads((site.folder / "app" / "receipts").read_text())["Key"]] == store.keys(bucket)
 
 
 def test_without_a_signer_the_package_stays(site):

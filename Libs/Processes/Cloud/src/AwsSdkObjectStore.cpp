@@ -83,7 +83,7 @@ Aws::Client::ClientConfiguration AwsSdkObjectStore::ClientConfiguration() const 
 }
 
 // Gives the failure's step.
-ResultCode Refusal(const Aws::S3::S3Error& error, PutAnswer& answer) {
+ResultCode Refusal(const auto& error, PutAnswer& answer) { // its type differs by version
     const int status = static_cast<int>(error.GetResponseCode());
     const std::string code = "<Code>" + std::string(error.GetExceptionName().c_str()) + "</Code>";
     if (status <= 0) {

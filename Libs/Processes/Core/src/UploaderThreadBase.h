@@ -13,8 +13,8 @@
 
 // One attempt to upload one submission folder, on a thread of its own: opens the package, hands it to the
 // concrete upload and deletes the folder after success, or deletes it unread when the player refused. After a
-// failure the folder stays. Owned by its uploader; made, started, asked and destroyed on the
-// uploader's thread.
+// failure the folder stays. Owned by its uploader; made, started, asked and destroyed on the uploader's
+// thread.
 //
 // Destruction waits for the thread without limit. The thread calls UploadPackage, so a derived class is final
 // and its destructor begins with WaitForEnd, before anything that the upload uses is gone.
