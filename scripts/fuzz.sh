@@ -22,7 +22,7 @@ targets=("$@")
 dictionary() { # target
     case $1 in
     Json | Packaging | Package) echo header ;;
-    Configuration) echo configuration ;;
+    Configuration | SignerAnswer) echo configuration ;;
     AttachmentName) echo names ;;
     Blacklist) echo expressions ;;
     esac
