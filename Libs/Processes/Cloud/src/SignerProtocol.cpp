@@ -1,8 +1,8 @@
 #include "Libs/Processes/Cloud/src/SignerProtocol.h"
 
 #include <algorithm>
-#include <iterator>
 #include <map>
+#include <span>
 #include <utility>
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
@@ -31,16 +31,19 @@ bool IsTokenCharacter(char c) {
     return String::IsAlphanumeric(c) || std::string_view("!#$%&'*+-.^_`|~").find(c) != std::string_view::npos;
 }
 
+// Whether a request with this header is still one request: a token as its name, printable ASCII as its value,
+// and nothing that says how the connection or the body is cut.
+bool IsSafeHeader(std::string_view name, std::string_view value) {
+    return String::AllOf(name, SignerProtocol::LargestAnswer, IsTokenCharacter) &&
+           !IsOneOf(name, OfTheConnection) &&
+           std::ranges::all_of(value, [](char c) { return c >= ' ' && c <= '~'; });
+}
+
 } // namespace
 
 std::optional<HttpAddress> SignerProtocol::ParseAddress(std::string_view url) {
     std::optional<HttpAddress> address = HttpAddress::Parse(url);
     return address && (address->secure || address->IsLoopback()) ? address : std::nullopt;
-}
-
-bool SignerProtocol::IsSafeHeader(std::string_view name, std::string_view value) {
-    return String::AllOf(name, LargestAnswer, IsTokenCharacter) && !IsOneOf(name, OfTheConnection) &&
-           std::ranges::all_of(value, [](char c) { return c >= ' ' && c <= '~'; });
 }
 
 ResultCode SignerProtocol::CheckSettings(const UploaderPresignedConfig& config) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -13,18 +14,14 @@
 //   {"Key": "<32 hex digits>", "Size": 5, "ContentMD5": "<base64>"}
 // and the signer answers with an address that takes this one package for some minutes:
 //   {"Url": "https://...", "Headers": {"Content-Type": "application/octet-stream"}}
-// Both sides of an answer are checked here, before anything of it is used. Any thread; no state. All may
-// throw std::bad_alloc.
+// All of an answer is checked here, before anything of it is used. Any thread; no state. All may throw
+// std::bad_alloc.
 namespace SignerProtocol {
 
 inline constexpr std::size_t LargestAnswer = std::size_t{64} << 10; // bytes
 
 // An address to which packages, or questions about them, may go: https, or http to this machine itself.
 [[nodiscard]] std::optional<HttpAddress> ParseAddress(std::string_view url);
-
-// Whether a request with this header is still one request: a token as its name, printable ASCII as its value,
-// and nothing that says how the connection or the body is cut.
-[[nodiscard]] bool IsSafeHeader(std::string_view name, std::string_view value);
 
 // The settings that name the signer. The refusals begin with the key that is wrong.
 ResultCode CheckSettings(const UploaderPresignedConfig& config);
@@ -36,8 +33,9 @@ struct SignedPut {
     std::vector<HttpHeader> headers; // without those that each PUT has: Host, Content-Length, Content-MD5
 };
 
-// Refuses every answer of another form, and addresses and headers that are not safe. Further members are
-// ignored. So are the headers that each PUT has: they are the agent's own, whatever the signer says.
+// Refuses every answer of another form, other addresses, and headers that could end the request or say how it
+// is cut. Further members are ignored. So are the headers that each PUT has: they are the agent's own,
+// whatever the signer says.
 ResultCode ReadAnswer(std::string_view text, SignedPut& put);
 
 } // namespace SignerProtocol
