@@ -1,4 +1,5 @@
 """Killed at random moments, beside a store that fails one upload in five, the agent loses nothing and sends nothing twice."""
+import json
 import os
 import random
 import time
@@ -22,6 +23,7 @@ def test_twenty_kills_lose_nothing(site, store, bucket):
     print(f"seed {seed}")
     rng = random.Random(seed)
     names, interrupted = [], 0
+    site.configuration["Uploader"]["ReceiptFile"] = "receipts.jsonl"
     store.set_faults(*(fault for number in range(3 * KILLS)
                        for fault in ({"kind": "delay", "ms": 0, "times": 4}, FAULTS[number % len(FAULTS)])))
     for _ in range(KILLS):
@@ -45,5 +47,7 @@ def test_twenty_kills_lose_nothing(site, store, bucket):
         site.wait_all_sent(60)
         assert beside.quit() == 0
     assert sorted(read_package(store.get(bucket, key)).header["Key"] for key in store.keys(bucket)) == sorted(names)
+    receipts = (site.folder / "app" / "receipts.jsonl").read_text().splitlines()
+    assert len(receipts) >= 1000 or {json.loads(line)["Key"] for line in receipts if line.endswith("}")} == set(store.keys(bucket))
     # A half deleted source folder whose package was sent before the next start is left to DiskQuota.
     assert {path.parent for path in site.left_on_disk()} <= {site.dumps}

@@ -1,6 +1,7 @@
 """A store that fails in every way: the package stays, and a later run sends it, or this one if it may try again."""
 import json
 import re
+import shutil
 import time
 
 import pytest
@@ -99,6 +100,20 @@ def test_a_run_tries_again(site, store, bucket, fault, settings, statuses, secon
     receipts = (site.folder / "app" / "receipts.jsonl").read_text().splitlines()
     assert [(receipt["Submission"], receipt["Key"], receipt["Size"]) for receipt in map(json.loads, receipts)] == [
         ("tried", key, len(store.get(bucket, key))) for key in store.keys(bucket)]
+
+
+def test_a_package_that_goes_while_it_waits_is_forgotten(site, store):
+    site.configuration["Uploader"] |= {"RetryFailedUploads": True, "TimeBetweenRetries": 100}
+    write_small(site.dumps, "gone")
+    store.set_faults(status(503, "SlowDown"), {"kind": "delay", "ms": 1500})
+    with site.start_with_game() as beside:
+        beside.agent.wait_for(" Trying package in ", 30)
+        shutil.rmtree(site.packaged / "gone")
+        write_small(site.dumps, "sent later than its attempt")
+        site.wait_all_sent()
+        assert beside.quit() == 0
+    assert_failed(beside.agent, 1)
+    assert len(store.uploads()) == 2 and b" Failed to load " not in beside.agent.stderr
 
 
 @pytest.mark.parametrize("name, error", [
