@@ -133,7 +133,7 @@ class Program:
             raise AssertionError(f"still running after {seconds} s:\n{self._said()}") from None
         for reader in self._readers:
             if reader.ident:
-                reader.join(10)
+                reader.join(3)  # another program that inherited the output may keep it open
         return code
 
     def kill(self):

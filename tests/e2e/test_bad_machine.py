@@ -9,11 +9,16 @@ from submissions import catalog, header, write_folder, write_small
 from wine import BIN, Program, wait_until, windows_path
 
 
-def hold(site):
-    """Writes a submission, opens its header and dump without sharing, and only then completes it."""
-    folder = write_folder(site.dumps / "held", {"a.dmp": b"dump"}, header(Catalog=catalog(dump="a.dmp")), complete=False)
-    holder = Program(BIN / "FileHolder.exe", *(windows_path(folder / name) for name in ("header.json", "a.dmp")))
+def hold(*arguments):
+    holder = Program(BIN / "FileHolder.exe", *arguments)
     holder.wait_for("held")
+    return holder
+
+
+def held_submission(site):
+    """Completes a submission whose header and dump are held without sharing."""
+    folder = write_folder(site.dumps / "held", {"a.dmp": b"dump"}, header(Catalog=catalog(dump="a.dmp")), complete=False)
+    holder = hold(*(windows_path(folder / name) for name in ("header.json", "a.dmp")))
     (folder / "header.json").chmod(0o444)
     return holder
 
@@ -24,7 +29,7 @@ def only_package(store, bucket):
 
 
 def test_a_file_held_for_a_moment_arrives(site, store, bucket):
-    with site.start_with_game() as beside, hold(site) as holder:
+    with site.start_with_game() as beside, held_submission(site) as holder:
         beside.agent.wait_for(" Starting packaging submission held")  # the next step opens the header
         time.sleep(0.4)  # of the 1.02 s for which the agent waits
         holder.kill()
@@ -36,8 +41,9 @@ def test_a_file_held_for_a_moment_arrives(site, store, bucket):
 
 def test_a_file_held_for_long_is_for_the_next_run(site, store, bucket):
     site.configuration["Packager"]["KeepFailedSubmissions"] = True
-    with site.start_with_game() as beside, hold(site):
+    with site.start_with_game() as beside, held_submission(site) as holder:
         beside.agent.wait_for(" Failed to package dump folder")
+        holder.kill()
         assert beside.quit() == 0
     assert site.left_on_disk() == [site.dumps / "held"]
     with site.start_with_game() as beside:
@@ -91,11 +97,17 @@ def test_what_a_kill_left_half_deleted_goes(site):
     assert all(path.exists() for path in stay)
 
 
-def test_a_package_without_content_stays(site):
-    package = site.packaged / "empty" / "submission.pkg"
-    package.parent.mkdir(parents=True)
-    package.touch(0o444)
-    with site.start() as agent:
-        assert agent.wait() == 0
-    assert f' Failed to load package in "{windows_path(package.parent)}" for upload . Error=' in agent.text
-    assert package.exists()
+def test_a_package_that_can_not_be_read_stays(site, store):
+    """One is empty, the other is open for writing, so that it may change."""
+    del site.configuration["Application"]["Processes"]["Packager"]  # would take them for half ones
+    packages = [site.packaged / name / "submission.pkg" for name in ("empty", "written")]
+    for package, content in zip(packages, (b"", b"x")):
+        package.parent.mkdir(parents=True)
+        package.write_bytes(content)
+    with site.start_with_game() as beside, hold("--writing", windows_path(packages[1])) as holder:
+        for package in packages:
+            package.chmod(0o444)
+            beside.agent.wait_for(f' Failed to load package in "{windows_path(package.parent)}" for upload . Error=')
+        holder.kill()
+        assert beside.quit() == 0
+    assert all(package.exists() for package in packages) and store.uploads() == []
