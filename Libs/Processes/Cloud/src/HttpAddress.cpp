@@ -48,30 +48,30 @@ bool ParsePort(std::string_view text, uint16_t& port) {
     return number >= 1 && number <= 65535;
 }
 
-bool ParseServer(std::string_view authority, HttpServer& server) {
+bool ParseServer(std::string_view authority, HttpAddress& address) {
     const std::size_t bracket = authority.find(']');
     const std::size_t colon = authority.find(':', bracket == std::string_view::npos ? 0 : bracket);
     if (colon != std::string_view::npos) {
-        if (!ParsePort(authority.substr(colon + 1), server.port)) {
+        if (!ParsePort(authority.substr(colon + 1), address.port)) {
             return false;
         }
         authority = authority.substr(0, colon);
     }
-    server.host = String::LowerAscii(authority);
-    return IsHostName(server.host) || IsBracketedAddress(server.host);
+    address.host = String::LowerAscii(authority);
+    return IsHostName(address.host) || IsBracketedAddress(address.host);
 }
 
 } // namespace
 
-std::string HttpServer::HostHeader() const {
+std::string HttpAddress::HostHeader() const {
     return port == (secure ? 443 : 80) ? host : host + ":" + std::to_string(port);
 }
 
-bool HttpServer::IsNumeric() const {
+bool HttpAddress::IsNumeric() const {
     return host.front() == '[' || AllOf(std::string_view(host).substr(host.rfind('.') + 1), 253, IsDigit);
 }
 
-bool HttpServer::IsLoopback() const {
+bool HttpAddress::IsLoopback() const {
     const auto isByte = [](std::string_view part) {
         return AllOf(part, 3, IsDigit) && (part.size() < 3 || part <= "255");
     };

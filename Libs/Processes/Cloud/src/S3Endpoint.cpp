@@ -32,13 +32,13 @@ bool IsDnsLabel(std::string_view text) {
            text.front() != '-' && text.back() != '-';
 }
 
-S3Endpoint AmazonEndpoint(const std::string& region) {
-    S3Endpoint endpoint;
-    endpoint.host = "s3." + LowerAscii(region) + ".amazonaws.com";
+HttpAddress AmazonAddress(const std::string& region) {
+    HttpAddress address;
+    address.host = "s3." + LowerAscii(region) + ".amazonaws.com";
     if (region.starts_with("cn-")) {
-        endpoint.host += ".cn"; // China's regions have their own domain
+        address.host += ".cn"; // China's regions have their own domain
     }
-    return endpoint;
+    return address;
 }
 
 } // namespace
@@ -55,19 +55,20 @@ ResultCode ResolveS3Endpoint(const ObjectStoreConfig& config, S3Endpoint& endpoi
     }
     S3Endpoint resolved;
     if (config.endpointOverride.empty()) {
-        resolved = AmazonEndpoint(config.region);
+        resolved.address = AmazonAddress(config.region);
     } else {
-        const std::optional<HttpAddress> address = HttpAddress::Parse(config.endpointOverride);
+        std::optional<HttpAddress> address = HttpAddress::Parse(config.endpointOverride);
         if (!address || address->target != "/") {
             return "Endpoint override is not a scheme, a host and a port";
         }
-        static_cast<HttpServer&>(resolved) = *address;
+        resolved.address = std::move(*address);
     }
-    resolved.bucketInHost = config.useVirtualAddressing && IsDnsLabel(config.bucket) && !resolved.IsNumeric();
+    resolved.bucketInHost =
+        config.useVirtualAddressing && IsDnsLabel(config.bucket) && !resolved.address.IsNumeric();
     if (resolved.bucketInHost) {
-        resolved.host = config.bucket + "." + resolved.host;
+        resolved.address.host = config.bucket + "." + resolved.address.host;
     } else {
-        resolved.bucketPath = "/" + config.bucket + "/";
+        resolved.address.target = "/" + config.bucket + "/";
     }
     endpoint = std::move(resolved);
     return Platform::Success;

@@ -7,11 +7,10 @@
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// Where the requests for one bucket go. Made of checked parts only, so that every field can be put into a
-// request line or a header as it is.
-struct S3Endpoint : HttpServer {
-    std::string bucketPath = "/"; // comes before the key: "/" or "/bucket/"
-    bool bucketInHost = false;    // the bucket leads the host
+// Where the requests for one bucket go.
+struct S3Endpoint {
+    HttpAddress address;       // its target comes before the key: "/" or "/bucket/"
+    bool bucketInHost = false; // the bucket leads the host
 };
 
 // Where an uploader sends, and as whom. Timeouts are the caller's.

@@ -54,17 +54,17 @@ ResultCode WinHttpObjectStore::Sign(const PutObjectRequest& request, HttpRequest
     S3Endpoint endpoint;
     RETURN_IF_FAILED(ResolveS3Endpoint(m_config, endpoint));
     const SigV4::Scope scope = {CurrentTimestamp(), m_config.region};
-    const auto payloadHash =
-        endpoint.secure ? std::optional<std::string>(SigV4::UnsignedPayload) : SigV4::HashOf(*request.body);
+    const auto payloadHash = endpoint.address.secure ? std::optional<std::string>(SigV4::UnsignedPayload)
+                                                     : SigV4::HashOf(*request.body);
     if (!payloadHash) {
         return "Failed to hash the body";
     }
     put.headers = {
-        {"Host", endpoint.HostHeader()},        {"Content-Length", std::to_string(request.contentLength)},
-        {"Content-MD5", request.contentMd5},    {"Content-Type", request.contentType},
-        {"x-amz-content-sha256", *payloadHash}, {"x-amz-date", scope.timestamp}};
-    static_cast<HttpServer&>(put.address) = endpoint;
-    put.address.target = SigV4::EncodePath(endpoint.bucketPath + request.key);
+        {"Host", endpoint.address.HostHeader()}, {"Content-Length", std::to_string(request.contentLength)},
+        {"Content-MD5", request.contentMd5},     {"Content-Type", request.contentType},
+        {"x-amz-content-sha256", *payloadHash},  {"x-amz-date", scope.timestamp}};
+    put.address = endpoint.address;
+    put.address.target = SigV4::EncodePath(endpoint.address.target + request.key);
     const auto authorization =
         SigV4::Authorization({put.method, put.address.target, "", put.headers, *payloadHash},
                              {m_config.accessKey, m_config.secretKey}, scope);

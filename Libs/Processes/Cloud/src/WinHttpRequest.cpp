@@ -318,7 +318,7 @@ ResultCode SendHttpRequest(const HttpRequest& request, HttpAnswer& answer) {
 ResultCode PutOverHttp(const HttpRequest& request, PutAnswer& answer) {
     HttpAnswer heard;
     const ResultCode result = SendHttpRequest(request, heard);
-    answer = heard;
+    answer = {heard.eTag, heard.httpStatus, heard.retryAfterSeconds};
     if (!result) {
         return LoggedStep(result, heard.error, {});
     }

@@ -15,10 +15,10 @@ std::string Describe(const std::string& endpointOverride, const std::string& buc
     S3Endpoint endpoint;
     const ResultCode result = ResolveS3Endpoint(
         {endpointOverride, region, useVirtualAddressing, bucket, accessKey, "", 0, 0}, endpoint);
-    return !result
-               ? result.Text()
-               : (endpoint.secure ? "https " : "http ") + endpoint.host + " " +
-                     std::to_string(endpoint.port) + " " + endpoint.HostHeader() + " " + endpoint.bucketPath;
+    const HttpAddress& address = endpoint.address;
+    return !result ? result.Text()
+                   : (address.secure ? "https " : "http ") + address.host + " " +
+                         std::to_string(address.port) + " " + address.HostHeader() + " " + address.target;
 }
 
 } // namespace
