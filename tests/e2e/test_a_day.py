@@ -111,7 +111,7 @@ def test_a_day(site, display, store, bucket):
     sent = [read_package(store.get(bucket, key)).header["InstanceKey"] for key in store.keys(bucket)]
     assert sorted(sent) == ["crash-1", "crash-2", "crash-3", "crash-4"]
     assert sorted(path.name.lower() for path in day.app.iterdir()) == [
-        "crashreporter.log", "dumps", "packageddumps", "packagetemp"]
+        "crashreporter.log", "dumps", "packageddumps", "packagetemp", "sent reports.jsonl"]
     assert not list(day.app.glob("*/*")), "something is left behind"
     assert {line.split("\t")[1].split(" in folder ")[0] for line in day.errors} == {
         " Failed to upload package", " Upload stopped at: Store refused the object: 503 SlowDown"}
