@@ -52,8 +52,10 @@ std::string CallStackText(const BugHeader& header) {
     if (header.callstack.empty() && header.moduleInfo.empty()) {
         return {};
     }
-    return std::to_string(header.callstack.size()) + " frames, " + std::to_string(header.moduleInfo.size()) +
-           " modules";
+    const auto count = [](std::size_t number, const char* what) {
+        return std::to_string(number) + what + (number == 1 ? "" : "s");
+    };
+    return count(header.callstack.size(), " frame") + ", " + count(header.moduleInfo.size(), " module");
 }
 
 std::string FrameLines(const PackageReport& report) {
