@@ -26,9 +26,9 @@ namespace UploadReceipts {
 inline constexpr std::size_t MostLines = 1000;
 inline constexpr uint64_t MostBytes = uint64_t{1} << 20; // what is before them goes first
 
-// Adds a line with the time of now. It is on the medium when the call returns. Where a kill cut the last
-// line, the new one begins beside it. A kill loses no line: the shorter file is complete before it takes the
-// old one's place. Any thread; one at a time writes. Throws std::bad_alloc.
+// Adds a line with the time of now. It is on the medium when the call returns. After a line that a kill
+// cut it begins on a new one. A kill loses no line: the shorter file is complete before it takes the old
+// one's place. Any thread; one at a time writes. Throws std::bad_alloc.
 ResultCode Add(const std::string& path, UploadReceipt receipt);
 
 struct Content {
