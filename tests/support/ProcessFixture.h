@@ -10,7 +10,6 @@
 #include <gtest/gtest.h>
 
 #include "Libs/Framework/Core/src/ApplicationBase.h"
-#include "tests/support/AssertCapture.h"
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchFolder.h"
 
@@ -18,20 +17,23 @@
 // needs an application of its own class puts it into m_application first.
 class ProcessFixture : public testing::Test {
 protected:
-    // Writes the configuration: the members of "Processes", further sections and the items of "Components".
-    void WriteConfiguration(const std::string& processes, const std::string& sections = "",
-                            const std::string& components = "") {
+    // Writes the configuration: the members of "Processes" and further sections.
+    void WriteConfiguration(const std::string& processes, const std::string& sections = R"("None":{})") {
         m_scratch.MakeFile("agent.json", R"({"Application":{"Processes":{)" + processes +
-                                             R"(},"Components":[)" + components +
-                                             R"(],"ApplicationFolder":""})" +
-                                             (sections.empty() ? "" : "," + sections) + "}");
+                                             R"(},"Components":[],"ApplicationFolder":""},)" + sections +
+                                             "}");
     }
 
-    ResultCode Initialize() {
+    // Calls what takes the arguments of a command line.
+    auto WithArguments(const auto& call) const {
         const std::string config = "-config=" + m_scratch.PathOf("agent.json");
         const std::string folder = "-appFolder=" + m_scratch.PathOf("app");
         const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
-        return m_application->Initialize(3, argv);
+        return call(3, argv);
+    }
+
+    ResultCode Initialize() {
+        return WithArguments([this](int c, const char** v) { return m_application->Initialize(c, v); });
     }
 
     // Both; returns the first error that was logged, or nothing.

@@ -13,11 +13,12 @@ using Lines = std::vector<std::string>;
 
 // What happened to the fakes, in order. Most of it on the main thread, which joins the other ones.
 Lines g_diary;
+std::atomic<int> g_rounds = 0;
 std::atomic<int> g_threadsEnded = 0;
 std::shared_ptr<ApplicationBase> g_next; // what CommonMain takes
 
-// Fails or throws in the step that its own name ends in. One whose name begins with "Loops" waits to be
-// stopped.
+// Fails or throws in the step that its own name ends in. The one called "Loops" throws in its first round and
+// pauses in the second until it is stopped.
 class FakeProcess : public ApplicationProcessBase {
 public:
     using ApplicationProcessBase::ApplicationProcessBase;
@@ -32,10 +33,11 @@ public:
     }
     ResultCode Shutdown() override { return Step("shutdown"); }
     bool ThreadMain() override {
-        while (Name().starts_with("Loops") && Pause(1)) {
+        if (Name() == "Loops") {
+            RunRounds(0, [this] { ++g_rounds > 1 ? Pause(4294967295) : throw std::runtime_error("thrown"); });
         }
         ++g_threadsEnded;
-        return IsStopRequested();
+        return Name() == "throws" ? throw std::runtime_error("thrown") : IsStopRequested();
     }
 
 private:
@@ -82,7 +84,7 @@ TEST_F(ApplicationBaseTest, OfOneNameUnderTwoMakersTheLaterStays) {
 }
 
 TEST_F(ApplicationBaseTest, WaitsForMoreThreadsThanOneWaitTakes) {
-    std::string names = R"("Loops")";
+    std::string names = R"("Loops","throws")";
     for (int i = 0; i < 70; ++i) {
         names += R"(,"P)" + std::to_string(i) + '"';
     }
@@ -92,7 +94,18 @@ TEST_F(ApplicationBaseTest, WaitsForMoreThreadsThanOneWaitTakes) {
     std::thread stopper([this] { m_application->RequestShutdown(); });
     EXPECT_TRUE(m_application->Run());
     stopper.join();
-    EXPECT_EQ(g_threadsEnded, 71);
+    EXPECT_EQ(g_threadsEnded, 72);
+}
+
+TEST_F(ApplicationBaseTest, ARoundMayThrowAndAStopEndsAPause) {
+    FakeProcess process(m_application.get(), "Loops");
+    g_rounds = 0;
+    ASSERT_TRUE(process.Start());
+    ASSERT_TRUE(Await([] { return g_rounds == 2; }));
+    const auto asked = std::chrono::steady_clock::now();
+    process.RequestShutdown();
+    process.GetThread()->Join();
+    EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::milliseconds(250));
 }
 
 TEST_F(ApplicationBaseTest, FailuresHaveTheirExitCodesAndLeaveNoThread) {
@@ -101,43 +114,9 @@ TEST_F(ApplicationBaseTest, FailuresHaveTheirExitCodesAndLeaveNoThread) {
         WriteConfiguration(processes);
         g_next = std::make_shared<ApplicationBase>();
         g_threadsEnded = 0;
-        const std::string config = "-config=" + m_scratch.PathOf("agent.json");
-        const std::string folder = "-appFolder=" + m_scratch.PathOf("app");
-        const char* argv[] = {"agent.exe", config.c_str(), folder.c_str()};
-        EXPECT_EQ(CommonMain(3, argv), exitCode);
+        EXPECT_EQ(WithArguments(&CommonMain), exitCode);
         EXPECT_EQ(g_threadsEnded, 1);
     }
-    const char* argv[] = {"agent.exe"};
-    EXPECT_EQ(CommonMain(1, argv), 1) << "no application";
-}
-
-// Each round throws something else; after the last the process pauses without end.
-class ThrowingProcess : public FakeProcess {
-public:
-    using FakeProcess::FakeProcess;
-    bool ThreadMain() override {
-        return RunRounds(0, [this] {
-            switch (++m_rounds) {
-            case 1:
-                throw std::bad_alloc();
-            case 2:
-                throw std::runtime_error("thrown");
-            default:
-                Pause(4294967295);
-            }
-        });
-    }
-    std::atomic<int> m_rounds = 0;
-};
-
-TEST_F(ApplicationBaseTest, ARoundMayThrowAndAStopEndsAPause) {
-    ThrowingProcess process(m_application.get(), "P");
-    ASSERT_TRUE(process.Start());
-    ASSERT_TRUE(Await([&] { return process.m_rounds == 3; }));
-    const auto asked = std::chrono::steady_clock::now();
-    process.RequestShutdown();
-    process.GetThread()->Join();
-    EXPECT_LT(std::chrono::steady_clock::now() - asked, std::chrono::milliseconds(250));
 }
 
 } // namespace

@@ -1,11 +1,8 @@
 #include <gtest/gtest.h>
 
-#include <windows.h>
-
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "tests/support/ScratchFolder.h"
 
-using PlatformHelpers::PathInfo;
 using TestSupport::ScratchFolder;
 
 namespace {
@@ -24,27 +21,6 @@ TEST(PlatformHelpersFiles, StatusTellsSizesOver4GiBAndFailures) {
         EXPECT_EQ(status.size, 0u);
         EXPECT_FALSE(PlatformHelpers::MakeFileWritable(none));
     }
-}
-
-TEST(EnumerateFolder, EndsWhenTheCallbackSaysSo) {
-    const ScratchFolder scratch;
-    scratch.MakeFile("a", "");
-    scratch.MakeFile("b", "");
-    int seen = 0;
-    const auto run = [&](const std::string& folder, const PlatformHelpers::EnumerationCallback& callback) {
-        return std::string(PlatformHelpers::EnumerateFolder(folder, 3, callback).Text());
-    };
-    const auto stop = [&](const PathInfo&, bool& keepGoing) {
-        ++seen;
-        keepGoing = false;
-        return ResultCode();
-    };
-    EXPECT_EQ(run(scratch.Path(), stop), "OK");
-    EXPECT_EQ(seen, 1);
-    EXPECT_EQ(run(scratch.Path(), [](auto&, bool&) -> ResultCode { return "Failed"; }), "Failed");
-    EXPECT_EQ(run(scratch.Path(), [](auto&, bool&) -> ResultCode { throw std::bad_alloc(); }),
-              "Out of memory");
-    EXPECT_EQ(run(scratch.Path() + "none\\", stop), "Failed to enumerate files");
 }
 
 // Some characters are longer composed than the system's first estimate may allow for.
