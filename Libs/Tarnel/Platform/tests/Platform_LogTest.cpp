@@ -54,7 +54,7 @@ TEST(Log, EntriesOfAnyLengthAreWhole) {
         messages.push_back(std::string(length, 'm') + "ö");
         PLATFORM_LOG(Platform::InfoLog, "%s", messages.back().c_str());
     }
-    EXPECT_EQ(log.Infos(), messages);
+    EXPECT_EQ(log.Texts(Platform::InfoLog), messages);
 }
 
 TEST(Log, TextsFromOutsideAreShownNotObeyed) {

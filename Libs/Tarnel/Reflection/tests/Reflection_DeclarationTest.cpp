@@ -6,7 +6,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/AssertCapture.h"
 #include "tests/support/OnThreads.h"
 
 using Reflection::TypeDescriptor;
@@ -35,12 +34,6 @@ Reflection_DefinePolymorphicType(ReflectedView, Reflection_Base(ReflectedBase),
                                  Reflection_Field(file, "file", Reflection::OptionalAttribute(),
                                                   Reflection::NameAttribute("File")),
                                  Reflection_Field(children, "children"));
-
-struct WronglyDeclared {
-    virtual ~WronglyDeclared() = default;
-};
-Reflection_DeclareType(WronglyDeclared);
-Reflection_DefineType(WronglyDeclared);
 
 // First of all, so that the threads register the types. Half of them begin with the inner type.
 TEST(TypeRegistration, ThreadsGetOneFinishedDescriptor) {
@@ -75,13 +68,4 @@ TEST(TypeDescriptor, KnowsWhereItsPartsLie) {
     EXPECT_STREQ(type.fields[0].name.Text(), "file");
     EXPECT_EQ(Reflection::Query<ReflectedView>(view), &view);
     EXPECT_EQ(Reflection::Query<ReflectedBase>(view), nullptr);
-}
-
-TEST(TypeRegistration, ReportsWrongDeclarations) {
-    const AssertCapture capture;
-    TypeOf<WronglyDeclared>();
-    ASSERT_EQ(capture.Failures().size(), 1u);
-    EXPECT_EQ(capture.Failures()[0].message,
-              "The type \"WronglyDeclared\" has a v-table but is not declared as polymorphic.  Please use "
-              "Reflection_DeclarePolymorphicType in place of Reflection_DeclareType for this type.");
 }
