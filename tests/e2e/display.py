@@ -12,10 +12,7 @@ import wine
 
 READER = wine.BIN / "WindowReader.exe"
 WIDTH, HEIGHT = 1280, 1024
-SETTINGS = [
-    (r"HKCU\Software\Wine\Explorer", "Desktop", "Default"),
-    (r"HKCU\Software\Wine\Explorer\Desktops", "Default", f"{WIDTH}x{HEIGHT}"),
-]
+EXPLORER = r"HKCU\Software\Wine\Explorer"
 
 
 class Window(SimpleNamespace):
@@ -41,7 +38,7 @@ class Display:
         self._prefix = folder / "wine"
         self.name, self._server = start_server()
         wine.make_prefix(self.variables())
-        for key, value, data in SETTINGS:
+        for key, value, data in ((EXPLORER, "Desktop", "Default"), (EXPLORER + r"\Desktops", "Default", f"{WIDTH}x{HEIGHT}")):
             self._wine("reg.exe", "add", key, "/v", value, "/d", data, "/f")
         # The desktop reads settings when it starts.
         wine.stop_prefix(self.variables())

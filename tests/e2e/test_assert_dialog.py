@@ -8,6 +8,7 @@ from display import HEIGHT, WIDTH
 from wine import BIN, Program, wait_until, windows_path
 
 PROBE = BIN / "AssertDialogProbe.exe"
+DEBUGGED = ["--debug", windows_path(PROBE)]
 ASSERT_TITLE = "Assert Failed: AssertDialogProbe.exe"
 DATA_TITLE = "Data Error Occurred: AssertDialogProbe.exe"
 ALWAYS, ONCE, DEBUG, ABORT, REPORT, COPY = range(1001, 1007)
@@ -30,8 +31,8 @@ def said(program):
 
 
 @pytest.mark.parametrize("options, title, report, focus", [
-    ([], ASSERT_TITLE, ASSERT_REPORT, ONCE), (["--under-debugger"], ASSERT_TITLE, ASSERT_REPORT, DEBUG),
-    (["--data"], DATA_TITLE, "Grüße an 太郎", ONCE), (["--data", "--under-debugger"], DATA_TITLE, DATA_REPORT, ONCE)])
+    ([], ASSERT_TITLE, ASSERT_REPORT, ONCE), (DEBUGGED, ASSERT_TITLE, ASSERT_REPORT, DEBUG),
+    (["--data"], DATA_TITLE, "Grüße an 太郎", ONCE), ([*DEBUGGED, "--data"], DATA_TITLE, DATA_REPORT, ONCE)])
 def test_each_kind_looks_as_designed(display, options, title, report, focus):
     with start(display, *options) as probe:
         window = display.wait_for_window(title)
@@ -44,7 +45,7 @@ def test_each_kind_looks_as_designed(display, options, title, report, focus):
     assert [(button.text, button.id) for button in buttons] == [row[:2] for row in BUTTONS]
     assert edit.id == REPORT and re.fullmatch(report, edit.text)
     assert edit.style & 0x103008C4 == 0x103008C4 and edit.extendedStyle & 0x20000
-    assert window.focus == focus and window.control(DEBUG).enabled == ("--under-debugger" in options)
+    assert window.focus == focus and window.control(DEBUG).enabled == ("--debug" in options)
     across, down = buttons[0].width / 64, buttons[0].height / 14  # pixels of a dialog unit
     for button, (_, _, x) in zip(buttons, BUTTONS):
         assert (button.x - buttons[0].x, button.y) == pytest.approx(((x - 28) * across, buttons[0].y), abs=2)
@@ -82,7 +83,7 @@ def test_the_question_stays_open_until_it_is_answered(display):
 
 def test_the_shipped_agent_never_asks(display, site):
     """It fails a check, even in front of a debugger: no window comes up, and it goes on."""
-    with Program(PROBE, "--nameless", windows_path(EXECUTABLE),
+    with Program(PROBE, "--debug", windows_path(EXECUTABLE),
                  f"-config={windows_path(site.write_configuration())}",
                  f"-appFolder={windows_path(site.folder / 'app')}", variables=display.variables()) as agent:
         agent.wait_for("ASSERT File=Libs/Framework/Core/src/ApplicationFolders")

@@ -72,24 +72,19 @@ std::string WithControls(HWND window) {
            "\"controls\": " + List(GetWindow(window, GW_CHILD), Described);
 }
 
-bool PrintClipboard() {
-    if (!OpenClipboard(nullptr)) {
-        return false;
-    }
-    HANDLE text = GetClipboardData(CF_UNICODETEXT);
-    std::printf("%s\n", text ? Quoted(static_cast<const wchar_t*>(GlobalLock(text))).c_str() : "\"\"");
+// Empty while another program has it.
+std::string Clipboard() {
+    HANDLE text = OpenClipboard(nullptr) ? GetClipboardData(CF_UNICODETEXT) : nullptr;
+    const std::string quoted = Quoted(text ? static_cast<const wchar_t*>(GlobalLock(text)) : L"");
     GlobalUnlock(text);
     CloseClipboard();
-    return true;
+    return quoted;
 }
 
 } // namespace
 
-int main(int count, char** arguments) {
-    const std::string_view what = count == 2 ? arguments[1] : "";
-    if (what == "windows") {
-        std::printf("%s\n", List(GetTopWindow(nullptr), WithControls).c_str());
-        return 0;
-    }
-    return what == "clipboard" && PrintClipboard() ? 0 : 1;
+int main(int, char** arguments) {
+    const bool isClipboard = std::string_view(arguments[1]) == "clipboard";
+    std::puts((isClipboard ? Clipboard() : List(GetTopWindow(nullptr), WithControls)).c_str());
+    return 0;
 }

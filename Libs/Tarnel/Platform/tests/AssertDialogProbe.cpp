@@ -1,15 +1,14 @@
 // Fails checks with the dialogs switched on and prints what becomes of them. The end-to-end tests start it,
 // answer its dialogs and read its lines.
 //
-//   AssertDialogProbe [--data] [--under-debugger] [--rounds N]
+//   AssertDialogProbe [--data] [--rounds N]
 //
-// fails an assert, or a data check, N times at one place; under the debugger as the debuggee of a second
-// copy.
+// fails an assert, or a data check, N times at one place.
 //
-//   AssertDialogProbe --nameless PROGRAM [ARGUMENT...]
+//   AssertDialogProbe --debug PROGRAM [ARGUMENT...]
 //
-// runs another program as its debuggee, with an empty text where a command line has the program's name. That
-// makes the agent fail a check.
+// runs a program as its debuggee, with an empty text where a command line has the program's name. That makes
+// the agent fail a check.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -31,12 +30,12 @@ void Say(const char* who, const char* text) {
 }
 
 // Says where it breaks; returns its exit code.
-int RunUnderDebugger(const wchar_t* program, std::wstring commandLine) {
+int RunUnderDebugger(const std::wstring& program, std::wstring commandLine) {
     STARTUPINFOW startup = {};
     startup.cb = sizeof(startup);
     PROCESS_INFORMATION process = {};
-    if (!CreateProcessW(program, commandLine.data(), nullptr, nullptr, TRUE, DEBUG_ONLY_THIS_PROCESS, nullptr,
-                        nullptr, &startup, &process)) {
+    if (!CreateProcessW(program.c_str(), commandLine.data(), nullptr, nullptr, TRUE, DEBUG_ONLY_THIS_PROCESS,
+                        nullptr, nullptr, &startup, &process)) {
         return -1;
     }
     DEBUG_EVENT event = {};
@@ -74,15 +73,11 @@ int main() {
     const auto has = [&](std::wstring_view option) {
         return std::ranges::find(given, option) != given.end();
     };
-    if (has(L"--nameless")) {
+    if (has(L"--debug")) {
         std::wstring commandLine = L"\"\"";
         std::for_each(given.begin() + 2, given.end(),
                       [&](const std::wstring& argument) { commandLine += L" \"" + argument + L"\""; });
-        return RunUnderDebugger(given[1].c_str(), commandLine);
-    }
-    if (has(L"--under-debugger")) {
-        std::wstring commandLine = GetCommandLineW();
-        return RunUnderDebugger(nullptr, commandLine.replace(commandLine.find(L"--under-debugger"), 16, L""));
+        return RunUnderDebugger(given[1], commandLine);
     }
     EXP_GetAssertState()->showDialogs = 1;
     FailChecks(has(L"--data"), has(L"--rounds") ? std::stoi(given.back()) : 1);
