@@ -5,7 +5,7 @@ import threading
 
 
 def read_request(connection):
-    """Reads a request with its body; returns its head as text."""
+    """Reads a request; returns its head as text, and its body."""
     received = b""
     while b"\r\n\r\n" not in received:
         received += receive(connection)
@@ -13,10 +13,9 @@ def read_request(connection):
     if b"\r\nexpect: 100-continue" in head.lower():
         connection.sendall(b"HTTP/1.1 100 Continue\r\n\r\n")
     lengths = [line.split(b":")[1] for line in head.split(b"\r\n") if line.lower().startswith(b"content-length:")]
-    missing = int(lengths[0]) - len(body)
-    while missing > 0:
-        missing -= len(receive(connection))
-    return head.decode("ascii")
+    while len(body) < int(lengths[0]):
+        body += receive(connection)
+    return head.decode("ascii"), body
 
 
 def receive(connection):

@@ -59,12 +59,10 @@ def upload(folder, pem):
 
 def check_trusted(folder, pem):
     errors, (request,), objects = upload(folder, pem)
-    assert errors == "", errors
     ((key, data),) = objects.items()
-    assert read_package(data).header["Key"] == "one"
-    assert request["scheme"] == "https" and request["host"] == f"{BUCKET}.{DOMAIN}"
-    assert request["path"] == f"/{key}"
-    assert request["sha256"] == "UNSIGNED-PAYLOAD" and request["content-md5"]
+    assert errors == "" and read_package(data).header["Key"] == "one"
+    assert [request[name] for name in ("scheme", "host", "path", "sha256")] == [
+        "https", f"{BUCKET}.{DOMAIN}", f"/{key}", "UNSIGNED-PAYLOAD"] and request["content-md5"]
 
 
 def check_refused(folder, pem):

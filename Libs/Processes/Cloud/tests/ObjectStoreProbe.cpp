@@ -1,10 +1,9 @@
-// Puts one object with the client that this build uses, and prints the outcome. For tests against a real
-// store.
+// Puts one object with the client that this build uses, as the agent puts a package, and prints the outcome.
 //
 //   ObjectStoreProbe bucket=NAME accessKey=ID secretKey=KEY file=PATH endpoint=URL requestTimeout=MS
-//       [region=NAME] [pathStyle=1] [connectTimeout=MS] [key=TEXT] [md5=BASE64] [length=BYTES]
+//       [connectTimeout=MS] [length=BYTES]
 //
-// Without key, md5 and length the request is the agent's for a package. Prints
+// A given length is announced instead of the file's. Prints
 // result="OK" etag=["5d41402abc4b2a76b9719d911017c592"] status=200 retry-after=0 ms=12 . Exit code: 0 if all
 // succeeded.
 #include <chrono>
@@ -13,25 +12,12 @@
 #include <iterator>
 #include <map>
 #include <string>
-#include <vector>
 
 #include "Libs/Processes/Cloud/src/S3Upload.h"
 
 namespace {
 
-std::map<std::string, std::string> g_arguments;
-
-std::string Text(const char* name, const std::string& otherwise = "") {
-    const auto found = g_arguments.find(name);
-    return found == g_arguments.end() ? otherwise : found->second;
-}
-int64_t Number(const char* name, int64_t otherwise) {
-    return std::stoll(Text(name, std::to_string(otherwise)));
-}
-
-bool PutOne(const ObjectStoreConfig& config, PutObjectRequest request, std::span<const uint8_t> content) {
-    Platform::MemorySource body(content); // of this thread
-    request.body = &body;
+bool PutOne(const ObjectStoreConfig& config, const PutObjectRequest& request) {
     using Clock = std::chrono::steady_clock;
     const auto start = Clock::now();
     PutAnswer answer;
@@ -46,27 +32,28 @@ bool PutOne(const ObjectStoreConfig& config, PutObjectRequest request, std::span
 } // namespace
 
 int main(int argc, char** argv) {
-    for (const std::string argument : std::vector<const char*>(argv + 1, argv + argc)) {
-        g_arguments[argument.substr(0, argument.find('='))] = argument.substr(argument.find('=') + 1);
+    std::map<std::string, std::string> given = {{"connectTimeout", "500"}};
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        given[argument.substr(0, argument.find('='))] = argument.substr(argument.find('=') + 1);
     }
-    const ObjectStoreConfig config = {Text("endpoint"),
-                                      Text("region", "us-east-1"),
-                                      Text("pathStyle").empty(),
-                                      Text("bucket"),
-                                      Text("accessKey"),
-                                      Text("secretKey"),
-                                      static_cast<uint32_t>(Number("connectTimeout", 500)),
-                                      static_cast<uint32_t>(Number("requestTimeout", 30000))};
-    std::ifstream file(Text("file"), std::ios::binary);
+    const auto number = [&](const char* name) { return static_cast<uint32_t>(std::stoul(given[name])); };
+    const ObjectStoreConfig config = {given["endpoint"],
+                                      "us-east-1",
+                                      false,
+                                      given["bucket"],
+                                      given["accessKey"],
+                                      given["secretKey"],
+                                      number("connectTimeout"),
+                                      number("requestTimeout")};
+    std::ifstream file(given["file"], std::ios::binary);
     const std::string content{std::istreambuf_iterator<char>(file), {}};
-    const std::span bytes(reinterpret_cast<const uint8_t*>(content.data()), content.size());
-    Platform::MemorySource body(bytes);
+    Platform::MemorySource body({reinterpret_cast<const uint8_t*>(content.data()), content.size()});
     PutObjectRequest request;
     static_cast<void>(RequestForPackage(body, request)); // memory can be read
-    request.key = Text("key", request.key);
-    request.contentMd5 = Text("md5", request.contentMd5);
-    request.contentLength = Number("length", request.contentLength);
-
-    const bool isGood = InitializeObjectStores() && PutOne(config, request, bytes);
+    if (given.contains("length")) {
+        request.contentLength = std::stoll(given["length"]);
+    }
+    const bool isGood = InitializeObjectStores() && PutOne(config, request);
     return ShutdownObjectStores() && isGood ? 0 : 1;
 }
