@@ -7,28 +7,23 @@ namespace {
 constexpr char Tag[] = "\"5d41402abc4b2a76b9719d911017c592\""; // of "hello"
 constexpr char Mismatch[] = "MD5 of stream received by S3 doesn't match the MD5 we computed locally";
 
-// Sends "hello" to a store that answers like this, and perhaps changes a byte meanwhile.
-std::string Put(const char* eTag, ResultCode result = {}, bool changesByte = false, bool verifyETag = true) {
+// Sends "hello" to a store that answers with this tag, and perhaps changes the byte that is sent first.
+std::string Put(const char* eTag, char first = 'h') {
     struct Store : IObjectStore {
-        ResultCode PutObject(const PutObjectRequest& request, PutAnswer& answer) override {
-            EXPECT_EQ(request.key, "5d41402abc4b2a76b9719d911017c592");
-            EXPECT_EQ(request.contentLength, 5);
-            *changed = newByte;
-            answer.eTag = eTag;
-            return result;
+        ResultCode PutObject(const PutObjectRequest&, PutAnswer& answer) override {
+            package[0] = newFirst;
+            answer.eTag = tag;
+            return {};
         }
-        Store(char* first, char byte, const char* text, ResultCode code)
-            : changed(first), newByte(byte), eTag(text), result(code) {}
-        char* changed;
-        char newByte;
-        const char* eTag;
-        ResultCode result;
-    };
-    std::string package = "hello";
-    Store store(package.data(), changesByte ? 'j' : 'h', eTag, result);
-    Platform::MemorySource source({reinterpret_cast<const uint8_t*>(package.data()), package.size()});
+        std::string package = "hello";
+        char newFirst = 'h';
+        const char* tag = "";
+    } store;
+    store.newFirst = first;
+    store.tag = eTag;
+    Platform::MemorySource source({reinterpret_cast<const uint8_t*>(store.package.data()), 5});
     UploadAnswer answer;
-    return PutPackage(store, source, verifyETag, answer).Text();
+    return PutPackage(store, source, true, answer).Text();
 }
 
 } // namespace
@@ -40,9 +35,7 @@ TEST(S3Upload, OnlyTheQuotedDigestConfirms) {
           "\"5d41402abc4b2a76b9719d911017c592-1\"", "\"5d41402abc4b2a76b9719d911017c592\" "}) {
         EXPECT_EQ(Put(eTag), Mismatch) << eTag;
     }
-    EXPECT_EQ(Put(Tag, {}, true), Mismatch);
-    EXPECT_EQ(Put("\"of-a-ciphertext\"", {}, false, false), "OK"); // the store took it by its Content-MD5
-    EXPECT_EQ(Put(Tag, "The bucket is on fire"), "Failed to put stream in S3 bucket");
+    EXPECT_EQ(Put(Tag, 'j'), Mismatch);
 }
 
 TEST(S3Upload, OfAnAnswerOnlyTheCodesLettersAreShown) {

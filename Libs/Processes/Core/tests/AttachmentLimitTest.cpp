@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <numeric>
 
 namespace {
 
@@ -18,10 +19,8 @@ std::string Truncated(const std::vector<AttachmentLimit>& limits, const std::str
 }
 
 std::string Counting(std::size_t size) {
-    std::string text;
-    for (std::size_t i = 0; i < size; ++i) {
-        text += static_cast<char>('!' + i % 89);
-    }
+    std::string text(size, ' ');
+    std::iota(text.begin(), text.end(), '\0');
     return text;
 }
 

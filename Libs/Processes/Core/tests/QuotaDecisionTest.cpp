@@ -54,12 +54,10 @@ TEST(QuotaDecision, OnlyInvalidFoldersAgeOut) {
 }
 
 TEST(QuotaDecision, TheYoungestComesFirst) {
-    std::vector<FolderRecord> records = {
-        {.age = Max / Second, .path = "future"},
-        {.age = 5, .path = "b"},
-        {.age = 5, .path = "a"},
-        {.age = 0, .path = "z"},
-    };
+    std::vector<FolderRecord> records = {{.age = Max / Second, .path = "future"},
+                                         {.age = 5, .path = "b"},
+                                         {.age = 5, .path = "a"},
+                                         {.path = "z"}};
     QuotaDecision::SortByAge(records);
     std::string paths;
     for (const FolderRecord& record : records) {

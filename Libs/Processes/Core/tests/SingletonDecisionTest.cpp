@@ -6,21 +6,12 @@
 
 namespace {
 
-using Copies = std::vector<SingletonDecision::Copy>;
-
-TEST(SingletonDecision, TheExecutablesNameFollowsTheLastBackslash) {
-    EXPECT_EQ(SingletonDecision::ExecutableName(R"(C:\Games/agent.exe)"), "Games/agent.exe");
-    EXPECT_EQ(SingletonDecision::ExecutableName("agent.exe"), "agent.exe");
-    EXPECT_EQ(SingletonDecision::ExecutableName(R"(\agent.exe)"), "agent.exe");
-    EXPECT_EQ(SingletonDecision::ExecutableName(R"(C:\Tools\)"), std::nullopt);
-}
-
 TEST(SingletonDecision, OneCopyStaysAndTheOthersGo) {
     using enum SingletonDecision::State;
     using enum SingletonDecision::Verdict;
     const struct {
         const char* what;
-        Copies copies;
+        std::vector<SingletonDecision::Copy> copies;
         SingletonDecision::Verdict verdict; // on the process with the id 8
     } rows[] = {
         {"alone", {{8, 100}}, Stay},

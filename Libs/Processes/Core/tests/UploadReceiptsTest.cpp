@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/support/OnThreads.h"
 #include "tests/support/ScratchFolder.h"
 
 namespace {
@@ -27,7 +26,6 @@ TEST(UploadReceipts, TheLastThousandLinesStay) {
         std::string kept;
     } rows[] = {
         {"none", "", ""},
-        {"some", Lines(2), Lines(2)},
         {"a torn one", Lines(1) + "{\"Time\":\"20", Lines(1) + "{\"Time\":\"20\n"},
         {"all but one", "x\n" + Lines(998), "x\n" + Lines(998)},
         {"as many as fit", "x\n" + Lines(999), Lines(999)},
@@ -46,19 +44,4 @@ TEST(UploadReceipts, TheLastThousandLinesStay) {
         EXPECT_EQ(added.receipts[0].time.size(), sizeof("2024-05-06T07:08:09Z") - 1);
         EXPECT_FALSE(folder.Exists("receipts.new"));
     }
-}
-
-TEST(UploadReceipts, ThreadsShareAFile) {
-    const TestSupport::ScratchFolder folder;
-    const std::string path = folder.MakeFile("receipts", Lines(990));
-    TestSupport::OnThreads(4, [&](int) {
-        for (int i = 0; i < 5; ++i) {
-            EXPECT_TRUE(UploadReceipts::Add(path, {"", "new", "", 0, 0}));
-        }
-    });
-    const auto content = UploadReceipts::Read(folder.ReadFile("receipts"));
-    EXPECT_EQ(content.receipts.size(), UploadReceipts::MostLines);
-    EXPECT_EQ(content.receipts[979].submission, "a");
-    EXPECT_EQ(content.receipts[980].submission, "new");
-    EXPECT_STREQ(UploadReceipts::Add(folder.MakeFolder("receipts-2"), {}).Text(), "Failed to open the file");
 }

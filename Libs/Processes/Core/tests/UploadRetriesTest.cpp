@@ -50,18 +50,3 @@ TEST(UploadRetries, EachPauseFollowsFromWhatTheStoreSaid) {
         EXPECT_EQ(row.pauses, row.expected) << row.what;
     }
 }
-
-TEST(UploadRetries, TheLatestThatIsDueIsNext) {
-    const UploadRetries::Time now{milliseconds(1000)};
-    std::vector<UploadRetries::Package> packages = {
-        {"new"}, {"due", now, 1}, {"waits", now + milliseconds(1), 1}, {"runs", {}, 0, 0, true}};
-    for (const char* const expected : {"due", "new"}) {
-        UploadRetries::Package* const next = UploadRetries::LatestDue(packages, now);
-        ASSERT_TRUE(next);
-        EXPECT_EQ(next->folder, expected);
-        next->isActive = true;
-    }
-    EXPECT_FALSE(UploadRetries::LatestDue(packages, now));
-    EXPECT_EQ(UploadRetries::FindActive(packages, "due"), &packages[1]);
-    EXPECT_FALSE(UploadRetries::FindActive(packages, "waits"));
-}
