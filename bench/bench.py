@@ -193,7 +193,8 @@ class Rows:
         for section in configuration.values():
             if isinstance(section, dict):
                 section.pop("TimeBetweenChecks", None)
-        configuration["Uploader"] |= {"EndpointOverride": "http://127.0.0.1:1", "AskPermission": False}  # no listener
+        configuration["Uploader"] |= {"EndpointOverride": "http://127.0.0.1:1", "AskPermission": False,  # no listener
+                                      "RetryFailedUploads": False}
         configuration["ProcessMonitor"]["WatchedApplications"] = ["SampleGame.exe"]
         site.configuration = configuration
         write_packages(site.packaged, packages)
@@ -223,9 +224,12 @@ def process_seconds(pid):
     return (int(fields[11]) + int(fields[12])) / os.sysconf("SC_CLK_TCK")
 
 
-def table(rows, machine):
-    lines = [f"{machine}\n", "| what | measured | bound | ratio | goal | |", "|---|---|---|---|---|---|"]
-    return "\n".join(lines + ["| " + " | ".join(cells) + " |" for cells in rows]) + "\n"
+def table(rows, machine, others=""):
+    """The rows beside those of another table that were not measured again."""
+    lines = {line.split(" | ")[0]: line for line in others.splitlines() if line.startswith("| ")}
+    lines |= {"| what": "| what | measured | bound | ratio | goal | |\n|---|---|---|---|---|---|"}
+    lines |= {f"| {cells[0]}": "| " + " | ".join(cells) + " |" for cells in rows}
+    return f"{machine}\n\n" + "\n".join(lines.values()) + "\n"
 
 
 def main():
@@ -254,12 +258,11 @@ def main():
     finally:
         wine.stop_prefix()
         shutil.rmtree(wine.SCRATCH, ignore_errors=True)
-    text = table(rows, machine)
-    print(text, end="")
+    print(table(rows, machine), end="")
     if options.write:
         head, _, rest = DOCUMENT.read_text(encoding="utf-8").partition(MARKERS[0])
-        tail = rest.partition(MARKERS[1])[2]
-        DOCUMENT.write_text(head + MARKERS[0] + text + MARKERS[1] + tail, encoding="utf-8")
+        before, _, tail = rest.partition(MARKERS[1])
+        DOCUMENT.write_text(head + MARKERS[0] + table(rows, machine, before) + MARKERS[1] + tail, encoding="utf-8")
     if points := measured.memory_over_time:
         if options.series:
             picture.save(options.series, points)
