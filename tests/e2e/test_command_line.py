@@ -72,22 +72,24 @@ def test_the_application_folder_lies_in_the_documents(idle):
 
 
 def test_the_log_file_goes_on_from_run_to_run(idle):
+    """After a kill, too; a disk that is full and a file that can't be written cost one line."""
     app = idle.folder / "app"
     log, older = app / "agent.log", app / "agent.log.old"
     idle.configuration["Application"]["LogFile"] = "agent.log"
-    said = []
-    for size in (None, (1 << 20) - 100):  # the second run fills the file
-        if size:
-            log.write_bytes(log.read_bytes().ljust(size, b"."))
-        with idle.start() as agent:
-            assert agent.wait() == 0 and agent.stderr == b""
-        said.append(agent.stdout)
-    assert older.read_bytes().startswith(said[0]) and older.stat().st_size <= 1 << 20
-    assert (older.read_bytes() + log.read_bytes()).endswith(said[1]) and log.stat().st_size > 500
-    log.unlink()
-    log.mkdir()  # can't be written
+    with idle.start() as killed:
+        killed.wait_for(" running application processes...")
+        killed.kill()
+    log.write_bytes(log.read_bytes().ljust((1 << 20) - 100, b"."))  # the next run fills it
     with idle.start() as agent:
-        assert agent.wait() == 0 and agent.stderr.count(b"\r\n") == agent.stderr.count(b" Failed to write the log file ") == 1
+        assert agent.wait() == 0 and agent.stderr == b""
+    assert older.read_bytes()[:500] == killed.stdout[:500] and older.stat().st_size <= 1 << 20
+    assert (older.read_bytes() + log.read_bytes()).endswith(agent.stdout) and log.stat().st_size > 500
+    log.unlink()
+    for spoil in (log.mkdir, lambda: log.rmdir() or log.symlink_to("/dev/full")):
+        spoil()
+        with idle.start() as agent:
+            assert agent.wait() == 0
+        assert agent.stderr.count(b"\r\n") == agent.stderr.count(b" Failed to write the log file ") == 1
 
 
 # A launcher makes pipes for the outputs and never reads them, or only late.

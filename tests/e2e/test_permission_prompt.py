@@ -132,6 +132,7 @@ def test_a_yes_after_the_agent_was_told_to_end_is_for_the_next_run(site, store, 
         agent.wait_for("requesting shutting down")
         display.press("Return")
         assert agent.wait() == 0
+    assert " The player agreed too late: " in agent.text
     assert len(site.waiting_packages()) == 1
     assert store.uploads() == []
 
