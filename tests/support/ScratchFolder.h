@@ -36,9 +36,6 @@ public:
 
     const std::filesystem::path& Folder() const { return m_folder; }
 
-    // With forward slashes.
-    std::wstring Wide() const { return m_folder.generic_wstring(); }
-
     // With a trailing separator.
     std::string Path() const { return ToUtf8(m_folder) + Separator; }
 

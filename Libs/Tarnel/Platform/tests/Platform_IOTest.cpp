@@ -7,14 +7,6 @@
 
 using namespace Platform;
 
-namespace {
-
-std::vector<uint8_t> Bytes(std::size_t size) {
-    return std::vector<uint8_t>(size, uint8_t{'x'});
-}
-
-} // namespace
-
 TEST(PlatformIO, FailuresHaveTheirOutcomes) {
     const TestSupport::ScratchFolder scratch;
     scratch.MakeFile("empty", "");
@@ -24,7 +16,7 @@ TEST(PlatformIO, FailuresHaveTheirOutcomes) {
     for (const std::string& path :
          {scratch.PathOf("missing/x"), scratch.Path(), std::string(), scratch.Path() + "\xFF"}) {
         EXPECT_STREQ(ReadFileBytes(path, bytes).Text(), "Failed to open input file") << path;
-        EXPECT_EQ(WriteWholeFile(path, Bytes(1)), WriteOutcome::OpenFailed) << path;
+        EXPECT_EQ(WriteWholeFile(path, std::vector<uint8_t>(1)), WriteOutcome::OpenFailed) << path;
         EXPECT_FALSE(FolderListing(path + "none").Next());
     }
 }

@@ -16,16 +16,7 @@ void Write(const wchar_t* logName, const std::string& entry) {
     LogFileSink(logName, entry.data(), static_cast<uint32_t>(entry.size()), 1);
 }
 
-// Log files stay open until the program ends, so every case uses log names of its own.
-class LogTest : public testing::Test {
-protected:
-    LogTest() { EXP_SetLogRoot(m_folder.Wide().c_str()); }
-    ~LogTest() override { EXP_SetLogRoot(nullptr); }
-
-    TestSupport::ScratchFolder m_folder{"Log"};
-};
-
-TEST_F(LogTest, RootAndNameMakeAPath) {
+TEST(Log, RootAndNameMakeAPath) {
     const std::wstring longest(258, L'r');
     const struct {
         std::wstring root;
@@ -78,20 +69,24 @@ TEST(Log, TextsFromOutsideAreShownNotObeyed) {
     }
 }
 
-TEST_F(LogTest, FileHoldsTheBytesAsGivenAndIsTruncatedOnce) {
-    m_folder.MakeFile("Bytes.log", "from an earlier run, longer than the new entries");
-    EXP_SetLogRoot((m_folder.Wide() + L"/missing").c_str());
+// The files stay open until the program ends.
+TEST(Log, FileHoldsTheBytesAsGivenAndIsTruncatedOnce) {
+    const TestSupport::ScratchFolder scratch("Log");
+    const std::wstring root = scratch.Folder().generic_wstring();
+    scratch.MakeFile("Bytes.log", "from an earlier run, longer than the new entries");
+    EXP_SetLogRoot((root + L"/missing").c_str());
     Write(L"Bytes.log", "lost, and no slot is used");
-    EXP_SetLogRoot(m_folder.Wide().c_str());
+    EXP_SetLogRoot(root.c_str());
     Write(L"Bytes.log", "one");
     Write(L"Bytes.log", std::string("\0\r\n", 3));
     Write(nullptr, "no name");
     Write(L"Bytes.log", "two");
-    EXPECT_EQ(m_folder.ReadFile("Bytes.log"), std::string("one\0\r\ntwo", 9));
+    EXPECT_EQ(scratch.ReadFile("Bytes.log"), std::string("one\0\r\ntwo", 9));
     for (int i = 2; i <= 33; ++i) { // there is room for 32
         Write((std::to_wstring(i) + L".log").c_str(), "x");
     }
-    EXPECT_TRUE(m_folder.Exists("32.log") && !m_folder.Exists("33.log"));
+    EXPECT_TRUE(scratch.Exists("32.log") && !scratch.Exists("33.log"));
+    EXP_SetLogRoot(nullptr);
 }
 
 } // namespace
