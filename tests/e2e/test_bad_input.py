@@ -5,7 +5,7 @@ import os
 
 from package_reader import read_package
 from submissions import catalog, header, write_folder, write_small
-from wine import windows_path
+from wine import wait_until, windows_path
 
 PARSE = "Failed to parse json header data in dump folder!"
 BRACKETS = 500_000
@@ -88,6 +88,14 @@ def test_nothing_outside_is_read_or_deleted(site, store, bucket):
     assert package.header["Catalog"]["Dump"] == {"File": "", "MD5": ""}
     # Wine would delete what a link points to, so there the agent refuses, and the rest of the folder stays.
     assert not (folder / "header.json").exists() and not (folder / "game.log").exists()
+    write_small(site.dumps, "beside")
+    site.configuration["Application"]["Processes"] = {"DiskQuota": ["Quota"], "ProcessMonitor": ["ProcessMonitor"]}
+    site.configuration["Quota"] = {"DumpsFolder": windows_path(site.dumps), "DumpsQuota": 0, "InvalidGraceTime": 0}
+    with site.start_with_game() as beside:
+        wait_until(lambda: not (site.dumps / "beside").exists(), 20, "the folder beside the links gone")
+        assert beside.quit() == 0
+    for link in ("hostile", "linked", "linked header"):
+        assert windows_path(site.dumps / link).encode() in beside.agent.stderr, link
     assert all(path.read_bytes() == b"TOP SECRET" for path in secrets) and (outside / "header.json").exists()
 
 

@@ -1,4 +1,4 @@
-"""The quotas of the shipped agent: under a flood, and over folders of every kind."""
+"""The quotas of the shipped agent under a flood."""
 import os
 import threading
 import time
@@ -8,21 +8,13 @@ import pytest
 
 from memory import occupied
 from package_reader import read_package
-from submissions import catalog, header, write_folder, write_small
+from submissions import catalog, header, write_folder
 from wine import wait_until, windows_path
 
 # The flood of a regular run; MORVANE_FLOOD_SECONDS=120 plays it at full length.
 FLOOD_SECONDS = int(os.environ.get("MORVANE_FLOOD_SECONDS", "12"))
 TIME_BETWEEN_FOLDERS = 0.05
 FILE_SIZE = 20_000
-
-
-def add_quota(site, **keys):
-    """A quota over the site's two folders; what is not given keeps the default."""
-    site.packaged.mkdir(parents=True)
-    site.configuration["Application"]["Processes"]["DiskQuota"] = ["Quota"]
-    site.configuration["Quota"] = {"DumpsFolder": windows_path(site.dumps), "PackagedFolder": windows_path(site.packaged),
-                                   "TimeBetweenChecks": 100, **keys}
 
 
 def size_of(area):
@@ -48,7 +40,10 @@ def flood(dumps, written):
 def test_a_flood_stays_under_both_quotas_and_the_survivors_are_sent(site, store, bucket):
     dumps_quota, packaged_quota = 30 * FILE_SIZE, 40 * FILE_SIZE
     endpoint = site.configuration["Uploader"]["EndpointOverride"]
-    add_quota(site, DumpsQuota=dumps_quota, PackagedQuota=packaged_quota)
+    site.packaged.mkdir(parents=True)
+    site.configuration["Application"]["Processes"]["DiskQuota"] = ["Quota"]
+    site.configuration["Quota"] = {"DumpsFolder": windows_path(site.dumps), "PackagedFolder": windows_path(site.packaged),
+                                   "TimeBetweenChecks": 100, "DumpsQuota": dumps_quota, "PackagedQuota": packaged_quota}
     site.configuration["Uploader"]["EndpointOverride"] = "http://127.0.0.1:1"  # nobody listens
     written = []
     writer = threading.Thread(target=flood, args=(site.dumps, written))
@@ -79,22 +74,3 @@ def test_a_flood_stays_under_both_quotas_and_the_survivors_are_sent(site, store,
         assert beside.quit() == 0
     sent = {read_package(store.get(bucket, key)).header["Key"] for key in store.keys(bucket)}
     assert sent == {folder.name for folder in survivors}
-
-
-@pytest.mark.limit(120)
-def test_folders_of_every_kind_go(site):
-    add_quota(site, DumpsQuota=0, InvalidGraceTime=1)
-    outside = site.folder / "precious"
-    outside.mkdir()
-    (outside / "save game").write_bytes(b"keep me")
-    for link in (write_small(site.dumps, "linked") / "saves", site.dumps / "linked too"):
-        link.symlink_to(outside)
-    write_small(site.dumps, "beside")
-    unpacked = {"DiskQuota": ["Quota"], "ProcessMonitor": ["ProcessMonitor"]}  # the packager would be quicker
-    site.configuration["Application"]["Processes"] = unpacked
-    with site.start_with_game() as beside:
-        # Windows removes a link alone; where the system can't, the folder stays rather than what the link leads to.
-        wait_until(lambda: {path.name for path in site.dumps.iterdir()} <= {"linked", "linked too"}, 90, "every folder gone")
-        assert beside.quit() == 0
-    assert all(b"linked" in line for line in beside.agent.stderr.splitlines())
-    assert (outside / "save game").read_bytes() == b"keep me"
