@@ -85,9 +85,7 @@ ExitCode RunCheckConfig(const Arguments& arguments) {
     std::vector<std::vector<uint8_t>> texts;
     for (const std::string& file : arguments.files) {
         std::vector<uint8_t> bytes;
-        std::string reason;
-        if (!Console::ReadInput(file, bytes, reason)) {
-            Console::PrintError(file, reason);
+        if (!Console::ReadInput(file, bytes)) {
             Raise(code, ExitCode::NotReadOrWritten);
             continue;
         }

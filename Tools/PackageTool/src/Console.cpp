@@ -89,14 +89,16 @@ Platform::ByteSource* Input::Open(const std::string& file, std::string& reason) 
     return m_source.get();
 }
 
-bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason) {
+bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes) {
     Input input;
-    Platform::ByteSource* const source = input.Open(file, reason);
-    if (!source) {
-        return false;
+    std::string reason;
+    if (Platform::ByteSource* const source = input.Open(file, reason)) {
+        bytes.resize(static_cast<std::size_t>(source->GetSize()));
+        reason = source->Read(0, bytes) ? "" : Platform::ReadFailure;
     }
-    bytes.resize(static_cast<std::size_t>(source->GetSize()));
-    reason = source->Read(0, bytes) ? "" : Platform::ReadFailure;
+    if (!reason.empty()) {
+        PrintError(file, reason);
+    }
     return reason.empty();
 }
 

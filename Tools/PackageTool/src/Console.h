@@ -65,8 +65,8 @@ private:
     std::unique_ptr<Platform::ByteSource> m_source;
 };
 
-// The same, whole. False if reading failed; reason then says why.
-bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes, std::string& reason);
+// The same, whole. False after a failure, which it prints to standard error.
+bool ReadInput(const std::string& file, std::vector<uint8_t>& bytes);
 
 bool IsFolder(const std::string& path);
 

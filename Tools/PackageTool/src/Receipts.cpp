@@ -43,9 +43,7 @@ ExitCode RunReceipts(const Arguments& arguments) {
     ExitCode code = ExitCode::Good;
     for (const std::string& file : arguments.files) {
         std::vector<uint8_t> bytes;
-        std::string reason;
-        if (!Console::ReadInput(file, bytes, reason)) {
-            Console::PrintError(file, reason);
+        if (!Console::ReadInput(file, bytes)) {
             Raise(code, ExitCode::NotReadOrWritten);
             continue;
         }

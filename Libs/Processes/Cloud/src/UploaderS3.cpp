@@ -1,12 +1,42 @@
 #include "Libs/Processes/Cloud/src/UploaderS3.h"
 
+#include <exception>
 #include <memory>
 
 #include "Libs/Processes/Cloud/src/CloudComponent.h"
-#include "Libs/Processes/Cloud/src/UploaderThreadS3.h"
+#include "Libs/Processes/Cloud/src/S3Endpoint.h"
+#include "Libs/Processes/Cloud/src/S3Upload.h"
 #include "Libs/Shared/src/JsonConfig.h"
 
 Reflection_DefinePolymorphicType(UploaderS3);
+
+namespace {
+
+// One upload of one package to an S3 bucket, with its own client. See UploaderThreadBase for its life.
+class UploaderThreadS3 final : public UploaderThreadBase {
+public:
+    UploaderThreadS3(UploadPermission permission, const std::string& folder, const UploaderS3Config& config)
+        : UploaderThreadBase(permission, folder, config), m_verifyETag(config.verifyETag),
+          m_store(StoreOf(config)) {
+        m_store.connectTimeoutMs = GetConnectTimeout();
+        m_store.requestTimeoutMs = GetRequestTimeout();
+    }
+    ~UploaderThreadS3() override { WaitForEnd(); }
+
+    ResultCode UploadPackage(Platform::ByteSource& package, UploadAnswer& answer) override {
+        try {
+            return PutPackage(*CreateObjectStore(m_store), package, m_verifyETag, answer);
+        } catch (const std::exception&) { // out of memory: fails this upload, not the run
+            return "Failed to put stream in S3 bucket";
+        }
+    }
+
+private:
+    const bool m_verifyETag;
+    ObjectStoreConfig m_store; // constant after construction
+};
+
+} // namespace
 
 ResultCode UploaderS3::Initialize(const JsonDocument& config, int, const char**) {
     if (!HasCloudComponent()) {

@@ -17,9 +17,8 @@ public:
         : m_config(config), m_blacklist(blacklist) {}
 
     // Gives the submission's name, which is empty for a path that has none, and what is wrong with its header
-    // (see HeaderFile::Parse). A file that can't be packaged is
-    // logged and removed from the header. It fails the submission only if the machine is at fault and the
-    // configuration keeps such submissions.
+    // (see HeaderFile::Parse). A file that can't be packaged is logged and removed from the header. It fails
+    // the submission only if the machine is at fault and the configuration keeps such submissions.
     ResultCode Prepare(const std::string& submissionFolder, std::string& name,
                        JsonProblem& headerProblem) const;
 

@@ -58,7 +58,7 @@ private:
     void WriteReceipt(uint64_t size, double seconds) const;
     void DeleteFolder() const;
 
-    // All but the last four are constant after construction.
+    // All but the last three are constant after construction.
     const uint32_t m_connectTimeoutMs = 500;
     const uint32_t m_requestTimeoutMs = 30000;
     const uint32_t m_maxAttempts = 10;

@@ -209,7 +209,6 @@ bool CloseSearchHandle(NativeHandle handle) {
     return FindClose(handle) != 0;
 }
 
-// Asks for the next change before the caller lists the folder: no change falls between the two.
 bool FolderChanges::NeedPass(const std::string& folder) noexcept {
     if (!Any(folder) && m_nothingLeft) {
         return false;
@@ -218,6 +217,7 @@ bool FolderChanges::NeedPass(const std::string& folder) noexcept {
     return true;
 }
 
+// Asks for the next change before the caller lists the folder: no change falls between the two.
 bool FolderChanges::Any(const std::string& folder) noexcept {
     if (m_notification && WaitForSingleObject(m_notification.Get(), 0) == WAIT_OBJECT_0) {
         m_quietCalls = 0;
