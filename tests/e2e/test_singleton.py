@@ -11,12 +11,16 @@ READY = ' Watcher "PackageWatcher" is watching folder'
 STOPS = " Process already running requesting shutdown..."
 
 
+def play():
+    return Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet")
+
+
 @pytest.fixture
 def copies(site):
     """Starts copies of the agent from folders and under names of their own; all end with the test."""
     started = []
     site.configuration["Application"]["Processes"]["SingletonAssurance"] = ["Zuletzt"]  # starts after all others
-    game = Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet")  # no agent ends because of it
+    game = play()  # no agent ends because of it
 
     def start(folder, name="MorvaneCrashReporter.exe", by_name=False, ready=" "):
         program = site.folder / folder / name
@@ -30,6 +34,7 @@ def copies(site):
         agent.wait_for(ready)
         return agent
 
+    start.game = game
     yield start
     for program in (game, *reversed(started)):  # the first one's outputs are held by Wine's desktop, which ends with the last
         program.kill()
@@ -58,15 +63,35 @@ def test_of_copies_that_start_together_one_stays(site, copies):
     site.wait_all_sent()
 
 
+def test_a_copy_waits_for_one_that_ends(site, store, copies):
+    """The ending one has an upload to finish, and takes no crash of the game that is started meanwhile."""
+    site.configuration["ProcessMonitor"]["ShutdownDelay"] = 100
+    write_small(site.dumps, "before")
+    store.set_faults({"kind": "delay", "ms": 4000})
+    ending = copies("first")
+    wait_until(store.uploads, 20, "an upload")
+    copies.game.kill()
+    ending.wait_for(" Waiting for 1 active uploads")
+    with play():
+        later = copies("first")
+        assert ending.wait() == 0
+        write_small(site.dumps, "after")
+        site.wait_all_sent()
+        assert later.running and STOPS not in later.text
+
+
 def test_a_copy_that_goes_does_nothing_before(site, copies):
     """Even the quickest one: it would ask without a screen, take that for a No and delete what the first has to send."""
     site.configuration["Uploader"]["EndpointOverride"] = "http://127.0.0.1:1"  # nobody listens
     write_small(site.dumps, "unsent")
     copies("first", ready=" Failed to upload package")
+    half = site.packaged / "half" / "submission.pkg"  # as the first would write it now
+    half.parent.mkdir()
+    half.write_bytes(b"x")
     site.configuration["PackageWatcher"]["TimeBetweenChecks"] = 0
     site.configuration["Uploader"] |= {"TimeBetweenChecks": 0, "AskPermission": True}
     for _ in range(5):
         later = copies("first")
         assert later.wait(20) == 0
         assert " Added " not in later.text and "permission" not in later.text
-    assert len(site.waiting_packages()) == 1
+    assert len(site.waiting_packages()) == 1 and half.exists()

@@ -106,7 +106,7 @@ bool Packager::ThreadMain() {
     PLATFORM_ASSERT(m_watcherProcPtr);
     IWatcher* pWatcher = m_watcherProcPtr ? Reflection::Query<IWatcher>(*m_watcherProcPtr) : nullptr;
     PLATFORM_ASSERT(pWatcher);
-    if (!pWatcher) {
+    if (!pWatcher || IsStopRequested()) { // a copy that goes deletes nothing that the other one writes
         return IsStopRequested();
     }
     // Before the first pause, and so before anything is sent.
