@@ -35,7 +35,7 @@ def only_object(store, bucket):
 @pytest.mark.parametrize("kind, message, watched, arguments", [
     ("access-violation", "Access violation writing 0x0", ["no such.exe", "GAME.exe"], []),  # an ending, in another case
     ("abort", "Abnormal program termination", ["Other.exe"], ["-PROCESS=SampleGame.exe", "-process=samplegame.exe"]),
-    ("exception", "Unhandled C++ exception: the level could not be loaded", ["SampleGame.exe"], []),
+    ("exception", "Unhandled C++ exception: the level caf\ufffd could not be loaded", ["SampleGame.exe"], []),
 ])
 def test_a_crash_arrives_whole_and_the_agent_ends(site, store, bucket, kind, message, watched, arguments):
     name = f"太郎 {kind}"

@@ -25,9 +25,9 @@ std::string g_terminateMessage; // replaces the crash's own after an unhandled C
 
 HeaderFields DescribeSubmission() {
     HeaderFields fields;
-    char host[256] = {};
-    DWORD hostSize = sizeof(host);
-    fields.host = GetComputerNameA(host, &hostSize) ? std::string(host, hostSize) : "unknown";
+    wchar_t host[256] = {};
+    DWORD hostSize = 256;
+    fields.host = GetComputerNameW(host, &hostSize) ? Narrow(host) : "unknown";
     SYSTEMTIME now;
     GetSystemTime(&now);
     char utc[40];

@@ -3,6 +3,8 @@
 #include <rapidjson/stringbuffer.h>
 #include <rapidjson/writer.h>
 
+#include "Tools/SampleGame/src/Files.h"
+
 namespace SampleGame {
 
 namespace {
@@ -12,9 +14,11 @@ constexpr uint32_t Changelist = 4711;
 
 using JsonWriter = rapidjson::Writer<rapidjson::StringBuffer>;
 
+// A header that is not UTF-8 is refused, and an exception's text or a path may be in any encoding.
 void Text(JsonWriter& json, const char* key, const std::string& value) {
+    const std::string text = Narrow(Wide(value));
     json.Key(key);
-    json.String(value.data(), static_cast<rapidjson::SizeType>(value.size()));
+    json.String(text.data(), static_cast<rapidjson::SizeType>(text.size()));
 }
 
 void Number(JsonWriter& json, const char* key, uint64_t value) {

@@ -92,7 +92,7 @@ bool Crash(const std::string& kind) {
     } else if (kind == "abort") {
         std::abort();
     } else if (kind == "exception") {
-        throw std::runtime_error("the level could not be loaded");
+        throw std::runtime_error("the level caf\xE9 could not be loaded"); // as Latin-1 has it
     }
     return kind == "none";
 }
