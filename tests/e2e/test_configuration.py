@@ -24,7 +24,7 @@ FAULTY_PROCESSES = {
                 "Invalid regular expression in attachment black list"),
     "C unknown key": ("UploaderS3", {"WatcherName": "PackageWatcher", "BucketName": "b", "AccessKey": "k",
                                      "SecretKey": "s", "askpermission": True},
-                      "configuration section has an unknown key"),
+                      "configuration section has an unknown or repeated key"),
     "C address": ("UploaderPresigned", {"WatcherName": "PackageWatcher", "SignerUrl": "http://x/"},
                   "SignerUrl is not an https address"),
 }
@@ -57,7 +57,8 @@ def test_what_is_suspicious_is_reported_and_does_no_harm(site, bucket):
     write_small(site.dumps, "sent")
     site.configuration |= {"//": "Notes for people", "$schema": "s.json"}
     site.configuration["Packager"] |= {"// limits": [], "$comment": 1, "AttachmentLimit": []}
-    repeated = json.dumps(site.configuration).replace('"Watcher": [', '"Watcher": [], "Watcher": [', 1)
+    repeated = json.dumps(site.configuration).replace('"Watcher": [', '"Watcher": [], "Watcher": [', 1).replace(
+        '"AttachmentLimit": ', '"WatcherName": "", "AttachmentLimit": ')
     path = site.write_configuration(repeated.encode())
     site.write_configuration = lambda: path
     with site.start() as agent:
@@ -65,4 +66,5 @@ def test_what_is_suspicious_is_reported_and_does_no_harm(site, bucket):
     assert site.all_sent()
     assert [line.split("\t")[1] for line in agent.stderr.decode().splitlines()] == [
         ' Class "Watcher" stands twice under Processes, the last list counts',
+        ' Key "WatcherName" stands twice in section "Packager", the first counts',
         ' Unknown key "AttachmentLimit" in section "Packager", did you mean "AttachmentLimits"?']

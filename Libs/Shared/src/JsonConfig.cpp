@@ -104,10 +104,16 @@ bool HasOnlyKnownKeys(const JsonValue& section, const char* name, const Reflecti
     bool isKnown = true;
     for (const JsonValue::Member& member : section.GetObject()) {
         const std::string_view key(member.name.GetString(), member.name.GetStringLength());
-        if (ConfigKeys::IsForPeople(key) || std::ranges::find(known, key) != known.end()) {
+        const bool isFirst = &section.FindMember(member.name)->value == &member.value;
+        if (ConfigKeys::IsForPeople(key) || (isFirst && std::ranges::find(known, key) != known.end())) {
             continue;
         }
         isKnown = false;
+        if (!isFirst) {
+            PLATFORM_LOG(Platform::ErrorLog, " Key \"%s\" stands twice in section \"%s\", the first counts",
+                         member.name.GetString(), name);
+            continue;
+        }
         PLATFORM_LOG(Platform::ErrorLog, " Unknown key \"%s\" in section \"%s\", did you mean \"%s\"?",
                      member.name.GetString(), name, std::string(ConfigKeys::Nearest(key, known)).c_str());
     }

@@ -41,14 +41,14 @@ std::string_view Nearest(std::string_view key, const std::vector<std::string_vie
 
 } // namespace ConfigKeys
 
-// Logs each key of the section that the record does not have, with the nearest one that it has. False if
-// there is one.
+// Logs each key of the section that the record does not have, with the nearest one that it has, and each that
+// stands there again, which is not read. False if there is one.
 bool HasOnlyKnownKeys(const JsonValue& section, const char* name, const Reflection::TypeDescriptor& record);
 
 enum class UnknownKeys { Reported, Refused };
 
 // Sets the record back to its defaults and fills it from the section of that name; "configuration section not
-// found" leaves it as it was. Unknown keys are logged, and fail the call if they are refused.
+// found" leaves it as it was. Unknown and repeated keys are logged, and fail the call if they are refused.
 template <class T>
 ResultCode ReadConfigSection(const JsonDocument& config, const char* name, T& record,
                              UnknownKeys unknown = UnknownKeys::Reported) {
@@ -59,5 +59,5 @@ ResultCode ReadConfigSection(const JsonDocument& config, const char* name, T& re
     RETURN_IF_FAILED(JsonSerialization::ReadRecord(*section, record));
     return isKnown || unknown == UnknownKeys::Reported
                ? Platform::Success
-               : ResultCode("configuration section has an unknown key");
+               : ResultCode("configuration section has an unknown or repeated key");
 }
