@@ -22,16 +22,17 @@ def copies(site):
     site.configuration["Application"]["Processes"]["SingletonAssurance"] = ["Zuletzt"]  # starts after all others
     game = play()  # no agent ends because of it
 
-    def start(folder, name="MorvaneCrashReporter.exe", by_name=False, ready=" "):
+    def start(folder, name="MorvaneCrashReporter.exe", by_name=False, ready=" ", **options):
         program = site.folder / folder / name
         if not program.exists():
             program.parent.mkdir(exist_ok=True)
             shutil.copy(EXECUTABLE, program)
         command = ["cmd.exe", "/c", name] if by_name else [program]
         agent = Program(*command, f"-config={windows_path(site.write_configuration())}",
-                        f"-appFolder={windows_path(site.folder / 'app')}", cwd=program.parent)
+                        f"-appFolder={windows_path(site.folder / 'app')}", cwd=program.parent, **options)
         started.append(agent)
-        agent.wait_for(ready)
+        if ready:
+            agent.wait_for(ready)
         return agent
 
     start.game = game
@@ -64,14 +65,17 @@ def test_of_copies_that_start_together_one_stays(site, copies):
 
 
 def test_a_copy_waits_for_one_that_ends(site, store, copies):
-    """The ending one has an upload to finish, and takes no crash of the game that is started meanwhile."""
+    """The ending one has uploads and a launcher that does not read, and takes no crash of the game started meanwhile."""
+    site.configuration["Application"]["LogFile"] = "agent.log"
     site.configuration["ProcessMonitor"]["ShutdownDelay"] = 100
-    write_small(site.dumps, "before")
-    store.set_faults({"kind": "delay", "ms": 4000})
-    ending = copies("first")
-    wait_until(store.uploads, 20, "an upload")
+    for number in range(4):
+        write_small(site.dumps, f"before-{number}")
+    store.set_faults({"kind": "delay", "ms": 4000, "times": 4})
+    ending = copies("first", ready=None, reads=False)
+    wait_until(lambda: len(store.uploads()) == 4, 20, "four uploads")
     copies.game.kill()
-    ending.wait_for(" Waiting for 1 active uploads")
+    log = site.folder / "app" / "agent.log"
+    wait_until(lambda: " Waiting for 4 active uploads" in log.read_text(encoding="utf-8"), 20, "the end of the first begun")
     with play():
         later = copies("first")
         assert ending.wait() == 0

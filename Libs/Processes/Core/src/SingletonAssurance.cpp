@@ -2,7 +2,6 @@
 
 #include <windows.h>
 
-#include <chrono>
 #include <cstdint>
 
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
@@ -14,8 +13,7 @@ namespace {
 
 using SingletonDecision::State;
 
-constexpr std::chrono::seconds LongestWait(60);
-constexpr uint32_t TimeBetweenLooks = 50; // milliseconds
+constexpr uint32_t TimeBetweenLooks = 250; // milliseconds
 
 // Global: the copies of one user may run in several sessions.
 std::wstring EventName(uint32_t processId) {
@@ -31,6 +29,12 @@ State StateOf(uint32_t processId) {
 }
 
 } // namespace
+
+// The event goes with the process, which may still wait for a reader of its outputs. Without it another copy
+// would take this one for one that has just started, and go away.
+SingletonAssurance::~SingletonAssurance() {
+    static_cast<void>(m_stays.Release());
+}
 
 ResultCode SingletonAssurance::Initialize(const JsonDocument&, int argc, const char** argv) {
     auto name = SingletonDecision::ExecutableName(argc > 0 && argv[0] ? argv[0] : "");
@@ -54,7 +58,6 @@ ResultCode SingletonAssurance::PostInitialize() {
 
 bool SingletonAssurance::MayStay() const {
     using SingletonDecision::Verdict;
-    const auto end = std::chrono::steady_clock::now() + LongestWait;
     do {
         std::vector<SingletonDecision::Copy> copies;
         if (const ResultCode result = FindCopies(copies); !result) {
@@ -66,8 +69,8 @@ bool SingletonAssurance::MayStay() const {
         if (verdict != Verdict::Wait) {
             return verdict == Verdict::Stay;
         }
-    } while (Pause(TimeBetweenLooks) && std::chrono::steady_clock::now() < end);
-    return true; // the ending copy takes no new crash, so this one must
+    } while (Pause(TimeBetweenLooks));
+    return true; // told to stop: it is no other copy's fault
 }
 
 void SingletonAssurance::RequestShutdown() {

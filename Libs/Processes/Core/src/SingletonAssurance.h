@@ -13,11 +13,13 @@
 class SingletonAssurance : public Reflected<SingletonAssurance> {
 public:
     using Reflected::Reflected;
+    ~SingletonAssurance() override;
 
     // Has no section: all it needs is argv[0].
     ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
 
-    // Waits up to a minute for a copy that is already ending, which may still be sending, and then stays.
+    // Waits for a copy that is already ending: beside one that still packages or asks, this one would package
+    // the same submission, or ask too.
     ResultCode PostInitialize() override;
     bool ThreadMain() override { return IsStopRequested(); }
     void RequestShutdown() override;

@@ -53,17 +53,4 @@ TEST(QuotaDecision, OnlyInvalidFoldersAgeOut) {
     EXPECT_FALSE(isAgedOut(3601, true));
 }
 
-TEST(QuotaDecision, TheYoungestComesFirst) {
-    std::vector<FolderRecord> records = {{.age = Max / Second, .path = "future"},
-                                         {.age = 5, .path = "b"},
-                                         {.age = 5, .path = "a"},
-                                         {.path = "z"}};
-    QuotaDecision::SortByAge(records);
-    std::string paths;
-    for (const FolderRecord& record : records) {
-        paths += record.path + " ";
-    }
-    EXPECT_EQ(paths, "z a b future ");
-}
-
 } // namespace
