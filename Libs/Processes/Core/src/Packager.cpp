@@ -1,5 +1,7 @@
 #include "Libs/Processes/Core/src/Packager.h"
 
+#include <utility>
+
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
@@ -126,11 +128,13 @@ bool Packager::ThreadMain() {
     });
 }
 
-// The folders of tasks that a stop leaves undone stay on disk for the next run.
+// The folders of tasks that a stop leaves undone stay on disk for the next run. Outside of Process nothing
+// allocates: what throws here would leave all the others to the next run, too.
 void Packager::ProcessAll(std::vector<TaskData>& tasks) const {
     while (!tasks.empty() && !IsStopRequested()) {
-        const std::string folder = tasks.back().GetInstanceHash();
+        const TaskData task = std::move(tasks.back());
         tasks.pop_back();
+        const std::string& folder = task.GetInstanceHash();
         const ResultCode result = ExceptionToResult([&] {
             Process(folder);
             return Platform::Success;
