@@ -72,7 +72,8 @@ ResultCode ReplaceBy(const std::string& path, std::string_view text) {
 
 ResultCode AddLine(const std::string& path, const std::string& line) {
     Platform::File file;
-    if (Platform::OpenOrCreate(file, path, Platform::FileRead | Platform::FileWrite) != Platform::NoError) {
+    if (Platform::OpenOrCreate(file, path, Platform::FileRead | Platform::FileWrite,
+                               Platform::Patience::WhileHeld) != Platform::NoError) {
         return "Failed to open the file";
     }
     std::string end;

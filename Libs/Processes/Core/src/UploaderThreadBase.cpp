@@ -62,8 +62,8 @@ ResultCode UploaderThreadBase::UploadFolder() {
         const std::string path = m_folder + (m_folder.ends_with('\\') ? "" : "\\") + m_submissionFileName;
         Platform::File file;
         // Nobody writes to it or shortens it meanwhile; the quota may delete it.
-        if (file.Open(path, Platform::FileRead, Platform::ShareRead | Platform::ShareDelete) !=
-            Platform::NoError) {
+        if (file.Open(path, Platform::FileRead, Platform::ShareRead | Platform::ShareDelete,
+                      Platform::Patience::WhileHeld) != Platform::NoError) {
             return notLoaded("Failed to open package file");
         }
         Platform::FileSource package(std::move(file)); // closed before its folder is deleted

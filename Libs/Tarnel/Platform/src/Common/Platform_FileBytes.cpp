@@ -50,8 +50,8 @@ ReadOutcome ReadWholeFile(File& file, std::vector<uint8_t>& bytes) noexcept {
 ReadOutcome ReadWholeFile(const SystemPath& path, std::vector<uint8_t>& bytes) {
     bytes.clear();
     File file;
-    return file.Open(path, FileRead, ShareAll) == NoError ? ReadWholeFile(file, bytes)
-                                                          : ReadOutcome::OpenFailed;
+    return file.Open(path, FileRead, ShareAll, Patience::WhileHeld) == NoError ? ReadWholeFile(file, bytes)
+                                                                               : ReadOutcome::OpenFailed;
 }
 
 ResultCode ReadFileBytes(const SystemPath& path, std::vector<uint8_t>& bytes) {

@@ -15,7 +15,7 @@ namespace Platform {
 enum class ReadOutcome { Done, OpenFailed, Empty, ReadFailed };
 
 // Replaces bytes. After anything but Done they are empty. A file of length 0 is Empty. Others may still hold
-// the file open for writing.
+// the file open for writing; it waits for one that they don't share.
 [[nodiscard]] ReadOutcome ReadWholeFile(const SystemPath& path, std::vector<uint8_t>& bytes);
 
 // The same for a file that is open for reading and that nobody has read from.

@@ -82,9 +82,9 @@ void SleepFor(uint32_t milliseconds) {
     std::this_thread::sleep_for(std::chrono::milliseconds(milliseconds));
 }
 
-SystemError OpenOrCreate(File& file, const SystemPath& path, uint32_t access) noexcept {
+SystemError OpenOrCreate(File& file, const SystemPath& path, uint32_t access, Patience patience) noexcept {
     const SystemError error = file.Open(path, access | FileCreateNew, ShareAll);
-    return error == NoError ? error : file.Open(path, access, ShareAll);
+    return error == NoError ? error : file.Open(path, access, ShareAll, patience);
 }
 
 void ReportOpening(SystemError error) {

@@ -144,7 +144,8 @@ private:
 };
 
 // Opens a file as it is, or makes an empty one. Others may read, write and delete it.
-[[nodiscard]] SystemError OpenOrCreate(File& file, const SystemPath& path, uint32_t access) noexcept;
+[[nodiscard]] SystemError OpenOrCreate(File& file, const SystemPath& path, uint32_t access,
+                                       Patience patience = Patience::None) noexcept;
 
 // Raises the assertion that belongs to an error of File::Open, if any. Apart from Open, for callers that must
 // not report under a lock.
