@@ -74,7 +74,11 @@ struct OutputQueue::State {
         char text[80];
         std::snprintf(text, sizeof(text), "%s %zu lines dropped, since nobody read them\r\n",
                       Platform::TimePrefix().text, dropped);
-        line = {gapOutput, text};
+        line = {gapOutput, {}};
+        try {
+            line.text = text;
+        } catch (const std::bad_alloc&) { // better no word of the gap than no more lines
+        }
         dropped = 0;
         return true;
     }
