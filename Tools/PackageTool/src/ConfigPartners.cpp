@@ -95,7 +95,8 @@ private:
         }
     }
 
-    // As the packager itself does it, and folders inside, whose submissions would be taken for new ones.
+    // As the packager itself does it, and folders inside each other: submissions would be taken for new ones,
+    // or the watched folder for a package.
     void CheckPackagerFolder(const ConfigSection<PackagerConfig>& packager,
                              const ConfigSection<WatcherConfig>* watcher) {
         const std::optional<std::string> watched = WatchedFolder(watcher);
@@ -110,9 +111,10 @@ private:
         }
         for (const auto& [key, folder] :
              {std::pair("PackagedFolder", packaged), std::pair("PackageWorkFolder", work)}) {
-            if (folder.starts_with(*watched + "/")) {
-                m_report(packager.At(key),
-                         std::string(key) + " is inside the folder that the packager's watcher watches");
+            const bool isAbove = watched->starts_with(folder + "/");
+            if (isAbove || folder.starts_with(*watched + "/")) {
+                m_report(packager.At(key), std::string(key) + (isAbove ? " has inside it" : " is inside") +
+                                               " the folder that the packager's watcher watches");
             }
         }
     }

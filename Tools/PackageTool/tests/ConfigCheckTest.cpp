@@ -101,6 +101,9 @@ TEST(ConfigCheck, SaysWhatIsWrongAndWhere) {
          R"(7:13: PackagedFolder is inside the folder that the packager's watcher watches
 7:13: PackageWorkFolder is inside the folder that the packager's watcher watches
 10:10: The quota is for <application folder>/dumps, but the packager's submissions come from <application folder>)"},
+        {R"("Folder": "dumps")", R"("Folder": "PackagedDumps/dumps")",
+         R"(7:13: PackagedFolder has inside it the folder that the packager's watcher watches
+10:10: The quota is for <application folder>/dumps, but the packager's submissions come from <application folder>/packageddumps/dumps)"},
         {R"("WatcherName": "Dumps")", R"("WatcherName": "Dumps", "PackagedFolder": "PackagedDumps")",
          R"(8:24: The uploader's watcher looks into <application folder>/packageddumps, but the packager writes to <current folder>/packageddumps
 10:10: The quota is for <application folder>/packageddumps, but the packager writes to <current folder>/packageddumps)"},
