@@ -39,11 +39,11 @@ windows_headers() {
 # Names of things on the disk reach the system by Platform_Path, Platform_IO and Platform_Folder alone. The sample game
 # shares no code with the agent, as no game does.
 name_calls() {
-    local windows='(CreateFile|DeleteFile|FindFirstFile(Ex)?|[GS]etFileAttributes(Ex)?|(Create|Remove)Directory|MoveFile(Ex)?|CopyFile(Ex)?|ReplaceFile|GetFullPathName|Get(Module|Temp)FileName|GetTempPath|[GS]etCurrentDirectory|GetFileVersionInfo(Size)?|FindFirstChangeNotification|LoadLibrary(Ex)?|SHGetKnownFolderPath)[AW]?'
-    local runtime='_?w?fopen(_s)?|_w?(open|stat\w*|remove|rename|unlink|mkdir|rmdir|chmod|access)|opendir|realpath|lstat|mkdir|unlink'
+    local windows='(CreateFile2?|Create(Hard|Symbolic)Link|DeleteFile|FindFirstFile(Ex)?|[GS]etFileAttributes(Ex)?|(Create|Remove)Directory|MoveFile(Ex)?|CopyFile(Ex)?|ReplaceFile|Get(Full|Long|Short)PathName|Get(Module|Temp)FileName|GetTempPath|[GS]etCurrentDirectory|GetFileVersionInfo(Size)?|FindFirstChangeNotification|LoadLibrary(Ex)?|SHGetKnownFolderPath)[AW]?'
+    local runtime='_?w?f?(re)?open(_s)?|_w?s?(open\w*|stat\w*|remove|rename|unlink|mkdir|rmdir|chmod|access)|std::remove|rename|opendir|realpath|l?stat|mkdir|unlink|(open|stat|unlink|rename)at'
     git ls-files -- 'Libs/*/src/*' 'app/*' 'Tools/*/src/*' | grep -E '\.(cpp|h)$' |
         grep -vE '^Tools/SampleGame/|/Platform_(Path|IO|Folder)\.cpp$' |
-        xargs grep -nE "(^|[^A-Za-z_.>])(($windows|$runtime)\(|std::[io]?fstream|std::filesystem)" | grep -vF '(L"CON' || true
+        xargs grep -nE "(^|[^A-Za-z_.>])(($windows|$runtime)\(|std::(basic_|w)?[io]?f(stream|ilebuf)|std::filesystem)" | grep -vF '(L"CON' || true
 }
 
 # The brackets keep these lines from matching themselves.
