@@ -118,8 +118,10 @@ def test_list_reads_a_folder_of_packages(scratch):
                                     "offset 48: The header can't be read: line 1, column 242: \"Changelist\": expected uint32")):
         broken = write(folder / name, content)
         assert f"{broken}: {problem}" in run("list", broken, expect=PROBLEMS)[0]
+    write(folder / os.fsdecode(b"\xff"), b"")  # a name without a form in UTF-8 hides none of its neighbours
     lines, errors = run("list", folder, "--ndjson", expect=PROBLEMS)
-    assert [line.split(":")[1] for line in errors.splitlines()] == [f" {folder}/{name}" for name in ("a0", "b20", "e")]
+    assert [line.split(":")[1] for line in errors.splitlines()] == [
+        f' Skipped an entry of folder "{folder}/" whose name has no UTF-8 form', *(f" {folder}/{name}" for name in ("a0", "b20", "e"))]
     whole = [json.loads(line) for line in lines.splitlines()]
     assert [(line["File"], line["MD5"]) for line in whole] == [
         (f"{folder}/{name}", hashlib.md5(data).hexdigest()) for name in ("below/d", "c")]
