@@ -45,7 +45,7 @@ private:
     class Builder;
 
     std::mutex m_building;             // one builder at a time
-    Platform::ReaderWriterLock m_lock; // spins, so it is never held while a plan is built
+    Platform::ReaderWriterLock m_lock; // never held while a plan is built: readers need not wait for that
     PlanMap m_plans;                   // read under either lock, changed under both
 };
 

@@ -233,7 +233,10 @@ bool FolderChanges::Any(const std::string& folder) noexcept {
                               FILE_NOTIFY_CHANGE_ATTRIBUTES | FILE_NOTIFY_CHANGE_SIZE |
                               FILE_NOTIFY_CHANGE_LAST_WRITE;
     m_quietCalls = 0;
-    m_notification = ChangeHandle(FindFirstChangeNotificationW(SystemPath(folder).Get(), TRUE, Changes));
+    const SystemPath path(folder);
+    m_notification = path.Error() == NoError
+                         ? ChangeHandle(FindFirstChangeNotificationW(path.Get(), TRUE, Changes))
+                         : ChangeHandle();
     return true;
 }
 
