@@ -8,6 +8,7 @@
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/String/src/String_Ascii.h"
 
 void Raise(ExitCode& code, ExitCode other) {
     if (code == ExitCode::Good ||
@@ -135,6 +136,10 @@ bool ListFiles(const std::string& folder, std::vector<std::string>& files) {
 std::string WithSlashes(std::string path) {
     std::ranges::replace(path, '\\', '/');
     return path;
+}
+
+std::string Folded(const std::string& path) {
+    return String::LowerAscii(WithSlashes(path));
 }
 
 std::string Printable(std::string_view text) {

@@ -77,6 +77,9 @@ bool ListFiles(const std::string& folder, std::vector<std::string>& files);
 // A path with "/" between its parts.
 std::string WithSlashes(std::string path);
 
+// One name for all that Windows takes for the same file, as far as ASCII goes.
+std::string Folded(const std::string& path);
+
 // For text from outside: what a terminal would obey rather than show becomes "?".
 std::string Printable(std::string_view text);
 

@@ -7,15 +7,9 @@
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/FolderScan.h"
 #include "Libs/Processes/Core/src/SubmissionFolder.h"
-#include "Libs/Tarnel/String/src/String_Ascii.h"
 #include "Tools/PackageTool/src/Pack.h"
 
 namespace {
-
-// One name for all that Windows takes for the same file, as far as ASCII goes.
-std::string Folded(const std::string& name) {
-    return String::LowerAscii(Console::WithSlashes(name));
-}
 
 // Checks one folder by the decisions that the watcher and the packager take.
 class DumpCheck {
@@ -46,7 +40,7 @@ private:
         const std::string& sentinel = m_settings.watcher.sentinelFile;
         const std::string path = FolderPath::Join(m_path, sentinel);
         if (FolderScan::IsComplete(m_path, sentinel)) {
-            m_named.insert({Folded(sentinel), Folded(sentinel) + ".gz"});
+            m_named.insert({Console::Folded(sentinel), Console::Folded(sentinel) + ".gz"});
         } else if (PlatformHelpers::PathExists(path) || PlatformHelpers::PathExists(path + ".gz")) {
             Say(sentinel, "is writable: the agent takes the folder once this file is read-only");
         } else {
@@ -78,7 +72,7 @@ private:
         const bool canBeJudged = name.size() <= MaxAttachmentNameLength;
         if (canBeJudged && m_settings.blacklist.Judge(name) != AttachmentBlacklist::Verdict::Allowed) {
             Warn(name, "is left out: the blacklist has it");
-            m_named.insert({Folded(name), Folded(name) + ".gz"});
+            m_named.insert({Console::Folded(name), Console::Folded(name) + ".gz"});
         } else {
             CheckFile(name);
         }
@@ -92,7 +86,7 @@ private:
             Say(name, "is refused: no plain relative path of at most 512 bytes");
             return;
         }
-        m_named.insert({Folded(name), Folded(name) + ".gz"});
+        m_named.insert({Console::Folded(name), Console::Folded(name) + ".gz"});
         SubmissionFolder::FoundAttachment found;
         if (const ResultCode result = m_folder.OpenAttachment(name, found); !result) {
             Say(name, result.Text());
@@ -120,7 +114,7 @@ private:
             Say("", "The folder could not be listed");
         }
         for (const std::string& file : files) {
-            if (!m_named.contains(Folded(file))) {
+            if (!m_named.contains(Console::Folded(file))) {
                 Warn(file, "is not in the catalog and is not sent");
             }
         }

@@ -9,15 +9,10 @@
 #include "Libs/Processes/Core/src/BugHeader.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
-#include "Libs/Tarnel/String/src/String_Ascii.h"
 #include "Tools/PackageTool/src/Report.h"
 #include "Tools/PackageTool/src/Target.h"
 
 namespace {
-
-std::string Folded(const std::string& name) {
-    return String::LowerAscii(Console::WithSlashes(name));
-}
 
 // game.log and 2 give game~2.log.
 std::string Numbered(const std::string& name, unsigned number) {
@@ -186,9 +181,9 @@ std::string UnpackFolder::Write(const std::string& name, const Fill& fill, std::
 }
 
 std::string UnpackFolder::FreeName(const std::string& name) {
-    const auto [given, isNew] = m_given.emplace(Folded(name), 2);
+    const auto [given, isNew] = m_given.emplace(Console::Folded(name), 2);
     std::string candidate = name;
-    for (bool isFree = isNew; !isFree; isFree = m_given.emplace(Folded(candidate), 2).second) {
+    for (bool isFree = isNew; !isFree; isFree = m_given.emplace(Console::Folded(candidate), 2).second) {
         candidate = Numbered(name, given->second++);
     }
     return candidate;
