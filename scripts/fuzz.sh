@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Builds the fuzz targets (preset fuzz) and runs each for a while from its committed corpus. What it finds and what it
+# Builds the fuzz targets (preset native) and runs each for a while from its committed corpus. What it finds and what it
 # learns stays under build/fuzz: findings/TARGET/ and corpus/TARGET/.
 #
 #   scripts/fuzz.sh [--seconds N] [TARGET...]    N for each target, 10 without; all targets without names
@@ -11,11 +11,12 @@ if [ "${1:-}" = --seconds ]; then
     seconds=${2:?how many seconds}
     shift 2
 fi
-build=$(realpath -m "${MORVANE_FUZZ_BUILD:-build/fuzz}")
+bin=$PWD/build/native/bin
+build=$PWD/build/fuzz
 tests=$PWD/tests/fuzz
 mkdir -p "$build"
-cmake --preset fuzz -B "$build" >"$build/configure.log" 2>&1 || { cat "$build/configure.log" && exit 1; }
-cmake --build "$build" --target fuzz
+cmake --preset native >"$build/configure.log" 2>&1 || { cat "$build/configure.log" && exit 1; }
+cmake --build --preset native --target fuzz
 targets=("$@")
 [ $# -gt 0 ] || mapfile -t targets < <(ls "$tests/corpus")
 
@@ -34,7 +35,7 @@ fuzz_one() { # target
     words=$(dictionary "$target")
     [ -z "$words" ] || options=("-dict=$tests/dictionaries/$words.dict")
     mkdir -p "$build/corpus/$target" "$build/findings/$target"
-    if "$build/bin/Fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
+    if "$bin/Fuzz_$target" -max_total_time="$seconds" -timeout=10 -rss_limit_mb=2048 -print_final_stats=1 \
         -use_value_profile=1 -artifact_prefix="$build/findings/$target/" "${options[@]}" \
         "$build/corpus/$target" "$tests/corpus/$target" >"$log" 2>&1; then
         awk -v target="$target" '
@@ -56,5 +57,5 @@ scratch=$(mktemp -d)
 trap 'rm -rf "$scratch"' EXIT
 cd "$scratch"
 export -f fuzz_one dictionary
-export build seconds tests
+export bin build seconds tests
 printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I{} bash -c 'fuzz_one "$1"' _ {}

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_Assert.h"
+
 // A target is one file that defines FuzzOne, which takes any bytes. A property that does not hold, a failed
 // assertion of the library and whatever a sanitizer sees end the process: that is a finding.
 void FuzzOne(std::span<const uint8_t> input);
@@ -18,6 +20,13 @@ void FuzzOne(std::span<const uint8_t> input);
             std::abort();                                                                       \
         }                                                                                       \
     } while (false)
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, std::size_t size) {
+    FuzzOne({data, size});
+    const Platform::BugState& state = *EXP_GetBugState();
+    FUZZ_REQUIRE(state.failedCount[0] + state.failedCount[1] == 0);
+    return 0;
+}
 
 namespace Fuzz {
 
