@@ -1,6 +1,7 @@
 """The shipped agent with the usual pipeline as its configuration, its folders, and the game beside which it runs."""
 import json
 
+from package_reader import read_package
 from store.client import ACCESS_KEY, SECRET_KEY
 from wine import BIN, Program, wait_until, windows_path
 
@@ -20,6 +21,7 @@ class Site:
         self.packaged = folder / "app" / "PackagedDumps"
         self.work = folder / "app" / "PackageTemp"
         self.dumps.mkdir(parents=True)
+        self._store, self._bucket = store, bucket
         self.configuration = self._pipeline(store.endpoint if store else "http://127.0.0.1:1", bucket)
 
     def _pipeline(self, endpoint, bucket):
@@ -60,10 +62,27 @@ class Site:
         return Program(EXECUTABLE, f"-config={windows_path(self.write_configuration())}",
                        f"-appFolder={windows_path(self.folder / 'app')}", *arguments, **options)
 
+    def run(self, *arguments):
+        """An agent that has ended well by itself, because no game runs."""
+        with self.start(*arguments) as agent:
+            assert agent.wait() == 0, agent.text
+        return agent
+
     def start_with_game(self, *arguments, **options):
         """For tests that wait for something themselves and then call quit()."""
         self.configuration["ProcessMonitor"]["ShutdownDelay"] = 100
         return AgentBesideGame(self, arguments, options)
+
+    def run_until_sent(self, seconds=30):
+        """An agent beside a game that has packaged and sent everything, and ended well."""
+        with self.start_with_game() as beside:
+            self.wait_all_sent(seconds)
+            assert beside.quit() == 0
+        return beside.agent
+
+    def sent_packages(self):
+        """What is in the bucket, read."""
+        return [read_package(self._store.get(self._bucket, key)) for key in self._store.keys(self._bucket)]
 
     # What still waits: complete folders.
 
@@ -98,12 +117,16 @@ def is_complete(folder, sentinel):
         return False
 
 
+def play(**options):
+    """A game that runs until it is killed."""
+    return Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet", **options)
+
+
 class AgentBesideGame:
     """An agent and a game that keeps running. quit() ends the game, and then the agent ends by itself."""
 
     def __init__(self, site, arguments, options):
-        self.game = Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet",
-                            variables=options.get("variables"))  # same prefix and display as the agent's
+        self.game = play(variables=options.get("variables"))  # same prefix and display as the agent's
         self.agent = site.start(*arguments, **options)
 
     def __enter__(self):

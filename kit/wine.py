@@ -141,5 +141,14 @@ class Program:
         self._process.kill()
         self.wait()
 
+    @classmethod
+    def kill_all(cls):
+        """All before any is waited for: Wine's desktop keeps the first one's outputs open until the last has ended."""
+        for program in cls.started:
+            program._process.kill()
+        for program in cls.started:
+            program.wait()
+        cls.started.clear()
+
     def _said(self):
         return b"\n".join(self._output.values()).decode("utf-8", "replace")[-4000:]

@@ -64,11 +64,9 @@ def limit(request):
 
 @pytest.fixture(autouse=True)
 def programs():
-    """Ends what a failed test left running: the next test's windows would compete with its own."""
+    """Ends what the test left running: the next test's windows would compete with its own."""
     yield
-    for program in wine.Program.started:
-        program.kill()
-    wine.Program.started.clear()
+    wine.Program.kill_all()
 
 
 def short_name(request):

@@ -6,7 +6,6 @@ from contextlib import contextmanager
 import pytest
 
 from agent import GAME
-from package_reader import read_package
 from permission_texts import TEXTS, TITLE
 from store.client import ACCESS_KEY, SECRET_KEY
 from wine import ROOT, Program, wait_until, windows_path
@@ -108,8 +107,7 @@ def test_a_day(site, display, store, bucket):
         day.answer(NO)
         wait_until(lambda: not any(day.packaged.iterdir()), 20, "the refused package deleted")
 
-    sent = [read_package(store.get(bucket, key)).header["InstanceKey"] for key in store.keys(bucket)]
-    assert sorted(sent) == ["crash-1", "crash-2", "crash-3", "crash-4"]
+    assert sorted(package.header["InstanceKey"] for package in site.sent_packages()) == ["crash-1", "crash-2", "crash-3", "crash-4"]
     assert sorted(path.name.lower() for path in day.app.iterdir()) == [
         "crashreporter.log", "dumps", "packageddumps", "packagetemp", "sent reports.jsonl"]
     assert not list(day.app.glob("*/*")), "something is left behind"

@@ -3,7 +3,6 @@ import gzip
 import json
 import os
 
-from package_reader import read_package
 from submissions import catalog, header, write_folder, write_small
 from wine import wait_until, windows_path
 
@@ -34,26 +33,22 @@ BAD_HEADERS = {
 }
 
 
-def test_bad_headers_give_their_text_and_the_next_goes_on(site, store, bucket):
+def test_bad_headers_give_their_text_and_the_next_goes_on(site):
     site.configuration["Packager"]["KeepFailedSubmissions"] = True  # does not keep what is wrong in itself
     for name, (content, *_) in BAD_HEADERS.items():
         write_folder(site.dumps / name, {"game.log": b"log"}, content)
     write_small(site.dumps, "good")
-    with site.start_with_game() as beside:
-        site.wait_all_sent(45)
-        beside.agent.wait_for(" Uploaded package for submission folder")
-        assert beside.quit() == 0
-    errors = beside.agent.stderr.decode()
+    errors = site.run_until_sent(45).stderr.decode()
     for name, (_, error, why) in BAD_HEADERS.items():
         folder = windows_path(site.dumps / name)
         assert f' Failed to package dump folder "{folder}", error: "{error}"\r\n' in errors
         assert why is None or f' Header of "{folder}" is wrong at {why}\r\n' in errors, (name, why)
     assert errors.count("Failed to package") == len(BAD_HEADERS)
-    assert len(store.keys(bucket)) == 1
+    assert len(site.sent_packages()) == 1
     assert site.left_on_disk() == []
 
 
-def test_nothing_outside_is_read_or_deleted(site, store, bucket):
+def test_nothing_outside_is_read_or_deleted(site):
     """By names that lead out of the submission, and by links that anybody may put into the dumps folder."""
     outside = site.folder / "outside"
     write_folder(outside, {"secret.txt": b"TOP SECRET"}, header(Catalog=catalog(log="secret.txt")))
@@ -75,14 +70,12 @@ def test_nothing_outside_is_read_or_deleted(site, store, bucket):
     (site.dumps / "linked header").mkdir()
     os.symlink(outside / "header.json", site.dumps / "linked header" / "header.json")
 
-    with site.start() as agent:
-        assert agent.wait() == 0
-    errors = agent.stderr.decode()
+    errors = site.run().stderr.decode()
     for name in names:
         assert f" Failed to copy or compress attachment {name}. Error=Failed to find attachment on disk\r\n" in errors
     assert errors.count('error: "Failed to open json header data in dump folder!"') == 2
 
-    package = read_package(store.get(bucket, *store.keys(bucket)))
+    (package,) = site.sent_packages()
     assert {entry.name: entry.original for entry in package.entries} == {
         "game.log": b"log", "note.txt": b"a note", "logs/太郎.txt": b"a log below"}
     assert package.header["Catalog"]["Dump"] == {"File": "", "MD5": ""}
@@ -99,18 +92,17 @@ def test_nothing_outside_is_read_or_deleted(site, store, bucket):
     assert all(path.read_bytes() == b"TOP SECRET" for path in secrets) and (outside / "header.json").exists()
 
 
-def test_files_as_games_name_them(site, store, bucket):
+def test_files_as_games_name_them(site):
     """Already compressed files, doubly compressed names, empty and missing ones."""
     files = {"plain.txt": b"plain", "ready.txt.gz": gzip.compress(b"ready"), "trace.gz": b"raw trace", "empty.txt": b"",
              "太郎.dmp": b"dump"}
     names = ["plain.txt", "ready.txt", "trace.gz", "empty.txt", "missing.txt"]
     write_folder(site.dumps / "names", files, header(Catalog=catalog(dump="太郎.dmp", attachments=names)))
     write_folder(site.dumps / "tar", {"data.tgz": b"tar"}, header(Catalog=catalog(attachments=["data.tgz"])))
-    with site.start() as agent:
-        assert agent.wait() == 0
+    agent = site.run()
     # It is taken for compressed and keeps its name, under which the package does not look for it.
     assert ' Failed to generate package file for submission "tar", error: "Failed to open input file"\r\n' in agent.text
-    package = read_package(store.get(bucket, *store.keys(bucket)))
+    (package,) = site.sent_packages()
     assert {entry.name: entry.original for entry in package.entries} == {
         "太郎.dmp": b"dump", "plain.txt": b"plain", "ready.txt": b"ready", "trace.gz": b"raw trace"}
     assert package.header["InstanceKey"] == "太郎"
@@ -119,7 +111,7 @@ def test_files_as_games_name_them(site, store, bucket):
         assert f" Failed to copy or compress attachment {name}. Error={error}\r\n" in agent.text
 
 
-def test_the_sentinel_alone_decides(site, store, bucket):
+def test_the_sentinel_alone_decides(site):
     """A writable header is not taken; made read-only, it is taken on the next pass, once. Read-only folders are ignored."""
     site.configuration["DumpWatcher"]["IgnoreReadOnlyFolders"] = True
     write_small(site.dumps, "ignored").chmod(0o555)
@@ -133,4 +125,4 @@ def test_the_sentinel_alone_decides(site, store, bucket):
         beside.agent.wait_for('late" in ')
         assert beside.quit() == 0
     assert beside.agent.text.count(f"Added {windows_path(folder)} to pending") == 1
-    assert len(store.keys(bucket)) == 2 and [path.name for path in site.waiting_dumps()] == ["ignored"]
+    assert len(site.sent_packages()) == 2 and [path.name for path in site.waiting_dumps()] == ["ignored"]

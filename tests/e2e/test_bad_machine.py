@@ -4,7 +4,6 @@ import time
 
 import pytest
 
-from package_reader import read_package
 from submissions import catalog, header, write_folder, write_small
 from wine import BIN, Program, wait_until, windows_path
 
@@ -23,33 +22,28 @@ def held_submission(site):
     return holder
 
 
-def only_package(store, bucket):
-    (key,) = store.keys(bucket)
-    return read_package(store.get(bucket, key))
-
-
-def test_a_file_held_for_a_moment_arrives(site, store, bucket):
+def test_a_file_held_for_a_moment_arrives(site):
     with site.start_with_game() as beside, held_submission(site) as holder:
         beside.agent.wait_for(" Starting packaging submission held")  # the next step opens the header
         time.sleep(0.4)  # of the 1.02 s for which the agent waits
         holder.kill()
         site.wait_all_sent()
         assert beside.quit() == 0
-    assert only_package(store, bucket).entry("a.dmp").original == b"dump"
+    (package,) = site.sent_packages()
+    assert package.entry("a.dmp").original == b"dump"
     assert beside.agent.stderr == b""
 
 
-def test_a_file_held_for_long_is_for_the_next_run(site, store, bucket):
+def test_a_file_held_for_long_is_for_the_next_run(site):
     site.configuration["Packager"]["KeepFailedSubmissions"] = True
     with site.start_with_game() as beside, held_submission(site) as holder:
         beside.agent.wait_for(" Failed to package dump folder")
         holder.kill()
         assert beside.quit() == 0
     assert site.left_on_disk() == [site.dumps / "held"]
-    with site.start_with_game() as beside:
-        site.wait_all_sent()
-        assert beside.quit() == 0
-    assert only_package(store, bucket).entry("a.dmp").original == b"dump"
+    site.run_until_sent()
+    (package,) = site.sent_packages()
+    assert package.entry("a.dmp").original == b"dump"
 
 
 @pytest.mark.parametrize("keep", [False, True])
@@ -68,13 +62,11 @@ def test_a_full_disk_keeps_nothing_and_stops_no_other(site, store, bucket, mount
         write_small(site.dumps, "next")
         wait_until(lambda: store.keys(bucket), 20, "the next one sent")
         assert beside.quit() == 0
-    assert only_package(store, bucket).header["Key"] == "next"
+    assert [package.header["Key"] for package in site.sent_packages()] == ["next"]
     if keep:
         mount_disk(site.packaged, "remount,size=20m")
-        with site.start_with_game() as beside:
-            site.wait_all_sent()
-            assert beside.quit() == 0
-        assert {read_package(store.get(bucket, key)).header["Key"] for key in store.keys(bucket)} == {"big", "next"}
+        site.run_until_sent()
+        assert {package.header["Key"] for package in site.sent_packages()} == {"big", "next"}
     assert site.left_on_disk() == []
 
 
@@ -91,8 +83,7 @@ def test_what_a_kill_left_half_deleted_goes(site):
     (site.packaged / "empty").mkdir()
     (site.work / "empty").mkdir()
     del site.configuration["Application"]["Processes"]["UploaderS3"]
-    with site.start() as agent:
-        assert agent.wait() == 0
+    site.run()
     assert site.left_on_disk() == sorted({path.parent for path in stay} | {site.packaged / "sent"})
     assert all(path.exists() for path in stay)
 

@@ -25,8 +25,7 @@ def run(*arguments):
 
 
 def test_a_quiet_run_says_exactly_this(idle):
-    with idle.start() as agent:
-        assert agent.wait() == 0
+    agent = idle.run()
     app = windows_path(idle.folder / "app")
     messages = [line.split(b"\t ", 1)[1].decode() for line in agent.stdout.split(b"\r\n")[:-1]]
     assert messages == [
@@ -44,11 +43,9 @@ def test_a_quiet_run_says_exactly_this(idle):
 def test_the_agent_explains_its_options_instead_of_starting(idle):
     for question, answers in (("-?", ["1.0.0.0 (1)", *"-config= -appFolder= -log= -console -process=".split()]),
                               ("--VERSION", ["MorvaneCrashReporter 1.0.0.0 (1)\r\n"])):
-        with idle.start(question) as agent:
-            assert agent.wait() == 0
-        assert all(answer in agent.text for answer in answers) and not (idle.folder / "app").exists()
-    with idle.start("-proces=Game.exe", "-console=1", "-LOGS=x", "plain") as agent:
-        assert agent.wait() == 0
+        said = idle.run(question).text
+        assert all(answer in said for answer in answers) and not (idle.folder / "app").exists()
+    agent = idle.run("-proces=Game.exe", "-console=1", "-LOGS=x", "plain")
     assert re.findall(r'option "(.*?)", did you mean "(.*?)"', agent.stderr.decode()) == [
         ("-proces=Game.exe", "-process="), ("-console=1", "-console")]
 
@@ -80,15 +77,14 @@ def test_the_log_file_goes_on_from_run_to_run(idle):
         killed.wait_for(" running application processes...")
         killed.kill()
     log.write_bytes(log.read_bytes().ljust((1 << 20) - 100, b"."))  # the next run fills it
-    with idle.start() as agent:
-        assert agent.wait() == 0 and agent.stderr == b""
+    agent = idle.run()
+    assert agent.stderr == b""
     assert older.read_bytes()[:500] == killed.stdout[:500] and older.stat().st_size <= 1 << 20
     assert (older.read_bytes() + log.read_bytes()).endswith(agent.stdout) and log.stat().st_size > 500
     log.unlink()
     for spoil in (log.mkdir, lambda: log.rmdir() or log.symlink_to("/dev/full")):
         spoil()
-        with idle.start() as agent:
-            assert agent.wait() == 0
+        agent = idle.run()
         assert agent.stderr.count(b"\r\n") == agent.stderr.count(b" Failed to write the log file ") == 1
 
 

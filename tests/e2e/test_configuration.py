@@ -36,24 +36,21 @@ def test_a_fault_of_one_process_drops_that_process(site):
         processes[maker] = processes.get(maker, []) + [name]
         if section is not None:
             site.configuration[name] = section
-    with site.start() as agent:
-        assert agent.wait() == 0
+    errors = site.run().stderr.decode()
     for name, (_, _, error) in FAULTY_PROCESSES.items():
-        assert f" Failed to initialize process {name}, Error: {error}\r\n" in agent.stderr.decode()
+        assert f" Failed to initialize process {name}, Error: {error}\r\n" in errors
 
 
 @pytest.mark.parametrize("key", ["PackagedFolder", "PackageWorkFolder"])
 def test_a_packager_does_not_start_that_would_delete_what_nobody_sent(site, key):
     write_small(site.dumps, "unsent")
     site.configuration["Packager"][key] = windows_path(site.dumps.parent / "elsewhere" / ".." / "DUMPS")
-    with site.start() as agent:
-        assert agent.wait() == 0
     assert (f" Failed post initialize step for process Packager, Error: {key} is the folder that the packager's"
-            " watcher watches\r\n") in agent.text
+            " watcher watches\r\n") in site.run().text
     assert site.waiting_dumps()
 
 
-def test_what_is_suspicious_is_reported_and_does_no_harm(site, bucket):
+def test_what_is_suspicious_is_reported_and_does_no_harm(site):
     write_small(site.dumps, "sent")
     site.configuration |= {"//": "Notes for people", "$schema": "s.json"}
     site.configuration["Packager"] |= {"// limits": [], "$comment": 1, "AttachmentLimit": []}
@@ -61,8 +58,7 @@ def test_what_is_suspicious_is_reported_and_does_no_harm(site, bucket):
         '"AttachmentLimit": ', '"WatcherName": "", "AttachmentLimit": ')
     path = site.write_configuration(repeated.encode())
     site.write_configuration = lambda: path
-    with site.start() as agent:
-        assert agent.wait() == 0
+    agent = site.run()
     assert site.all_sent()
     assert [line.split("\t")[1] for line in agent.stderr.decode().splitlines()] == [
         ' Class "Watcher" stands twice under Processes, the last list counts',

@@ -2,7 +2,6 @@
 import pytest
 
 from agent import Site
-from package_reader import read_package
 from submissions import catalog, header, write_folder
 
 DECOMPOSED = "Jo\u0308rg 太郎"
@@ -24,12 +23,8 @@ def test_folders_and_files_of_every_name(scratch, store, bucket, name, depth):
     files = {f"{DECOMPOSED}.dmp": b"dump", attachment: b"log\n" * 1000}
     write_folder(site.dumps / f"crash {name}", files,
                  header(Catalog=catalog(dump=f"{DECOMPOSED}.dmp", attachments=[attachment])))
-    with site.start_with_game() as beside:
-        site.wait_all_sent()
-        beside.agent.wait_for(" Uploaded package for submission folder")
-        assert beside.quit() == 0
-    [key] = store.keys(bucket)
-    package = read_package(store.get(bucket, key))
+    site.run_until_sent()
+    (package,) = site.sent_packages()
     assert {entry.name: entry.original for entry in package.entries} == files
     assert site.left_on_disk() == []
 

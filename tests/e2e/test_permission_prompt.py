@@ -137,7 +137,7 @@ def test_a_yes_after_the_agent_was_told_to_end_is_for_the_next_run(site, store, 
     assert store.uploads() == []
 
 
-def test_without_a_dialog_the_answer_is_no(site, store, bucket):
+def test_without_a_dialog_the_answer_is_no(site, store):
     with site.start_with_game() as agent:  # without a display
         agent.agent.wait_for("Packaged folder one")
         wait_all_gone(site)

@@ -3,7 +3,7 @@ import shutil
 
 import pytest
 
-from agent import EXECUTABLE, GAME
+from agent import EXECUTABLE, play
 from submissions import write_small
 from wine import Program, wait_until, windows_path
 
@@ -11,16 +11,10 @@ READY = ' Watcher "PackageWatcher" is watching folder'
 STOPS = " Process already running requesting shutdown..."
 
 
-def play():
-    return Program(GAME, "--stay-alive", "900000", "--crash", "none", "--quiet")
-
-
 @pytest.fixture
 def copies(site):
-    """Starts copies of the agent from folders and under names of their own; all end with the test."""
-    started = []
+    """Starts copies of the agent from folders and under names of their own."""
     site.configuration["Application"]["Processes"]["SingletonAssurance"] = ["Zuletzt"]  # starts after all others
-    game = play()  # no agent ends because of it
 
     def start(folder, name="MorvaneCrashReporter.exe", by_name=False, ready=" ", **options):
         program = site.folder / folder / name
@@ -30,15 +24,12 @@ def copies(site):
         command = ["cmd.exe", "/c", name] if by_name else [program]
         agent = Program(*command, f"-config={windows_path(site.write_configuration())}",
                         f"-appFolder={windows_path(site.folder / 'app')}", cwd=program.parent, **options)
-        started.append(agent)
         if ready:
             agent.wait_for(ready)
         return agent
 
-    start.game = game
-    yield start
-    for program in (game, *reversed(started)):  # the first one's outputs are held by Wine's desktop, which ends with the last
-        program.kill()
+    start.game = play()  # no agent ends because of it
+    return start
 
 
 @pytest.mark.parametrize("first, second", [

@@ -6,7 +6,6 @@ import time
 
 import pytest
 
-from package_reader import read_package
 from store.client import SECRET_KEY
 from submissions import write_small
 from wine import wait_until
@@ -41,18 +40,15 @@ def assert_failed(agent, count, error=FAILED):
     assert errors.count(" Failed to upload package in folder ") == errors.count(f". Error={error}\r\n") == count, errors
 
 
-def assert_later_run_sends(site, store, bucket, count):
+def assert_later_run_sends(site, store, count):
     store.reset()
     assert len(site.waiting_packages()) == count
-    with site.start_with_game() as beside:
-        site.wait_all_sent()
-        assert beside.quit() == 0
-    assert beside.agent.stderr == b""
-    assert len([read_package(store.get(bucket, key)) for key in store.keys(bucket)]) == count
+    assert site.run_until_sent().stderr == b""
+    assert len(site.sent_packages()) == count
 
 
 @pytest.mark.parametrize("fault", FAULTS, ids=lambda fault: f"{fault['kind']}-{fault.get('code', '')}")
-def test_a_failing_store_keeps_the_package(site, store, bucket, fault):
+def test_a_failing_store_keeps_the_package(site, store, fault):
     write_small(site.dumps, "kept")
     store.set_faults(fault)
     # Wine takes what came of a head for all of it, half an ETag included. Either error keeps the package.
@@ -63,7 +59,7 @@ def test_a_failing_store_keeps_the_package(site, store, bucket, fault):
         run_until_failed(site, FAILED, refused or NO_ANSWER)
     (upload,) = store.uploads()  # no second attempt within a run
     assert upload["status"] == fault.get("status", upload["status"])
-    assert_later_run_sends(site, store, bucket, 1)
+    assert_later_run_sends(site, store, 1)
 
 
 def status(number, code, times=1, **more):
@@ -94,7 +90,7 @@ def test_a_run_tries_again(site, store, bucket, fault, settings, statuses, secon
     assert [upload["status"] for upload in uploads] == statuses
     assert uploads[-1]["time"] - uploads[0]["time"] >= seconds
     if statuses[-1] != 200:
-        assert_later_run_sends(site, store, bucket, 1)
+        assert_later_run_sends(site, store, 1)
     receipts = (site.folder / "app" / "receipts.jsonl").read_text().splitlines()
     assert [(receipt["Submission"], receipt["Key"], receipt["Size"]) for receipt in map(json.loads, receipts)] == [
         ("tried", key, len(store.get(bucket, key))) for key in store.keys(bucket)]
@@ -118,14 +114,11 @@ def test_a_package_that_goes_while_it_waits_is_forgotten(site, store):
     ("PackagedDumps", 'Failed to write a receipt into ".*PackagedDumps". Error=Failed to open the file'),
     ("../receipts", 'ReceiptFile "../receipts" is not inside the application folder: no receipts are written'),
 ])
-def test_without_a_receipt_a_package_is_sent(site, store, bucket, name, error):
+def test_without_a_receipt_a_package_is_sent(site, name, error):
     site.configuration["Uploader"]["ReceiptFile"] = name
     write_small(site.dumps, "sent")
-    with site.start_with_game() as beside:
-        site.wait_all_sent()
-        assert beside.quit() == 0
-    assert re.fullmatch(rf"\[.*\]\t {error}\r\n", beside.agent.stderr.decode())
-    assert len(store.keys(bucket)) == 1 and not (site.folder / "receipts").exists()
+    assert re.fullmatch(rf"\[.*\]\t {error}\r\n", site.run_until_sent().stderr.decode())
+    assert len(site.sent_packages()) == 1 and not (site.folder / "receipts").exists()
 
 
 @pytest.mark.parametrize("key, value, reason", [
@@ -134,17 +127,17 @@ def test_without_a_receipt_a_package_is_sent(site, store, bucket, name, error):
     ("Region", "eu-west-1", "Store refused the object: 400 AuthorizationHeaderMalformed"),
     ("EndpointOverride", "http://127.0.0.1:9", "Failed to send HTTP request: 12029"),
     ("EndpointOverride", "http://no-such-host.invalid", "Failed to send HTTP request: 12007")])
-def test_a_wrong_setting_keeps_the_package(site, store, bucket, key, value, reason):
+def test_a_wrong_setting_keeps_the_package(site, store, key, value, reason):
     right = site.configuration["Uploader"].get(key, "us-east-1")
     site.configuration["Uploader"][key] = value
     write_small(site.dumps, "kept")
     run_until_failed(site, FAILED, reason)
     site.configuration["Uploader"][key] = right
-    assert_later_run_sends(site, store, bucket, 1)
+    assert_later_run_sends(site, store, 1)
 
 
 @pytest.mark.limit(120)
-def test_a_silent_store_fails_within_the_request_timeout(site, store, bucket):
+def test_a_silent_store_fails_within_the_request_timeout(site, store):
     """Four hang at once; each must fail after the request time-out and at most a second more."""
     for number in range(4):
         write_small(site.dumps, f"silent-{number}")
@@ -156,7 +149,7 @@ def test_a_silent_store_fails_within_the_request_timeout(site, store, bucket):
         assert REQUEST_TIMEOUT - 2 <= time.time() - start <= REQUEST_TIMEOUT + 1.5
         assert beside.quit() == 0
     assert_failed(beside.agent, 4)
-    assert_later_run_sends(site, store, bucket, 4)
+    assert_later_run_sends(site, store, 4)
 
 
 def test_uploads_in_flight_end_before_the_agent(site, store, bucket):
