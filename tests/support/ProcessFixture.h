@@ -13,8 +13,8 @@
 #include "tests/support/LogCapture.h"
 #include "tests/support/ScratchFolder.h"
 
-// A real application with real folders, whose processes a test configures, starts and looks at. A test that
-// needs an application of its own class puts it into m_application first.
+// A real application with real folders, whose processes a test configures, starts and looks at. Its end stops
+// them.
 class ProcessFixture : public testing::Test {
 protected:
     // Writes the configuration: the members of "Processes" and further sections.
@@ -48,11 +48,6 @@ protected:
         const auto found = m_application->GetProcess(process);
         ASSERT_NE(found, nullptr);
         ASSERT_STREQ(found->Start().Text(), "OK");
-    }
-
-    void Stop(const char* process) {
-        m_application->GetProcess(process)->RequestShutdown();
-        m_application->GetProcess(process)->GetThread()->Join();
     }
 
     // Polls for at most ten seconds.

@@ -15,18 +15,12 @@ const std::string Quota = R"("DiskQuota": ["Quota"])";
 
 class DiskQuotaTest : public ProcessFixture {
 protected:
-    void TearDown() override {
-        if (m_isStarted) {
-            Stop("Quota");
-        }
-    }
     static void SetUpTestSuite() {
         FactoryInstance<IApplicationProcess>().RegisterMaker<DiskQuota>("DiskQuota");
     }
 
     void Run(const std::string& keys) {
         ASSERT_EQ(Configure(Quota, R"("Quota": {"TimeBetweenChecks": 5)" + keys + "}"), "");
-        m_isStarted = true;
         Start("Quota");
     }
 
@@ -60,8 +54,6 @@ protected:
     bool AwaitGone(const std::string& name) const {
         return Await([&] { return !Exists(name); });
     }
-
-    bool m_isStarted = false;
 };
 
 TEST_F(DiskQuotaTest, MeasuresTheFilesDirectlyInside) {
