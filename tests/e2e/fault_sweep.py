@@ -62,10 +62,6 @@ class Fault:
     keep: bool = True
     keyless: bool = False
 
-    def __str__(self):
-        calls = f"{self.first}" if self.first == self.last else f"{self.first} and all after it"
-        return f"{self.kind} {calls}, error {self.error}{'' if self.keep else ', dropping failed ones'}{', keyless' if self.keyless else ''}"
-
 
 NO_FAULT = Fault("none", 0, 0, 0)
 

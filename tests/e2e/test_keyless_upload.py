@@ -168,8 +168,6 @@ LIES = [  # and the step at which the upload stops
     (lambda *_: {"Url": "https://127.0.0.1:9/", "Headers": {}}, "Failed to send HTTP request: 12029"),
     (lambda liar, asked, *_: liar.honest(asked) | {"Pad": "x" * (64 << 10)}, "Signer: HTTP answer is too long"),
     (lambda *_: b"", "Signer's answer is not understood"),
-    (lambda _, __, connection, ___: connection.sendall(
-        b"HTTP/1.1 307 T\r\nLocation: /else\r\nContent-Length: 0\r\n\r\n"), "Signer refused the package: 307"),
     (lambda *_: None, r"Signer: Failed to receive HTTP response: \d+"),
     (slow, None),
 ]

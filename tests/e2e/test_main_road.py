@@ -5,7 +5,6 @@ import time
 import pytest
 
 from agent import GAME
-from package_reader import read_package
 from store.client import SECRET_KEY
 from submissions import write_small
 from wine import Program, wait_until, windows_path
@@ -23,21 +22,12 @@ def crash(site, kind="access-violation", name="crash", *arguments):
                    "--attachments", "2", "--attachment-size", str(ATTACHMENT_SIZE), *arguments)
 
 
-def only_object(store, bucket):
-    """The bucket's one object, whose key must be its MD5."""
-    keys = store.keys(bucket)
-    assert len(keys) == 1
-    data = store.get(bucket, keys[0])
-    assert keys[0] == hashlib.md5(data).hexdigest()
-    return data
-
-
 @pytest.mark.parametrize("kind, message, watched, arguments", [
     ("access-violation", "Access violation writing 0x0", ["no such.exe", "GAME.exe"], []),  # an ending, in another case
     ("abort", "Abnormal program termination", ["Other.exe"], ["-PROCESS=SampleGame.exe", "-process=samplegame.exe"]),
     ("exception", "Unhandled C++ exception: the level caf\ufffd could not be loaded", ["SampleGame.exe"], []),
 ])
-def test_a_crash_arrives_whole_and_the_agent_ends(site, store, bucket, kind, message, watched, arguments):
+def test_a_crash_arrives_whole_and_the_agent_ends(site, kind, message, watched, arguments):
     name = f"太郎 {kind}"
     site.configuration["ProcessMonitor"]["WatchedApplications"] = watched
     with crash(site, kind, name, "--stay-alive", "3000") as game, site.start(*arguments) as agent:
@@ -47,7 +37,7 @@ def test_a_crash_arrives_whole_and_the_agent_ends(site, store, bucket, kind, mes
         assert time.monotonic() - ended >= site.configuration["ProcessMonitor"]["ShutdownDelay"] / 1000 - 0.1
         assert agent.text.count(" All monitored processes have closed") == 1
 
-    package = read_package(only_object(store, bucket))
+    (package,) = site.sent_packages()
     assert package.header["Exception"]["Message"] == message
     assert package.header["Source"] == "EXTERNAL"
     assert package.header["InstanceKey"] == name
@@ -84,9 +74,10 @@ def test_the_road_is_as_promised(site, store, bucket):
         assert text in log
     assert beside.agent.stderr == b"" and SECRET_KEY not in log
 
-    data = only_object(store, bucket)
+    (key,) = store.keys(bucket)
+    data = store.get(bucket, key)
     (upload,) = store.uploads()
-    assert upload["path"] == f"/{bucket}/{hashlib.md5(data).hexdigest()}"
+    assert upload["path"] == f"/{bucket}/{key}" and key == hashlib.md5(data).hexdigest()
     assert upload["length"] == len(data)
     assert upload["content-type"] == "application/octet-stream"
     assert upload["content-md5"]
@@ -99,8 +90,7 @@ def test_equal_folders_keep_the_files_beside_the_package(site):
                                        "PackageWorkFolder": folder + "\\PACKAGEDDUMPS\\"}
     del site.configuration["Application"]["Processes"]["UploaderS3"]
     write_small(site.dumps, "one")
-    with site.start() as agent:
-        assert agent.wait() == 0
+    site.run()
     assert sorted(path.name for path in (site.packaged / "one").iterdir()) == [
         "game.log.gz", "header.json", "note.txt.gz", "submission.pkg"]
     assert site.left_on_disk() == [site.packaged / "one"]
