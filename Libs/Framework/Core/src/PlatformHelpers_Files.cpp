@@ -133,8 +133,11 @@ ResultCode EnsureTrailingFolderSeparator(std::string& folderPath) {
         return "Unexpected empty string passed to PlatformHelpers::EnsureTrailingFolderSeparator";
     }
     return ExceptionToResult([&] {
-        folderPath.resize(folderPath.size() - (IsSeparator(folderPath.back()) ? 1 : 0));
-        folderPath.push_back('\\');
+        if (IsSeparator(folderPath.back())) {
+            folderPath.back() = '\\';
+        } else {
+            folderPath.push_back('\\');
+        }
         return ResultCode(Platform::Success);
     });
 }
