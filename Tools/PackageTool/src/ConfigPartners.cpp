@@ -59,12 +59,12 @@ private:
         if (processClass && processClass->name != "Watcher") {
             m_report(where, Quoted(name) + " is a " + std::string(processClass->name) + ", no Watcher");
         }
-        const auto watcher = m_sections.watchers.find(name);
-        return watcher == m_sections.watchers.end() ? nullptr : &watcher->second;
+        const auto watcher = m_sections.ofWatcher.find(name);
+        return watcher == m_sections.ofWatcher.end() ? nullptr : &watcher->second;
     }
 
     void CheckWatchers() {
-        for (const auto& [name, watcher] : m_sections.watchers) {
+        for (const auto& [name, watcher] : m_sections.ofWatcher) {
             const std::string& collector = watcher.config.metricsCollectorName;
             if (!collector.empty()) {
                 m_report(watcher.At("MetricsCollectorName"),
@@ -78,7 +78,7 @@ private:
 
     void CheckPackagers() {
         std::map<std::string, std::string> workFolders;
-        for (const auto& [name, packager] : m_sections.packagers) {
+        for (const auto& [name, packager] : m_sections.ofPackager) {
             const PackagerConfig& config = packager.config;
             CheckBlacklist(packager);
             const std::string work = WithDefault(config.packageWorkFolder, DefaultName::PackageTemp);
@@ -146,7 +146,7 @@ private:
 
     void CheckUploaders() {
         const auto& components = m_sections.application.components;
-        for (const auto& [name, uploader] : m_sections.uploaders) {
+        for (const auto& [name, uploader] : m_sections.ofUploaderS3) {
             if (std::find(components.begin(), components.end(), "CloudComponent") == components.end()) {
                 m_report(*m_sections.instances.at(name).name,
                          Quoted(name) + ": UploaderS3 requires CloudComponent for initialization");
@@ -154,7 +154,7 @@ private:
             CheckEndpoint(uploader);
             CheckUploader(name, uploader);
         }
-        for (const auto& [name, uploader] : m_sections.presignedUploaders) {
+        for (const auto& [name, uploader] : m_sections.ofUploaderPresigned) {
             CheckSigner(uploader);
             CheckUploader(name, uploader);
         }
@@ -220,11 +220,11 @@ private:
     void CheckUploadFolder(const ConfigSection<Config>& uploader,
                            const ConfigSection<WatcherConfig>* watcher) {
         const std::optional<std::string> folder = WatchedFolder(watcher);
-        if (!folder || m_sections.packagers.empty()) {
+        if (!folder || m_sections.ofPackager.empty()) {
             return;
         }
         std::string packaged;
-        for (const auto& [name, packager] : m_sections.packagers) {
+        for (const auto& [name, packager] : m_sections.ofPackager) {
             packaged = WithDefault(packager.config.packagedFolder, DefaultName::PackagedDumps);
             if (packaged != *folder) {
                 continue;
@@ -245,16 +245,16 @@ private:
     void CheckQuotas() {
         std::set<std::string> dumps;
         std::set<std::string> packaged;
-        for (const auto& [name, packager] : m_sections.packagers) {
+        for (const auto& [name, packager] : m_sections.ofPackager) {
             packaged.insert(WithDefault(packager.config.packagedFolder, DefaultName::PackagedDumps));
-            const auto watcher = m_sections.watchers.find(packager.config.watcherName);
+            const auto watcher = m_sections.ofWatcher.find(packager.config.watcherName);
             const auto folder =
-                WatchedFolder(watcher == m_sections.watchers.end() ? nullptr : &watcher->second);
+                WatchedFolder(watcher == m_sections.ofWatcher.end() ? nullptr : &watcher->second);
             if (folder) {
                 dumps.insert(*folder);
             }
         }
-        for (const auto& [name, quota] : m_sections.quotas) {
+        for (const auto& [name, quota] : m_sections.ofDiskQuota) {
             CheckQuotaFolder(dumps, WithDefault(quota.config.dumpsFolder, DefaultName::Dumps),
                              quota.At("DumpsFolder"), "the packager's submissions come from ");
             CheckQuotaFolder(packaged, WithDefault(quota.config.packagedFolder, DefaultName::PackagedQuota),

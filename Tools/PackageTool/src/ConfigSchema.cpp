@@ -3,9 +3,6 @@
 #include <limits>
 #include <new>
 
-#include "Libs/Processes/Core/src/ProcessClasses.h"
-#include "Libs/Processes/Core/src/ProcessConfigs.h"
-#include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 #include "Tools/PackageTool/src/ConfigSections.h"
 

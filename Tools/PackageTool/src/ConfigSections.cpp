@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <set>
 
-#include "Libs/Processes/Core/src/ProcessClasses.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 
@@ -192,12 +191,11 @@ private:
             m_report(*instance.name, Quoted(name) + ": " + result.Text());
             return;
         }
-        ReadInto(m_sections.watchers, name, instance, *section);
-        ReadInto(m_sections.packagers, name, instance, *section);
-        ReadInto(m_sections.uploaders, name, instance, *section);
-        ReadInto(m_sections.presignedUploaders, name, instance, *section);
-        ReadInto(m_sections.quotas, name, instance, *section);
-        ReadInto(m_sections.monitors, name, instance, *section);
+#define READ_SECTION(Class, Config) ReadInto(m_sections.of##Class, name, instance, *section);
+#define READ_NOTHING(Class)
+        MORVANE_PROCESS_CLASSES(READ_SECTION, READ_NOTHING)
+#undef READ_SECTION
+#undef READ_NOTHING
     }
 
     template <class Config>

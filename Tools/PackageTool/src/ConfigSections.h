@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 
+#include "Libs/Processes/Core/src/ProcessClasses.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Document.h"
@@ -44,17 +45,16 @@ struct ConfigSection {
 template <class Config>
 using ConfigSectionMap = std::map<std::string, ConfigSection<Config>>;
 
-// What a configuration says, as far as it can be understood. Sections by their process's name. Points into
-// the document.
+// What a configuration says, as far as it can be understood. Sections by their process's name, a map for each
+// class: ofPackager, ofWatcher... Points into the document.
 struct ConfigSections {
     ApplicationConfig application;
     std::map<std::string, ProcessInstance> instances;
-    ConfigSectionMap<WatcherConfig> watchers;
-    ConfigSectionMap<PackagerConfig> packagers;
-    ConfigSectionMap<UploaderS3Config> uploaders;
-    ConfigSectionMap<UploaderPresignedConfig> presignedUploaders;
-    ConfigSectionMap<DiskQuotaConfig> quotas;
-    ConfigSectionMap<ProcessMonitorConfig> monitors;
+#define SECTIONS_OF_CLASS(Class, Config) ConfigSectionMap<Config> of##Class;
+#define NO_SECTIONS(Class)
+    MORVANE_PROCESS_CLASSES(SECTIONS_OF_CLASS, NO_SECTIONS)
+#undef SECTIONS_OF_CLASS
+#undef NO_SECTIONS
 };
 
 // Reads all sections and reports what is wrong within each: by the serializer's own plans and with its texts,

@@ -138,9 +138,9 @@ void CheckWarnings(const JsonDocument& document, const ConfigSections& sections,
             warnOfOne(section, warn);
         }
     };
-    each(sections.monitors, WarnOfMonitor);
-    each(sections.packagers, WarnOfPackager);
-    each(sections.watchers, WarnOfWatcher);
-    each(sections.uploaders, WarnOfUploader);
-    each(sections.quotas, WarnOfQuota);
+    each(sections.ofProcessMonitor, WarnOfMonitor);
+    each(sections.ofPackager, WarnOfPackager);
+    each(sections.ofWatcher, WarnOfWatcher);
+    each(sections.ofUploaderS3, WarnOfUploader);
+    each(sections.ofDiskQuota, WarnOfQuota);
 }

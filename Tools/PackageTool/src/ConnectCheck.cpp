@@ -73,8 +73,8 @@ ExitCode TryUploaders(const std::string& file, std::string_view text) {
             Raise(code, TryUploader(Console::Printable(file + ": " + Quoted(name) + ": "), uploader.config));
         }
     };
-    tryEach(sections.uploaders);
-    tryEach(sections.presignedUploaders);
+    tryEach(sections.ofUploaderS3);
+    tryEach(sections.ofUploaderPresigned);
     static_cast<void>(ShutdownObjectStores());
     return code;
 }
