@@ -20,6 +20,10 @@ struct ApplicationConfig {
 };
 Reflection_DeclareType(ApplicationConfig);
 
+// For a class that the section names and the program does not have.
+inline constexpr char NoProcessMaker[] = "Failed to find maker for process";
+inline constexpr char NoComponentMaker[] = "Failed to find maker for component";
+
 // Reads and parses the file. A parse error is logged with its place in the file.
 ResultCode LoadJsonConfig(const std::string& path, JsonDocument& document);
 

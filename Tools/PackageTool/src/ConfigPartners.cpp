@@ -69,9 +69,8 @@ private:
             if (!collector.empty()) {
                 m_report(watcher.At("MetricsCollectorName"),
                          Quoted(collector) + ": " +
-                             (m_sections.instances.contains(collector)
-                                  ? "Metrics process could not provide required MetricsAggregator interface"
-                                  : "No metrics process to provide metrics collection for watcher"));
+                             (m_sections.instances.contains(collector) ? StartFailure::IsNoCollector
+                                                                       : StartFailure::NoCollector));
             }
         }
     }
@@ -88,7 +87,7 @@ private:
             }
             if (packager.json->HasMember("WatcherName")) {
                 const auto* watcher = FindWatcher(config.watcherName, packager.At("WatcherName"),
-                                                  "No watcher process to provide submission for packager");
+                                                  StartFailure::NoSubmissionWatcher);
                 CheckSentinel(watcher, HeaderFile::Name, "packager " + Quoted(name) + " reads");
                 CheckPackagerFolder(packager, watcher);
             }
@@ -127,9 +126,10 @@ private:
         for (const JsonValue& pattern : patterns.GetArray()) {
             AttachmentBlacklist list;
             AttachmentBlacklist::BadPattern bad;
-            if (pattern.IsString() && !list.Compile({TextOf(pattern)}, bad)) {
-                m_report(pattern, "Invalid regular expression in attachment black list: " +
-                                      Quoted(bad.pattern) + ", " + bad.message);
+            if (const ResultCode result =
+                    pattern.IsString() ? list.Compile({TextOf(pattern)}, bad) : Platform::Success;
+                !result) {
+                m_report(pattern, result.Text() + (": " + Quoted(bad.pattern) + ", " + bad.message));
             }
         }
     }
@@ -149,7 +149,7 @@ private:
         for (const auto& [name, uploader] : m_sections.ofUploaderS3) {
             if (std::find(components.begin(), components.end(), "CloudComponent") == components.end()) {
                 m_report(*m_sections.instances.at(name).name,
-                         Quoted(name) + ": UploaderS3 requires CloudComponent for initialization");
+                         Quoted(name) + ": " + StartFailure::NoCloudComponent);
             }
             CheckEndpoint(uploader);
             CheckUploader(name, uploader);
@@ -170,7 +170,7 @@ private:
             return;
         }
         const auto* watcher = FindWatcher(uploader.config.watcherName, uploader.At("WatcherName"),
-                                          "No watcher process to provide submissions for uploader");
+                                          StartFailure::NoPackageWatcher);
         CheckSentinel(watcher, PackageName(uploader.config.submissionFilename),
                       "uploader " + Quoted(name) + " sends");
         CheckUploadFolder(uploader, watcher);

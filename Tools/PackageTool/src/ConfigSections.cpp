@@ -165,7 +165,7 @@ private:
     void ReadClass(const std::string& className, const JsonValue::Member& member) {
         const ProcessClass* const processClass = FindProcessClass(className);
         if (!processClass) {
-            m_report(member.name, Quoted(className) + ": Failed to find maker for process");
+            m_report(member.name, Quoted(className) + ": " + NoProcessMaker);
         }
         if (!member.value.IsArray()) {
             return; // reported by the reader
@@ -181,7 +181,7 @@ private:
     void CheckComponent(const JsonValue& component) {
         const auto known = ComponentClasses();
         if (component.IsString() && std::find(known.begin(), known.end(), TextOf(component)) == known.end()) {
-            m_report(component, Quoted(TextOf(component)) + ": Failed to find maker for component");
+            m_report(component, Quoted(TextOf(component)) + ": " + NoComponentMaker);
         }
     }
 

@@ -40,7 +40,7 @@ std::string Pack(const std::string& folder, const PackagerConfig& config,
                  const AttachmentBlacklist& blacklist, const Arguments& arguments, std::string& package) {
     const std::string name = FolderPath::LastComponent(folder).value_or("");
     if (name.empty()) {
-        return "Failed to find submission folder name in folder path";
+        return SubmissionFault::NoName;
     }
     package = FolderPath::Join(FolderPath::Join(arguments.to, name), config.submissionFilename);
     if (!arguments.force && PlatformHelpers::PathExists(package)) {

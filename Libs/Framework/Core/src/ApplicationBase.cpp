@@ -107,7 +107,7 @@ ResultCode ApplicationBase::CreateComponents() {
         const auto maker = FactoryInstance<IApplicationComponent>().FindMaker(name);
         if (!maker) {
             PLATFORM_LOG(Platform::ErrorLog, " Failed to find maker for component %s", name.c_str());
-            return "Failed to find maker for component";
+            return NoComponentMaker;
         }
         m_components[name] = maker->Make();
     }
@@ -120,7 +120,7 @@ ResultCode ApplicationBase::CreateProcesses() {
             const auto maker = FactoryInstance<IApplicationProcess>().FindMaker(makerName);
             if (!maker) {
                 PLATFORM_LOG(Platform::ErrorLog, " Failed to find maker for process %s", name.c_str());
-                return "Failed to find maker for process";
+                return NoProcessMaker;
             }
             m_processes[name] = maker->Make(this, name.c_str());
         }

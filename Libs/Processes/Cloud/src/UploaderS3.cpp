@@ -40,7 +40,7 @@ private:
 
 ResultCode UploaderS3::Initialize(const JsonDocument& config, int, const char**) {
     if (!HasCloudComponent()) {
-        return "UploaderS3 requires CloudComponent for initialization";
+        return StartFailure::NoCloudComponent;
     }
     // A misspelt AskPermission must never send.
     RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config, UnknownKeys::Refused));

@@ -39,7 +39,7 @@ ResultCode Packager::Initialize(const JsonDocument& config, int, const char**) {
     const ApplicationBase* application = GetApplication();
     m_watcherProcPtr = application ? application->GetProcess(m_config.watcherName) : nullptr;
     if (!m_watcherProcPtr) {
-        return "No watcher process to provide submission for packager";
+        return StartFailure::NoSubmissionWatcher;
     }
     PLATFORM_LOG(
         Platform::InfoLog,

@@ -23,6 +23,18 @@ inline constexpr char Package[] = "submission.pkg";
 
 } // namespace DefaultName
 
+// Why a process does not start. check-config says it with the same words.
+namespace StartFailure {
+
+inline constexpr char NoSubmissionWatcher[] = "No watcher process to provide submission for packager";
+inline constexpr char NoPackageWatcher[] = "No watcher process to provide submissions for uploader";
+inline constexpr char NoCollector[] = "No metrics process to provide metrics collection for watcher";
+inline constexpr char IsNoCollector[] =
+    "Metrics process could not provide required MetricsAggregator interface";
+inline constexpr char NoCloudComponent[] = "UploaderS3 requires CloudComponent for initialization";
+
+} // namespace StartFailure
+
 struct WatcherConfig {
     uint32_t timeBetweenChecks = 250; // milliseconds
     std::string folder;               // required; relative to the application's folder

@@ -27,7 +27,7 @@ ResultCode UploaderBase::InitializeFrom(UploaderConfig& config) {
     const ApplicationBase* const application = GetApplication();
     m_watcherProcPtr = application ? application->GetProcess(config.watcherName) : nullptr;
     if (!m_watcherProcPtr) {
-        return "No watcher process to provide submissions for uploader";
+        return StartFailure::NoPackageWatcher;
     }
     if (!config.receiptFile.empty()) {
         const bool isInside = IsSafeAttachmentName(config.receiptFile);

@@ -103,11 +103,11 @@ ResultCode Watcher::MakeMetrics() {
     const ApplicationBase* application = GetApplication();
     const auto process = application ? application->GetProcess(m_config.metricsCollectorName) : nullptr;
     if (!process) {
-        return "No metrics process to provide metrics collection for watcher";
+        return StartFailure::NoCollector;
     }
     auto* aggregator = Reflection::Query<IMetricsAggregator>(*process);
     if (!aggregator) {
-        return "Metrics process could not provide required MetricsAggregator interface";
+        return StartFailure::IsNoCollector;
     }
     const std::string label = MetricLabel(GetName());
     m_pendingExisting = MakePendingMetric(*aggregator, "existing", label);
