@@ -32,9 +32,6 @@ std::vector<uint8_t> TinyPackage() {
     return package;
 }
 
-constexpr uint32_t ConnectTimeoutMs = 500; // as the agent's uploads
-constexpr uint32_t RequestTimeoutMs = 30000;
-
 // The client has said the reason in the log.
 ExitCode TryStore(const std::string& where, IObjectStore& store, bool verifyETag, const std::string& place) {
     const std::vector<uint8_t> package = TinyPackage();
@@ -46,15 +43,12 @@ ExitCode TryStore(const std::string& where, IObjectStore& store, bool verifyETag
 }
 
 ExitCode TryUploader(const std::string& where, const UploaderS3Config& config) {
-    ObjectStoreConfig store = StoreOf(config);
-    store.connectTimeoutMs = ConnectTimeoutMs;
-    store.requestTimeoutMs = RequestTimeoutMs;
-    return TryStore(where, *CreateObjectStore(store), config.verifyETag, " in bucket " + config.bucketName);
+    return TryStore(where, *CreateObjectStore(StoreOf(config)), config.verifyETag,
+                    " in bucket " + config.bucketName);
 }
 
 ExitCode TryUploader(const std::string& where, const UploaderPresignedConfig& config) {
-    const auto store = CreatePresignedObjectStore(config, ConnectTimeoutMs, RequestTimeoutMs);
-    return TryStore(where, *store, config.verifyETag, " where the signer said");
+    return TryStore(where, *CreatePresignedObjectStore(config), config.verifyETag, " where the signer said");
 }
 
 } // namespace

@@ -7,7 +7,11 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// Where a client sends, as whom, and how long it waits.
+// How long an upload waits.
+inline constexpr uint32_t ConnectTimeoutMs = 500;   // for each address of the server
+inline constexpr uint32_t RequestTimeoutMs = 30000; // for each piece of the body, and for the answer to it
+
+// Where a client sends, and as whom.
 struct ObjectStoreConfig {
     std::string endpointOverride;     // "http://127.0.0.1:8080"; empty: Amazon's endpoint of the region
     std::string region;               // signed with every request
@@ -15,8 +19,8 @@ struct ObjectStoreConfig {
     std::string bucket;
     std::string accessKey;
     std::string secretKey;
-    uint32_t connectTimeoutMs = 0;
-    uint32_t requestTimeoutMs = 0; // for each piece of the body, and for the answer to it
+    uint32_t connectTimeoutMs = ConnectTimeoutMs;
+    uint32_t requestTimeoutMs = RequestTimeoutMs;
 };
 
 // One object to store.

@@ -11,32 +11,23 @@ namespace {
 
 class PresignedObjectStore : public IObjectStore {
 public:
-    PresignedObjectStore(UploaderPresignedConfig config, uint32_t connectTimeoutMs, uint32_t requestTimeoutMs)
-        : m_config(std::move(config)), m_connectTimeoutMs(connectTimeoutMs),
-          m_requestTimeoutMs(requestTimeoutMs) {}
+    explicit PresignedObjectStore(UploaderPresignedConfig config) : m_config(std::move(config)) {}
 
     ResultCode PutObject(const PutObjectRequest& request, PutAnswer& answer) override;
 
 private:
-    HttpRequest NewRequest(HttpAddress address, std::vector<HttpHeader> headers,
-                           Platform::ByteSource& body) const;
     ResultCode AskSigner(const std::string& question, HttpAnswer& answer) const;
 
     const UploaderPresignedConfig m_config;
-    const uint32_t m_connectTimeoutMs;
-    const uint32_t m_requestTimeoutMs;
 };
 
-HttpRequest PresignedObjectStore::NewRequest(HttpAddress address, std::vector<HttpHeader> headers,
-                                             Platform::ByteSource& body) const {
+HttpRequest NewRequest(HttpAddress address, std::vector<HttpHeader> headers, Platform::ByteSource& body) {
     HttpRequest request;
     headers.push_back({"Host", address.HostHeader()});
     headers.push_back({"Content-Length", std::to_string(body.GetSize())});
     request.address = std::move(address);
     request.headers = std::move(headers);
     request.body = &body;
-    request.connectTimeoutMs = m_connectTimeoutMs;
-    request.requestTimeoutMs = m_requestTimeoutMs;
     return request;
 }
 
@@ -76,8 +67,6 @@ ResultCode PresignedObjectStore::AskSigner(const std::string& question, HttpAnsw
 
 } // namespace
 
-std::unique_ptr<IObjectStore> CreatePresignedObjectStore(const UploaderPresignedConfig& config,
-                                                         uint32_t connectTimeoutMs,
-                                                         uint32_t requestTimeoutMs) {
-    return std::make_unique<PresignedObjectStore>(config, connectTimeoutMs, requestTimeoutMs);
+std::unique_ptr<IObjectStore> CreatePresignedObjectStore(const UploaderPresignedConfig& config) {
+    return std::make_unique<PresignedObjectStore>(config);
 }

@@ -9,6 +9,4 @@
 // the object is put there. Over the system's HTTP in every build. Says in the log which step failed, without
 // addresses and headers. Needs no InitializeObjectStores. Never null; a configuration that can't be used
 // fails in PutObject. Any thread. May throw std::bad_alloc.
-std::unique_ptr<IObjectStore> CreatePresignedObjectStore(const UploaderPresignedConfig& config,
-                                                         uint32_t connectTimeoutMs,
-                                                         uint32_t requestTimeoutMs);
+std::unique_ptr<IObjectStore> CreatePresignedObjectStore(const UploaderPresignedConfig& config);

@@ -13,7 +13,7 @@ struct S3Endpoint {
     bool bucketInHost = false; // the bucket leads the host
 };
 
-// Where an uploader sends, and as whom. Timeouts are the caller's.
+// Where an uploader sends, and as whom.
 ObjectStoreConfig StoreOf(const UploaderS3Config& config);
 
 // Turns the configuration into an endpoint, or refuses it before anything is sent. Without an override it is

@@ -20,8 +20,7 @@ public:
     ~UploaderThreadPresigned() override { WaitForEnd(); }
 
     ResultCode UploadPackage(Platform::ByteSource& package, UploadAnswer& answer) override {
-        const auto store = CreatePresignedObjectStore(m_config, GetConnectTimeout(), GetRequestTimeout());
-        return PutPackage(*store, package, m_config.verifyETag, answer);
+        return PutPackage(*CreatePresignedObjectStore(m_config), package, m_config.verifyETag, answer);
     }
 
 private:

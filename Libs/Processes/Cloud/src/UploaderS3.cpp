@@ -1,6 +1,5 @@
 #include "Libs/Processes/Cloud/src/UploaderS3.h"
 
-#include <exception>
 #include <memory>
 
 #include "Libs/Processes/Cloud/src/CloudComponent.h"
@@ -17,23 +16,16 @@ class UploaderThreadS3 final : public UploaderThreadBase {
 public:
     UploaderThreadS3(UploadPermission permission, const std::string& folder, const UploaderS3Config& config)
         : UploaderThreadBase(permission, folder, config), m_verifyETag(config.verifyETag),
-          m_store(StoreOf(config)) {
-        m_store.connectTimeoutMs = GetConnectTimeout();
-        m_store.requestTimeoutMs = GetRequestTimeout();
-    }
+          m_store(StoreOf(config)) {}
     ~UploaderThreadS3() override { WaitForEnd(); }
 
     ResultCode UploadPackage(Platform::ByteSource& package, UploadAnswer& answer) override {
-        try {
-            return PutPackage(*CreateObjectStore(m_store), package, m_verifyETag, answer);
-        } catch (const std::exception&) { // out of memory: fails this upload, not the run
-            return "Failed to put stream in S3 bucket";
-        }
+        return PutPackage(*CreateObjectStore(m_store), package, m_verifyETag, answer);
     }
 
 private:
     const bool m_verifyETag;
-    ObjectStoreConfig m_store; // constant after construction
+    const ObjectStoreConfig m_store;
 };
 
 } // namespace

@@ -18,8 +18,8 @@ struct HttpRequest {
     HttpAddress address;
     std::vector<HttpHeader> headers;      // printable ASCII; the body's length is among them
     Platform::ByteSource* body = nullptr; // never null in a call
-    uint32_t connectTimeoutMs = 0;        // for each address of the server
-    uint32_t requestTimeoutMs = 0; // for each piece of the body, for the answer's headers, for its body
+    uint32_t connectTimeoutMs = ConnectTimeoutMs;
+    uint32_t requestTimeoutMs = RequestTimeoutMs; // also once for the answer's headers and for its body
     std::size_t largestAnswer = 0; // bytes; a longer body of a 2xx answer is a failure. 0: not read
 };
 

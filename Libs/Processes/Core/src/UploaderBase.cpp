@@ -160,7 +160,7 @@ bool UploaderBase::IsTriedAgain(UploadRetries::Package& package, const UploaderT
         return false;
     }
     const auto pause = UploadRetries::CountFailure(
-        package, *failure, {upload.GetTimeBetweenRetries(), upload.GetMaxAttempts()}, m_random());
+        package, *failure, {upload.GetTimeBetweenRetries(), UploaderThreadBase::MaxAttempts}, m_random());
     if (!pause) {
         PLATFORM_LOG(Platform::InfoLog, " Leaving package in folder %s for the next run after %u attempts",
                      package.folder.c_str(), static_cast<unsigned>(package.attempts));

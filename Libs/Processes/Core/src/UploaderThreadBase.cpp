@@ -59,10 +59,10 @@ ResultCode UploaderThreadBase::UploadFolder() {
         return Platform::Success;
     };
     {
-        const std::string path = m_folder + (m_folder.ends_with('\\') ? "" : "\\") + m_submissionFileName;
         Platform::File file;
         // Nobody writes to it or shortens it meanwhile; the quota may delete it.
-        if (file.Open(path, Platform::FileRead, Platform::ShareRead | Platform::ShareDelete,
+        if (file.Open(FolderPath::Join(m_folder, m_submissionFileName), Platform::FileRead,
+                      Platform::ShareRead | Platform::ShareDelete,
                       Platform::Patience::WhileHeld) != Platform::NoError) {
             return notLoaded("Failed to open package file");
         }

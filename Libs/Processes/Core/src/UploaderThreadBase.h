@@ -41,11 +41,9 @@ public:
     const UploadAnswer* GetFailure() const { return m_hasFailed ? &m_answer : nullptr; }
 
     const std::string& GetFolder() const { return m_folder; }
-    uint32_t GetConnectTimeout() const { return m_connectTimeoutMs; }
-    uint32_t GetRequestTimeout() const { return m_requestTimeoutMs; }
 
-    // For who tries again: an upload makes one attempt.
-    uint32_t GetMaxAttempts() const { return m_maxAttempts; }
+    // For its uploader, which tries again: an upload makes one attempt.
+    static constexpr uint32_t MaxAttempts = 10;
     uint32_t GetTimeBetweenRetries() const { return m_timeBetweenRetriesMs; }
 
 protected:
@@ -59,9 +57,6 @@ private:
     void DeleteFolder() const;
 
     // All but the last three are constant after construction.
-    const uint32_t m_connectTimeoutMs = 500;
-    const uint32_t m_requestTimeoutMs = 30000;
-    const uint32_t m_maxAttempts = 10;
     const UploadPermission m_permission; // as it was when the upload was made
     const std::string m_folder;
     const std::string m_submissionFileName;
