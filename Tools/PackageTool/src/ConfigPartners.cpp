@@ -15,10 +15,6 @@
 
 namespace {
 
-std::string PackageName(const std::string& configured) {
-    return configured.empty() ? DefaultName::Package : configured;
-}
-
 // The folder in which a process works: the configured one, or by default the one of that name in the
 // application folder.
 std::string WithDefault(const std::string& folder, const char* defaultName) {

@@ -88,8 +88,7 @@ bool PackagerSettings::Read(const Arguments& arguments) {
         // Without one the defaults stay: what a packager needs, check-config says.
         static_cast<void>(ReadConfigSection(document, config.watcherName.c_str(), watcher));
     }
-    config.submissionFilename =
-        config.submissionFilename.empty() ? DefaultName::Package : config.submissionFilename;
+    config.submissionFilename = PackageName(config.submissionFilename);
     return true;
 }
 

@@ -19,6 +19,16 @@ void* ApplicationProcessBase::QueryObj(const Reflection::TypeDescriptor&) {
     return nullptr;
 }
 
+std::string ApplicationProcessBase::GetApplicationFolder() const {
+    const ApplicationBase* const application = GetApplication();
+    return application ? application->GetApplicationFolder() : std::string();
+}
+
+std::shared_ptr<IApplicationProcess> ApplicationProcessBase::FindProcess(const std::string& name) const {
+    const ApplicationBase* const application = GetApplication();
+    return application ? application->GetProcess(name) : nullptr;
+}
+
 void ApplicationProcessBase::RequestShutdown() {
     m_stop.exchange(true, std::memory_order_acq_rel);
     SetEvent(m_stopped.Get());

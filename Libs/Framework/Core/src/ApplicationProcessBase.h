@@ -68,6 +68,10 @@ protected:
         return m_application;
     }
 
+    // Of the owner; empty and null without one.
+    std::string GetApplicationFolder() const;
+    std::shared_ptr<IApplicationProcess> FindProcess(const std::string& name) const;
+
     bool IsStopRequested() const { return m_stop.load(std::memory_order_acquire); }
 
     // Waits for that time; 4294967295 is without end. A stop ends the wait at once. False after a stop.

@@ -4,7 +4,6 @@
 #include <span>
 #include <utility>
 
-#include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
@@ -62,8 +61,7 @@ ResultCode DiskQuota::ResolveFolder(const std::string& configured, const char* d
                                     std::string& folder) const {
     folder = configured;
     if (folder.empty()) {
-        const ApplicationBase* application = GetApplication();
-        folder = application ? application->GetApplicationFolder() : std::string();
+        folder = GetApplicationFolder();
         RETURN_IF_FAILED(PlatformHelpers::EnsureTrailingFolderSeparator(folder));
         folder += defaultName;
     }

@@ -2,7 +2,6 @@
 
 #include <utility>
 
-#include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/ExceptionToResult.h"
 #include "Libs/Framework/Core/src/PlatformHelpers.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
@@ -32,12 +31,9 @@ bool IsSameFolder(const std::string& left, const std::string& right) {
 ResultCode Packager::Initialize(const JsonDocument& config, int, const char**) {
     RETURN_IF_FAILED(ReadConfigSection(config, GetName(), m_config));
     RETURN_IF_FAILED(PrepareFolders());
-    if (m_config.submissionFilename.empty()) {
-        m_config.submissionFilename = DefaultName::Package;
-    }
+    m_config.submissionFilename = PackageName(m_config.submissionFilename);
     RETURN_IF_FAILED(CompileBlacklist());
-    const ApplicationBase* application = GetApplication();
-    m_watcherProcPtr = application ? application->GetProcess(m_config.watcherName) : nullptr;
+    m_watcherProcPtr = FindProcess(m_config.watcherName);
     if (!m_watcherProcPtr) {
         return StartFailure::NoSubmissionWatcher;
     }
@@ -75,9 +71,7 @@ ResultCode Packager::PrepareFolders() {
 
 ResultCode Packager::PrepareFolder(std::string& folder, const char* defaultName, const char* kind) const {
     if (folder.empty()) {
-        const ApplicationBase* application = GetApplication();
-        folder =
-            FolderPath::Join(application ? application->GetApplicationFolder() : std::string(), defaultName);
+        folder = FolderPath::Join(GetApplicationFolder(), defaultName);
     }
     ResultCode result = PlatformHelpers::EnsureTrailingFolderSeparator(folder);
     if (result) {

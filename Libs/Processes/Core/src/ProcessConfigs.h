@@ -23,6 +23,11 @@ inline constexpr char Package[] = "submission.pkg";
 
 } // namespace DefaultName
 
+// Of the package file, as configured.
+inline std::string PackageName(const std::string& configured) {
+    return configured.empty() ? DefaultName::Package : configured;
+}
+
 // Why a process does not start. check-config says it with the same words.
 namespace StartFailure {
 
@@ -53,7 +58,7 @@ struct PackagerConfig {
     std::string watcherName;                      // required
     std::string packagedFolder;
     std::string packageWorkFolder;
-    std::string submissionFilename; // empty is DefaultName::Package
+    std::string submissionFilename; // see PackageName
     BugSource source = BugSource::External;
     // True: a submission that lacked space, memory or access stays for the next run.
     bool keepFailedSubmissions = false;
@@ -96,7 +101,7 @@ struct UploaderConfig {
     uint32_t timeBetweenChecks = 250;    // ms
     uint32_t timeBetweenRetries = 30000; // ms
     std::string watcherName;             // the process that finds the packages
-    std::string submissionFilename;      // empty: "submission.pkg"
+    std::string submissionFilename;      // see PackageName
     std::string receiptFile;             // in the application folder; empty for none
     bool askPermission = false;
     bool verifyETag = true;          // false: for a store whose ETag is no MD5

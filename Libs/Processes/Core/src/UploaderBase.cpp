@@ -21,11 +21,8 @@ void UploaderBase::SetAskPermission(bool ask) {
 }
 
 ResultCode UploaderBase::InitializeFrom(UploaderConfig& config) {
-    if (config.submissionFilename.empty()) {
-        config.submissionFilename = DefaultName::Package;
-    }
-    const ApplicationBase* const application = GetApplication();
-    m_watcherProcPtr = application ? application->GetProcess(config.watcherName) : nullptr;
+    config.submissionFilename = PackageName(config.submissionFilename);
+    m_watcherProcPtr = FindProcess(config.watcherName);
     if (!m_watcherProcPtr) {
         return StartFailure::NoPackageWatcher;
     }
@@ -36,8 +33,7 @@ ResultCode UploaderBase::InitializeFrom(UploaderConfig& config) {
                          " ReceiptFile \"%s\" is not inside the application folder: no receipts are written",
                          config.receiptFile.c_str());
         }
-        config.receiptFile =
-            isInside ? FolderPath::Join(application->GetApplicationFolder(), config.receiptFile) : "";
+        config.receiptFile = isInside ? FolderPath::Join(GetApplicationFolder(), config.receiptFile) : "";
     }
     SetAskPermission(config.askPermission);
     m_retryFailedUploads = config.retryFailedUploads;

@@ -5,7 +5,6 @@
 #include <string_view>
 #include <utility>
 
-#include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Shared/src/JsonConfig.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
@@ -86,8 +85,7 @@ ResultCode Watcher::Initialize(const JsonDocument& config, int, const char**) {
 ResultCode Watcher::ResolveFolder() {
     std::string folder = m_config.folder;
     if (FolderPath::IsRelative(folder)) {
-        const ApplicationBase* application = GetApplication();
-        folder = FolderPath::Join(application ? application->GetApplicationFolder() : std::string(), folder);
+        folder = FolderPath::Join(GetApplicationFolder(), folder);
     }
     RETURN_IF_FAILED(PlatformHelpers::EnsureTrailingFolderSeparator(folder));
     if (!PlatformHelpers::EnsureFolderExists(folder).Succeeded()) {
@@ -100,8 +98,7 @@ ResultCode Watcher::ResolveFolder() {
 ResultCode Watcher::MakeMetrics() {
     PLATFORM_LOG(Platform::InfoLog, " watcher \"%s\" is collecting metrics from \"%s\"", GetName(),
                  m_config.metricsCollectorName.c_str());
-    const ApplicationBase* application = GetApplication();
-    const auto process = application ? application->GetProcess(m_config.metricsCollectorName) : nullptr;
+    const auto process = FindProcess(m_config.metricsCollectorName);
     if (!process) {
         return StartFailure::NoCollector;
     }
