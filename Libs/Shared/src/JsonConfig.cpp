@@ -5,6 +5,7 @@
 #include <numeric>
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Plan.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
 #include "Libs/Tarnel/String/src/String_Ascii.h"
@@ -52,11 +53,8 @@ std::size_t Distance(std::string_view key, std::string_view known) {
 
 ResultCode LoadJsonConfig(const std::string& path, JsonDocument& document) {
     std::vector<uint8_t> bytes;
-    if (const ResultCode result = ReadConfigBytes(path, bytes); !result) {
-        return result;
-    }
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    if (const auto parsed = JsonSerialization::ParseText(text, document); !parsed) {
+    RETURN_IF_FAILED(ReadConfigBytes(path, bytes));
+    if (const auto parsed = JsonSerialization::ParseText(Platform::TextOf(bytes), document); !parsed) {
         PLATFORM_LOG(Platform::ErrorLog, " Failed to parse file \"%s\" at position %u. %s", path.c_str(),
                      static_cast<unsigned>(parsed.offset), parsed.error);
         return "Failed to decode json header data!";

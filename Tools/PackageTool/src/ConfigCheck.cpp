@@ -35,8 +35,7 @@ namespace {
 
 ReportedConfig Check(const std::string& file, const std::vector<uint8_t>& bytes) {
     ReportedConfig report{file, {}};
-    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
-    for (const JsonProblem& problem : CheckConfig(text)) {
+    for (const JsonProblem& problem : CheckConfig(Platform::TextOf(bytes))) {
         report.problems.push_back(
             {problem.position.line, problem.position.column, problem.text, problem.isWarning});
     }
@@ -103,8 +102,7 @@ ExitCode RunCheckConfig(const Arguments& arguments) {
         const ReportedConfig& report = reports.files[i];
         Console::Print(Lines(report));
         if (arguments.connect && std::ranges::all_of(report.problems, &ReportedConfigProblem::isWarning)) {
-            Raise(code, TryUploaders(report.file,
-                                     {reinterpret_cast<const char*>(texts[i].data()), texts[i].size()}));
+            Raise(code, TryUploaders(report.file, Platform::TextOf(texts[i])));
         }
     }
     return code;

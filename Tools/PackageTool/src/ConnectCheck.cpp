@@ -26,8 +26,7 @@ std::vector<uint8_t> TinyPackage() {
         return Platform::Success;
     });
     uint64_t size = 0; // the target never fails
-    static_cast<void>(
-        composer.AppendHeader({reinterpret_cast<const uint8_t*>(Header.data()), Header.size()}));
+    static_cast<void>(composer.AppendHeader(Platform::BytesOf(Header)));
     static_cast<void>(composer.Finish(size));
     return package;
 }

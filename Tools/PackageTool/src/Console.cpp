@@ -142,6 +142,10 @@ std::string Folded(const std::string& path) {
     return String::LowerAscii(WithSlashes(path));
 }
 
+std::string Count(uint64_t number, const char* what) {
+    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
+}
+
 std::string Printable(std::string_view text) {
     std::string printable(text);
     printable.resize(Platform::MaskControls(printable.data(), printable.size()));

@@ -80,6 +80,9 @@ std::string WithSlashes(std::string path);
 // One name for all that Windows takes for the same file, as far as ASCII goes.
 std::string Folded(const std::string& path);
 
+// "1 file", "2 files"
+std::string Count(uint64_t number, const char* what);
+
 // For text from outside: what a terminal would obey rather than show becomes "?".
 std::string Printable(std::string_view text);
 

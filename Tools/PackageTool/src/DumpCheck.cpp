@@ -29,8 +29,7 @@ public:
             WarnOfOthers();
         }
         if (m_code == ExitCode::Good) {
-            Console::Print(Console::Printable(m_path) + ": good, " + std::to_string(m_files) +
-                           (m_files == 1 ? " file\n" : " files\n"));
+            Console::Print(Console::Printable(m_path) + ": good, " + Console::Count(m_files, "file") + "\n");
         }
         return m_code;
     }

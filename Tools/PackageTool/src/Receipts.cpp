@@ -19,9 +19,7 @@ Reflection_DefineType(ReportedReceipts, Reflection_Field(files, "Files"));
 
 namespace {
 
-std::string Count(uint64_t number, const char* what) {
-    return std::to_string(number) + " " + what + (number == 1 ? "" : "s");
-}
+using Console::Count;
 
 // The newest last, as in the file.
 std::string Lines(const ReportedReceiptFile& file) {
@@ -47,8 +45,7 @@ ExitCode RunReceipts(const Arguments& arguments) {
             Raise(code, ExitCode::NotReadOrWritten);
             continue;
         }
-        auto [receipts, damagedLines] =
-            UploadReceipts::Read({reinterpret_cast<const char*>(bytes.data()), bytes.size()});
+        auto [receipts, damagedLines] = UploadReceipts::Read(Platform::TextOf(bytes));
         report.files.push_back({file, std::move(receipts), damagedLines});
         if (!arguments.json) {
             Console::Print(Lines(report.files.back()));

@@ -2,8 +2,8 @@
 
 #include <algorithm>
 
+#include "Libs/Processes/Cloud/src/S3Upload.h"
 #include "Libs/Processes/Core/src/FolderPath.h"
-#include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
 #include "Tools/PackageTool/src/CallStack.h"
 
@@ -52,10 +52,8 @@ std::string CallStackText(const BugHeader& header) {
     if (header.callstack.empty() && header.moduleInfo.empty()) {
         return {};
     }
-    const auto count = [](std::size_t number, const char* what) {
-        return std::to_string(number) + what + (number == 1 ? "" : "s");
-    };
-    return count(header.callstack.size(), " frame") + ", " + count(header.moduleInfo.size(), " module");
+    return Console::Count(header.callstack.size(), "frame") + ", " +
+           Console::Count(header.moduleInfo.size(), "module");
 }
 
 std::string FrameLines(const PackageReport& report) {
@@ -129,19 +127,8 @@ std::string VerifyLine(const PackageReport& report) {
     if (!report.problems.empty()) {
         return ReportProblems(report);
     }
-    return Console::Printable(report.file) + ": good, " + std::to_string(report.entries.size()) +
-           (report.entries.size() == 1 ? " file\n" : " files\n");
-}
-
-// Of a package that can't be read, it means nothing.
-std::string DigestOf(Platform::ByteSource& package) {
-    Crypto::MD5 md5;
-    static_cast<void>(Platform::ForEachPiece(package, 0, package.GetSize(), [&](auto piece) {
-        md5.Update(piece);
-        return Platform::Success;
-    }));
-    md5.Finish();
-    return Crypto::ToHex(md5.Digest());
+    return Console::Printable(report.file) + ": good, " + Console::Count(report.entries.size(), "file") +
+           "\n";
 }
 
 // The files that the command line names; of a folder all that are in it and below.
@@ -217,9 +204,12 @@ std::string ProblemText(const ReportedProblem& problem) {
 PackageReport MakeReport(const std::string& file, Platform::ByteSource& package,
                          const PackageReader& reader) {
     PackageReport report;
+    PutObjectRequest request;
+    // Nobody sees the report of a package that can't be read.
+    static_cast<void>(RequestForPackage(package, request));
     report.file = file;
     report.size = package.GetSize();
-    report.digest = DigestOf(package);
+    report.digest = request.key;
     report.header = reader.GetHeader();
     report.frames = ShownFrames(report.header);
     for (const PackageEntry& entry : reader.GetEntries()) {

@@ -1,6 +1,5 @@
 #include "Libs/Processes/Cloud/src/PresignedObjectStore.h"
 
-#include <span>
 #include <utility>
 
 #include "Libs/Processes/Cloud/src/S3Upload.h"
@@ -52,8 +51,7 @@ ResultCode PresignedObjectStore::AskSigner(const std::string& question, HttpAnsw
     for (const auto& [name, value] : m_config.signerHeaders) {
         headers.push_back({name, value});
     }
-    Platform::MemorySource body(
-        std::span(reinterpret_cast<const uint8_t*>(question.data()), question.size()));
+    Platform::MemorySource body(Platform::BytesOf(question));
     HttpRequest request =
         NewRequest(*SignerProtocol::ParseAddress(m_config.signerUrl), std::move(headers), body);
     request.method = "POST";

@@ -8,6 +8,7 @@
 
 #include "Libs/Tarnel/Crypto/src/Crypto_MD5.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_Log.h"
+#include "Libs/Tarnel/String/src/String_Ascii.h"
 
 namespace {
 
@@ -91,8 +92,7 @@ std::string_view S3ErrorCode(std::string_view answer) {
         return {};
     }
     const std::string_view code = answer.substr(start + Before.size(), end - start - Before.size());
-    const auto isLetter = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
-    return code.size() <= 64 && std::ranges::all_of(code, isLetter) ? code : std::string_view();
+    return String::AllOf(code, 64, String::IsLetter) ? code : std::string_view();
 }
 
 std::string Base64Encode(std::span<const uint8_t> bytes) {

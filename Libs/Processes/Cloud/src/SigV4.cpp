@@ -19,6 +19,7 @@ namespace {
 constexpr char Algorithm[] = "AWS4-HMAC-SHA256";
 
 using Digest = std::array<uint8_t, 32>;
+using Platform::BytesOf;
 
 // BCRYPT_SHA256_ALG_HANDLE and BCRYPT_HMAC_SHA256_ALG_HANDLE, which not every compiler's header has.
 constexpr uintptr_t Sha256 = 0x41;
@@ -48,13 +49,8 @@ std::optional<Digest> Hmac(std::span<const uint8_t> key, std::span<const uint8_t
     return isHashed ? std::optional(digest) : std::nullopt;
 }
 
-std::span<const uint8_t> BytesOf(std::string_view text) {
-    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
-}
-
 bool IsUnreserved(char c) {
-    return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '-' ||
-           c == '.' || c == '_' || c == '~';
+    return String::IsAlphanumeric(c) || c == '-' || c == '.' || c == '_' || c == '~';
 }
 
 // Without blanks at the ends; each inner run of blanks becomes one.

@@ -45,8 +45,7 @@ public:
     }
 
     ResultCode Finish(std::string& md5) {
-        m_md5.Finish();
-        md5 = Crypto::ToHex(m_md5.Digest());
+        md5 = Crypto::DigestText(m_md5);
         if (!m_file.Close()) {
             return "Failed to write file bytes";
         }

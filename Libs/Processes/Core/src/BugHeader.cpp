@@ -2,10 +2,10 @@
 
 #include <exception>
 #include <optional>
-#include <span>
 
 #include "Libs/Processes/Core/src/FolderPath.h"
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 
 Reflection_DefineEnum(BugSource, Reflection_Enumerator(BugSource::Unknown, "UNKNOWN"),
@@ -137,8 +137,7 @@ ResultCode Parse(std::string_view text, BugHeader& header, JsonProblem* problem)
 ResultCode Write(const std::string& folder, const BugHeader& header) {
     std::string text;
     RETURN_IF_FAILED(ToText(header, text));
-    const std::span bytes(reinterpret_cast<const uint8_t*>(text.data()), text.size());
-    switch (Platform::WriteWholeFile(FolderPath::Join(folder, Name), bytes)) {
+    switch (Platform::WriteWholeFile(FolderPath::Join(folder, Name), Platform::BytesOf(text))) {
     case Platform::WriteOutcome::OpenFailed:
         return "Failed to open json header for writing";
     case Platform::WriteOutcome::WriteFailed:

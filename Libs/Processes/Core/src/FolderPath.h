@@ -4,14 +4,12 @@
 #include <string>
 #include <string_view>
 
+#include "Libs/Tarnel/Platform/src/Common/Platform_Path.h"
+
 // Paths as text. Both "\" and "/" separate; a separator that is added is the system's own.
 namespace FolderPath {
 
-#if defined(_WIN32)
-inline constexpr char Separator = '\\';
-#else
-inline constexpr char Separator = '/';
-#endif
+inline constexpr char Separator = static_cast<char>(Platform::PathSeparator);
 
 constexpr bool IsSeparator(char character) {
     return character == '\\' || character == '/';

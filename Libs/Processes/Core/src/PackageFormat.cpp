@@ -13,11 +13,6 @@ void WriteLength(uint8_t* target, uint64_t length) {
     }
 }
 
-std::string DigestOf(Crypto::MD5 md5) {
-    md5.Finish();
-    return Crypto::ToHex(md5.Digest());
-}
-
 } // namespace
 
 ResultCode Composer::Append(std::span<const uint8_t> bytes) {
@@ -58,14 +53,14 @@ ResultCode Composer::AppendEntryAs(const std::string& digest, Platform::ByteSour
         md5.Update(piece);
         return Append(piece);
     }));
-    actual = DigestOf(md5);
+    actual = Crypto::DigestText(md5);
     return Platform::Success;
 }
 
 ResultCode Composer::Finish(uint64_t& size) {
     uint8_t prefix[PrefixSize];
     WriteLength(prefix, m_end - PrefixSize);
-    std::memcpy(prefix + LengthSize, DigestOf(m_body).data(), DigestSize);
+    std::memcpy(prefix + LengthSize, Crypto::DigestText(m_body).data(), DigestSize);
     WriteLength(prefix + LengthSize + DigestSize, m_headerSize);
     size = m_end;
     return m_target(0, prefix);

@@ -161,8 +161,8 @@ void PackageReader::CheckDigests(const Progress& progress) {
     }
     Crypto::MD5 body;
     uint64_t hashed = PrefixSize;
-    const auto hashUpTo = [&](uint64_t end,
-                              Crypto::MD5* entry) { // for a package that can't be read: see ReadText
+    const auto hashUpTo = [&](uint64_t end, Crypto::MD5* entry) {
+        // A package that can't be read: see the class.
         static_cast<void>(Platform::ForEachPiece(m_package, hashed, end - hashed, [&](auto piece) {
             body.Update(piece);
             if (entry) {
@@ -187,10 +187,9 @@ void PackageReader::CheckDigests(const Progress& progress) {
     }
 }
 
-void PackageReader::Compare(Crypto::MD5& md5, const std::string& recorded, uint64_t offset,
+void PackageReader::Compare(const Crypto::MD5& md5, const std::string& recorded, uint64_t offset,
                             const std::string& what) {
-    md5.Finish();
-    const std::string digest = Crypto::ToHex(md5.Digest());
+    const std::string digest = Crypto::DigestText(md5);
     if (!recorded.empty() && recorded != digest) {
         Report(offset, what + ": the recorded digest is " + recorded + ", that of its bytes " + digest);
     }

@@ -61,7 +61,8 @@ private:
     bool ReadLength(uint64_t offset, const char* what, uint64_t& length);
     std::string ReadText(uint64_t offset, uint64_t size);
     std::string ReadDigest(uint64_t offset, const char* what);
-    void Compare(Crypto::MD5& md5, const std::string& recorded, uint64_t offset, const std::string& what);
+    void Compare(const Crypto::MD5& md5, const std::string& recorded, uint64_t offset,
+                 const std::string& what);
     void Report(uint64_t offset, std::string text);
 
     Platform::ByteSource& m_package;

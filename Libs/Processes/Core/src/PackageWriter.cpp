@@ -37,8 +37,7 @@ public:
             return NotThere;
         }
         RETURN_IF_FAILED(Platform::ReadFileBytes(file, m_headerBytes));
-        RETURN_IF_FAILED(HeaderFile::Parse(
-            {reinterpret_cast<const char*>(m_headerBytes.data()), m_headerBytes.size()}, m_header));
+        RETURN_IF_FAILED(HeaderFile::Parse(Platform::TextOf(m_headerBytes), m_header));
         uint64_t size = m_headerBytes.size();
         for (const Attachment* entry : m_header.catalog.FilesInPackageOrder()) {
             Platform::FileInfo info;

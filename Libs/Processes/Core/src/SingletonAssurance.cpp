@@ -81,10 +81,7 @@ void SingletonAssurance::RequestShutdown() {
 // The right to ask for the name is the right to ask for the time: a process without a time has ended since.
 ResultCode SingletonAssurance::FindCopies(std::vector<SingletonDecision::Copy>& copies) const {
     std::vector<uint32_t> processIds;
-    if (const ResultCode result = PlatformHelpers::FindProcessesByName(m_executableName, processIds);
-        !result) {
-        return result;
-    }
+    RETURN_IF_FAILED(PlatformHelpers::FindProcessesByName(m_executableName, processIds));
     for (const uint32_t id : processIds) {
         uint64_t creationTime = 0;
         if (PlatformHelpers::GetProcessCreationTime(id, creationTime)) {

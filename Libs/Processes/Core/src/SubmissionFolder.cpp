@@ -4,6 +4,7 @@
 
 #include "Libs/Processes/Core/src/AttachmentName.h"
 #include "Libs/Processes/Core/src/PackageFormat.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_FileBytes.h"
 
 namespace {
@@ -44,7 +45,7 @@ ResultCode SubmissionFolder::ReadHeader(BugHeader& header, JsonProblem& problem)
     default:
         return "Failed to read json header data in dump folder!";
     }
-    return HeaderFile::Parse({reinterpret_cast<const char*>(bytes.data()), bytes.size()}, header, &problem);
+    return HeaderFile::Parse(Platform::TextOf(bytes), header, &problem);
 }
 
 ResultCode SubmissionFolder::OpenFile(const std::string& name, const char* ending,

@@ -7,7 +7,7 @@
 #include <mutex>
 
 #include "Libs/Tarnel/JsonSerialization/src/JsonSerialization_Serializer.h"
-#include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
+#include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 
 Reflection_DefineType(UploadReceipt, Reflection_Field(time, "Time"),
                       Reflection_Field(submission, "Submission"), Reflection_Field(key, "Key"),
@@ -29,10 +29,6 @@ std::string TimeOfNow() {
                   static_cast<int>(time.hours().count()), static_cast<int>(time.minutes().count()),
                   static_cast<int>(time.seconds().count()));
     return text;
-}
-
-std::span<const uint8_t> BytesOf(std::string_view text) {
-    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
 }
 
 // The end of an open file.
@@ -61,7 +57,7 @@ ResultCode ReplaceBy(const std::string& path, std::string_view text) {
     const std::string beside = path + ".new";
     Platform::File file;
     if (file.Open(beside, Platform::FileWrite | Platform::FileCreateAndTruncate) == Platform::NoError &&
-        file.Write(0, BytesOf(text)) == Platform::NoError && file.Flush() == Platform::NoError &&
+        file.Write(0, Platform::BytesOf(text)) == Platform::NoError && file.Flush() == Platform::NoError &&
         file.Close() && Platform::RenameFile(beside, path) == Platform::NoError) {
         return Platform::Success;
     }
@@ -80,7 +76,7 @@ ResultCode AddLine(const std::string& path, const std::string& line) {
     RETURN_IF_FAILED(ReadEnd(file, end));
     const std::string added = (end.empty() || end.ends_with('\n') ? "" : "\n") + line + "\n";
     const uint64_t size = file.GetSize() + added.size();
-    if (file.Write(file.GetSize(), BytesOf(added)) != Platform::NoError ||
+    if (file.Write(file.GetSize(), Platform::BytesOf(added)) != Platform::NoError ||
         file.Flush() != Platform::NoError) {
         return "Failed to write the line";
     }

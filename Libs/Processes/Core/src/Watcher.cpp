@@ -31,11 +31,7 @@ namespace {
 std::string MetricLabel(std::string_view name) {
     std::string label = String::LowerAscii(name);
     std::ranges::replace_if(
-        label,
-        [](char character) {
-            return !(character >= 'a' && character <= 'z') && !(character >= '0' && character <= '9');
-        },
-        '_');
+        label, [](char c) { return !String::IsAlphanumeric(c); }, '_');
     return label;
 }
 

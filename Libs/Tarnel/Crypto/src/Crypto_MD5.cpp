@@ -196,17 +196,9 @@ void MD5OfBuffer(const void* data, uint32_t length, char* out_buffer, std::size_
     MD5ToText(md5.Digest(), out_buffer, out_buffer_size);
 }
 
-MD5Digest MD5DigestOf(std::span<const uint8_t> bytes) {
-    MD5 md5;
-    md5.Update(bytes);
+std::string DigestText(MD5 md5) {
     md5.Finish();
-    MD5Digest digest;
-    std::ranges::copy(md5.Digest(), digest.begin());
-    return digest;
-}
-
-std::string MD5OfBytes(std::span<const uint8_t> bytes) {
-    return ToHex(MD5DigestOf(bytes));
+    return ToHex(md5.Digest());
 }
 
 } // namespace Crypto

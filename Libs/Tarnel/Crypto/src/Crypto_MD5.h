@@ -1,6 +1,5 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -39,8 +38,6 @@ private:
     bool m_finished;
 };
 
-using MD5Digest = std::array<uint8_t, MD5::DigestSize>;
-
 // Two lower-case digits for each byte.
 std::string ToHex(std::span<const uint8_t> bytes);
 
@@ -55,8 +52,7 @@ void MD5ToText(std::span<const uint8_t, MD5::DigestSize> digest, char* out_buffe
 // The text form for data of less than 4 GiB; out_buffer as for MD5ToText.
 void MD5OfBuffer(const void* data, uint32_t length, char* out_buffer, std::size_t out_buffer_size);
 
-// Data of any length.
-MD5Digest MD5DigestOf(std::span<const uint8_t> bytes);
-std::string MD5OfBytes(std::span<const uint8_t> bytes); // as text
+// The text form for all that md5 was given so far.
+std::string DigestText(MD5 md5);
 
 } // namespace Crypto

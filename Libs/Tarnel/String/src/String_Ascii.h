@@ -23,8 +23,11 @@ inline std::string LowerAscii(std::string_view text) {
 constexpr bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
+constexpr bool IsLetter(char c) {
+    return LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z';
+}
 constexpr bool IsAlphanumeric(char c) {
-    return IsDigit(c) || (LowerAscii(c) >= 'a' && LowerAscii(c) <= 'z');
+    return IsDigit(c) || IsLetter(c);
 }
 
 // Whether the text has 1 to longest characters, all of them accepted.

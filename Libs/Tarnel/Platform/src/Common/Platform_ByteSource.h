@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <utility>
 
 #include "Libs/Tarnel/Platform/src/Common/Platform_IO.h"
@@ -58,6 +59,14 @@ private:
 
     File m_file;
 };
+
+// A text's bytes, and bytes as text.
+inline std::span<const uint8_t> BytesOf(std::string_view text) {
+    return {reinterpret_cast<const uint8_t*>(text.data()), text.size()};
+}
+inline std::string_view TextOf(std::span<const uint8_t> bytes) {
+    return {reinterpret_cast<const char*>(bytes.data()), bytes.size()};
+}
 
 // What ends reading from a source whose Read failed.
 inline constexpr char ReadFailure[] = "Failed to read file bytes";
