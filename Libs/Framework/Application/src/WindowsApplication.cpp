@@ -15,6 +15,8 @@ Reflection_DefinePolymorphicType(WindowsApplicationPump);
 
 namespace {
 
+constexpr uint32_t TimeBetweenPolls = 250; // milliseconds
+
 // A log entry as whole lines: every line feed gets a carriage return before it, except at the very start, and
 // a text that does not end in a line feed gets a line end.
 std::string WithLineEndings(std::string_view text) {
@@ -53,7 +55,7 @@ ResultCode WindowsApplicationPump::Initialize(const JsonDocument&, int, const ch
 }
 
 bool WindowsApplicationPump::ThreadMain() {
-    return RunRounds(m_pollInterval, [window = static_cast<HWND>(m_window)] {
+    return RunRounds(TimeBetweenPolls, [window = static_cast<HWND>(m_window)] {
         MSG message;
         while (PeekMessageW(&message, window, 0, 0, PM_NOREMOVE)) {
             if (GetMessageW(&message, window, 0, 0)) {

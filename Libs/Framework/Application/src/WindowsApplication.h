@@ -22,9 +22,8 @@ public:
     void* GetInstance() const { return m_instance; }
 
 private:
-    void* m_instance = nullptr;    // the program's module
-    void* m_window = nullptr;      // ends with the process
-    uint32_t m_pollInterval = 250; // milliseconds
+    void* m_instance = nullptr; // the program's module
+    void* m_window = nullptr;   // ends with the process
 };
 Reflection_DeclarePolymorphicType(WindowsApplicationPump);
 

@@ -6,7 +6,7 @@
 #include <string_view>
 
 #include "Libs/Processes/Cloud/src/ObjectStore.h"
-#include "Libs/Processes/Core/src/UploadAnswer.h"
+#include "Libs/Processes/Core/src/UploadRetries.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
 // What every client of the store does alike: how a package is named and announced, and how the answer is

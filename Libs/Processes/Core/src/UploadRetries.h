@@ -6,7 +6,12 @@
 #include <string>
 #include <vector>
 
-#include "Libs/Processes/Core/src/UploadAnswer.h"
+// What an upload learned of its package and of the store, beside its result.
+struct UploadAnswer {
+    std::string key;                // the object's, by which a player names the report; empty if unknown
+    uint32_t httpStatus = 0;        // 0: no answer
+    uint32_t retryAfterSeconds = 0; // as the store asked to be left alone; 0: it did not ask
+};
 
 // Which package an uploader sends next, and when one that failed is tried again. Decisions without clock,
 // threads or files; nothing allocates.

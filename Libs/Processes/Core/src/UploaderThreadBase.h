@@ -7,7 +7,7 @@
 #include "Libs/Framework/Core/src/ApplicationBase.h"
 #include "Libs/Framework/Core/src/Thread.h"
 #include "Libs/Processes/Core/src/ProcessConfigs.h"
-#include "Libs/Processes/Core/src/UploadAnswer.h"
+#include "Libs/Processes/Core/src/UploadRetries.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ByteSource.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 

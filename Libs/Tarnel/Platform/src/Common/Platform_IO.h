@@ -75,7 +75,7 @@ bool IsMissing(SystemError error);
 // memory may fail once.
 using RetryPause = std::function<void(uint32_t milliseconds)>;
 inline constexpr uint32_t LastRetryPause = 512;
-inline constexpr uint32_t AllRetryPauses = 1022; // their sum
+inline constexpr uint32_t AllRetryPauses = 2 * LastRetryPause - 2; // their sum
 
 void SleepFor(uint32_t milliseconds);
 
@@ -100,7 +100,7 @@ enum FileAccess : uint32_t {
     FileCreateNew = 16,        // fails if something of that name exists, even a link that leads nowhere
 };
 
-enum FileShare : uint32_t { ShareNone = 0, ShareRead = 1, ShareWrite = 2, ShareDelete = 4, ShareAll = 7 };
+enum FileShare : uint32_t { ShareRead = 1, ShareWrite = 2, ShareDelete = 4, ShareAll = 7 };
 
 // How long an opening waits for a file that is held: not at all, or through RetryWhileHeld.
 enum class Patience { None, WhileHeld };
