@@ -61,6 +61,6 @@ def test_what_is_suspicious_is_reported_and_does_no_harm(site):
     agent = site.run()
     assert site.all_sent()
     assert [line.split("\t")[1] for line in agent.stderr.decode().splitlines()] == [
-        ' Class "Watcher" stands twice under Processes, the last list counts',
-        ' Key "WatcherName" stands twice in section "Packager", the first counts',
+        ' Class "Watcher" appears twice under Processes, the last list counts',
+        ' Key "WatcherName" appears twice in section "Packager", the first counts',
         ' Unknown key "AttachmentLimit" in section "Packager", did you mean "AttachmentLimits"?']

@@ -108,7 +108,7 @@ bool HasOnlyKnownKeys(const JsonValue& section, const char* name, const Reflecti
         }
         isKnown = false;
         if (!isFirst) {
-            PLATFORM_LOG(Platform::ErrorLog, " Key \"%s\" stands twice in section \"%s\", the first counts",
+            PLATFORM_LOG(Platform::ErrorLog, " Key \"%s\" appears twice in section \"%s\", the first counts",
                          member.name.GetString(), name);
             continue;
         }

@@ -46,7 +46,7 @@ std::string_view Nearest(std::string_view key, const std::vector<std::string_vie
 } // namespace ConfigKeys
 
 // Logs each key of the section that the record does not have, with the nearest one that it has, and each that
-// stands there again, which is not read. False if there is one.
+// appears again, which is not read. False if there is any.
 bool HasOnlyKnownKeys(const JsonValue& section, const char* name, const Reflection::TypeDescriptor& record);
 
 enum class UnknownKeys { Reported, Refused };

@@ -10,6 +10,6 @@
 inline constexpr std::size_t MaxShownFrames = 100;
 
 // The header's return addresses, innermost first: game.exe+0x1a2b, the same on every machine that ran that
-// build, or the address where no module lies. Modules are known by the last part of their path. Throws
+// build, or the bare address outside of all modules. Modules are known by the last part of their path. Throws
 // std::bad_alloc.
 std::vector<std::string> ShownFrames(const BugHeader& header);

@@ -77,7 +77,7 @@ bool ListFiles(const std::string& folder, std::vector<std::string>& files);
 // A path with "/" between its parts.
 std::string WithSlashes(std::string path);
 
-// One name for all that Windows takes for the same file, as far as ASCII goes.
+// The same text for all paths that Windows takes for one, as far as their letters are ASCII.
 std::string Folded(const std::string& path);
 
 // "1 file", "2 files"

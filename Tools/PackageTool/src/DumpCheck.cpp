@@ -79,7 +79,7 @@ private:
 
     void CheckFile(const std::string& name) {
         if (name.empty()) {
-            return; // stands for no file
+            return; // the record names no file
         }
         if (!IsSafeAttachmentName(name)) {
             Say(name, "is refused: no plain relative path of at most 512 bytes");

@@ -33,7 +33,7 @@ void DropFailing(ProcessMap& processes, Step&& step, Report&& report) {
     }
 }
 
-// Of two lists for one class, the first would be lost without a word.
+// Of two lists for one class the first is lost, and nothing else says so.
 void ReportRepeatedClasses(const JsonDocument& config) {
     const JsonValue& application = config["Application"];
     const auto processes = application.FindMember("Processes");
@@ -44,7 +44,7 @@ void ReportRepeatedClasses(const JsonDocument& config) {
     for (const JsonValue::Member& member : processes->value.GetObject()) {
         if (!seen.insert(member.name.GetString()).second) {
             PLATFORM_LOG(Platform::ErrorLog,
-                         " Class \"%s\" stands twice under Processes, the last list counts",
+                         " Class \"%s\" appears twice under Processes, the last list counts",
                          member.name.GetString());
         }
     }

@@ -22,7 +22,7 @@ class IApplicationProcess : public Reflection::IQueryObject {
 public:
     virtual const char* GetName() const = 0;
 
-    // A failure of any of these three is logged by the application, which then goes on without the process.
+    // A failure of any of these three is logged by the application, which continues without the process.
     virtual ResultCode PreInitialize() = 0;
     virtual ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) = 0;
     virtual ResultCode PostInitialize() = 0;
@@ -74,7 +74,7 @@ protected:
 
     bool IsStopRequested() const { return m_stop.load(std::memory_order_acquire); }
 
-    // Waits for that time; 4294967295 is without end. A stop ends the wait at once. False after a stop.
+    // Waits for that time; 4294967295 waits for ever. A stop ends the wait at once. False after a stop.
     bool Pause(uint32_t milliseconds) const;
 
     // Pauses and does a round, over and over, until the stop; none begins after it. A round that throws, out

@@ -13,14 +13,14 @@ namespace CommandLine {
 const char* ValueOfArgument(const char* argument, const char* opt);
 
 // The value from the first argument of that option, argv[0] included; later ones don't count. An empty value
-// is none. A null or empty opt is a programming error.
+// counts as none. A null or empty opt is a programming error.
 std::optional<std::string> FindOption(int argc, const char* const* argv, const char* opt);
 
 // Whether an argument is exactly the flag, in any case.
 bool HasFlag(int argc, const char* const* argv, const char* flag);
 
-// The option that was probably meant by an argument that begins like one and is none that the agent knows;
-// empty for any other argument. May throw std::bad_alloc.
+// The option that was probably meant by an argument that looks like one but is unknown; empty for any other
+// argument. May throw std::bad_alloc.
 std::string_view ProbablyMeant(const char* argument);
 
 } // namespace CommandLine

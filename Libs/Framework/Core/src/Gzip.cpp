@@ -16,8 +16,8 @@ constexpr std::size_t DeflateChunk = 131072;
 constexpr std::size_t InflateChunk = 65536;
 constexpr int GzipWindowBits = 31; // gzip alone, with the largest window, of 32 KB
 constexpr int MemoryLevel = 9;
-constexpr int FileSystemNtfs =
-    11; // what a gzip header of a Windows file names; zlib's own default differs by system
+// What a gzip header of a Windows file names; zlib's own default differs by system.
+constexpr int FileSystemNtfs = 11;
 
 // One zlib stream that writes gzip.
 class GzipStream {
@@ -38,7 +38,7 @@ public:
         return m_ready && deflateSetHeader(&m_stream, &m_header) == Z_OK;
     }
 
-    // Gives sink everything that zlib has to say about this chunk.
+    // Gives sink everything that zlib makes of this chunk.
     ResultCode Deflate(std::span<const uint8_t> chunk, int flush, const GzipSink& sink) {
         uint8_t produced[DeflateChunk];
         m_stream.next_in = chunk.data();
@@ -101,7 +101,7 @@ private:
     bool m_ready = false;
 };
 
-// What zlib has not taken yet, read on in time.
+// The input that zlib has not taken yet. Reads on before it runs out.
 class GunzipInput {
 public:
     GunzipInput(Platform::ByteSource& source, uint64_t offset, uint64_t size)
@@ -137,9 +137,8 @@ private:
     std::span<const uint8_t> m_rest{m_room, 0};
 };
 
-// What zlib's answer means when it says that the stream goes on: an answer without any progress is the end of
-// the input.
-ResultCode Judge(int outcome) {
+// zlib's answer as a result. Z_BUF_ERROR, no progress at all, means that the input has ended.
+ResultCode ResultOf(int outcome) {
     switch (outcome) {
     case Z_OK:
     case Z_STREAM_END:
@@ -194,7 +193,7 @@ ResultCode Decompress(Platform::ByteSource& input, uint64_t offset, uint64_t siz
         std::span<const uint8_t> piece;
         outcome = stream.Inflate(rest.Rest(), piece);
         progress.consumed = size - rest.SizeLeft();
-        RETURN_IF_FAILED(Judge(outcome));
+        RETURN_IF_FAILED(ResultOf(outcome));
         if (piece.size() > limit - progress.produced) {
             return "The unpacked content is over the limit";
         }

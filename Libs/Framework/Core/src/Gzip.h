@@ -25,10 +25,10 @@ struct InflateProgress {
     uint64_t produced = 0;
 };
 
-// Hands the content of the gzip file that is size bytes of input from offset on to sink; several gzip streams
-// in a row are one content. Checks each stream's length and check sum. Stops before the content gets longer
-// than limit, so that a small input can't fill a disk. After a failure progress tells the place in the input,
-// and what sink took so far must not be used as the content. Uses 128 KB of the caller's stack.
+// Hands sink the content of a gzip file: the size bytes of input from offset on. Several gzip streams in a
+// row are one content. Checks each stream's length and check sum. Stops before the content gets longer than
+// limit, so that a small input can't fill a disk. After a failure progress has the place in the input, and
+// what sink took so far must not be used as the content. Uses 128 KB of the caller's stack.
 ResultCode Decompress(Platform::ByteSource& input, uint64_t offset, uint64_t size, uint64_t limit,
                       const GzipSink& sink, InflateProgress& progress);
 

@@ -77,7 +77,7 @@ struct OutputQueue::State {
         line = {gapOutput, {}};
         try {
             line.text = text;
-        } catch (const std::bad_alloc&) { // better no word of the gap than no more lines
+        } catch (const std::bad_alloc&) { // this line is lost, not the next ones
         }
         dropped = 0;
         return true;

@@ -16,14 +16,15 @@ struct HttpAddress {
     // Host and port, "store.local:8080"; without the port if it is the scheme's default.
     std::string HostHeader() const;
 
-    // The host is no name. One whose last label is a number counts as an IPv4 address, well-formed or not.
+    // The host is an address, not a name. If its last label is a number it counts as an IPv4 address,
+    // well-formed or not.
     bool IsNumeric() const;
 
     // This machine: "localhost", "[::1]" or 127.x.x.x. "127.1" and "127.0.0.1.example" are others.
     bool IsLoopback() const;
 
-    // "https://Store.Local/a?b" is host "store.local" and target "/a?b". Refused are schemes but http and
-    // https, users, fragments, backslashes, and characters outside printable ASCII.
+    // "https://Store.Local/a?b" is host "store.local" and target "/a?b". Refused are schemes other than http
+    // and https, users, fragments, backslashes, and characters outside printable ASCII.
     static std::optional<HttpAddress> Parse(std::string_view text);
 };
 

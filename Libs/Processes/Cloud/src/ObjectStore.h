@@ -36,7 +36,7 @@ struct PutObjectRequest {
 struct PutAnswer {
     std::string eTag;               // unchanged, with its quotes; empty if there was none
     uint32_t httpStatus = 0;        // 0: no answer
-    uint32_t retryAfterSeconds = 0; // as it asked to be left alone; 0: it did not ask
+    uint32_t retryAfterSeconds = 0; // before which it wants no other attempt; 0: it did not say
 };
 
 // A client of one bucket. Lives for one upload, on the upload's thread. Clients share nothing but the

@@ -8,7 +8,7 @@
 #include "Libs/Tarnel/Reflection/src/Reflection_Declaration.h"
 
 // Uploads what its watcher finds to addresses that the studio's signer gives, one for each package, so that
-// no key lies on the player's disk. Needs no component. Owned and initialised as every process is.
+// no key is on the player's disk. Needs no component. Owned and initialised as every process is.
 class UploaderPresigned : public Reflected<UploaderPresigned, UploaderBase> {
 public:
     using Reflected::Reflected;

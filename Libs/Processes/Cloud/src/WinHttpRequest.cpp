@@ -100,7 +100,7 @@ public:
     // All but the answer's body.
     ResultCode Receive(HttpAnswer& answer);
 
-    // The body after Receive until its end, or until it has more bytes than the limit.
+    // The body, after Receive. Fails if it has more bytes than the limit.
     ResultCode ReadBody(std::size_t limit, DWORD limitMs, std::string& body);
 
     // The system's number of the last step that failed; 0 if none has.
@@ -303,8 +303,8 @@ ResultCode SendHttpRequest(const HttpRequest& request, HttpAnswer& answer) {
         RETURN_IF_FAILED(exchange.Send());
         RETURN_IF_FAILED(exchange.Receive(answer));
         if (!answer.IsSuccess()) {
-            static_cast<void>(
-                exchange.ReadBody(LargestErrorAnswer, ErrorAnswerTime, answer.body)); // a part will do
+            // A part will do.
+            static_cast<void>(exchange.ReadBody(LargestErrorAnswer, ErrorAnswerTime, answer.body));
             return Platform::Success;
         }
         return request.largestAnswer == 0

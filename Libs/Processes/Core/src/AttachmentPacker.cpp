@@ -12,8 +12,8 @@
 
 namespace {
 
-// A file of the work folder in the making. It is deleted again unless it is finished: the space is for the
-// next one.
+// A file of the work folder while it is written. Deleted again unless it is finished, so that the next one
+// has the space.
 class PreparedFile {
 public:
     explicit PreparedFile(std::string path) : m_path(std::move(path)) {}

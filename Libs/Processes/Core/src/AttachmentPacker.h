@@ -19,8 +19,8 @@ public:
         : m_submission(submission), m_workFolder(std::move(workFolder)), m_limits(limits) {}
 
     // Stores the attachment's file and sets its MD5: truncated if over its limit and compressed as
-    // dump.dmp.gz, or, if it lies compressed in the folder, as it is: game.log.gz, data.tgz. A failure leaves
-    // nothing of it in the work folder. No exception leaves; memory that runs out is a failure.
+    // dump.dmp.gz, or, if it is already compressed in the folder, unchanged: game.log.gz, data.tgz. A failure
+    // leaves nothing of it in the work folder. No exception leaves; memory that runs out is a failure.
     ResultCode Pack(Attachment& attachment) const;
 
 private:

@@ -31,7 +31,7 @@ public:
     ResultCode Run();
     const std::vector<std::string>& GetNewNames() const { return m_newNames; }
 
-    // Whether the pass saw nothing but known folders. One that is not complete may be in the next pass.
+    // Whether the pass saw nothing but known folders. Any other may be complete in the next pass.
     bool IsAllKnown() const { return m_isAllKnown; }
 
     // Whether the folder's sentinel, or else the one with ".gz" added, is there and read-only.

@@ -25,7 +25,7 @@ bool HoldsNothingElse(const Platform::SystemPath& folder, const Platform::System
     return listing.Error() == Platform::NoError;
 }
 
-// Deletes by name, so that something else that comes meanwhile keeps the folder.
+// Deletes that one file and then the empty folder, so that the folder stays if another file comes meanwhile.
 void RemoveHalfPackages(const Platform::SystemPath& folder, const Platform::SystemText& packageName) {
     Platform::FolderListing listing(folder);
     while (listing.Next()) {
@@ -38,8 +38,8 @@ void RemoveHalfPackages(const Platform::SystemPath& folder, const Platform::Syst
     }
 }
 
-// Goes by the packages, which are few and soon sent: after that nobody could tell a rest from a crash that
-// the game is still writing.
+// Looks for the folders of finished packages. Once its package is sent, nobody could tell what a deletion
+// left from a crash that the game is still writing.
 void RemovePackagedDumps(const PackagerConfig& config, const std::string& dumpsFolder,
                          const std::string& sentinelFile) {
     Platform::FolderListing listing(config.packagedFolder);

@@ -28,7 +28,7 @@ ResultCode Composer::AppendHeader(std::span<const uint8_t> header) {
 }
 
 ResultCode Composer::AppendEntry(Platform::ByteSource& data, std::string digest) {
-    digest.resize(DigestSize, '0'); // nobody has to know one
+    digest.resize(DigestSize, '0'); // the caller need not know it
     const Crypto::MD5 bodyBefore = m_body;
     const uint64_t start = m_end;
     std::string actual;
@@ -39,7 +39,7 @@ ResultCode Composer::AppendEntry(Platform::ByteSource& data, std::string digest)
     m_body = bodyBefore;
     m_end = start;
     RETURN_IF_FAILED(AppendEntryAs(actual, data, digest));
-    return actual == digest ? Platform::Success : Platform::ReadFailure; // it changes meanwhile
+    return actual == digest ? Platform::Success : Platform::ReadFailure; // it is being changed
 }
 
 ResultCode Composer::AppendEntryAs(const std::string& digest, Platform::ByteSource& data,

@@ -19,26 +19,26 @@ inline constexpr std::size_t DigestSize = 32;
 inline constexpr std::size_t EntryPrefixSize = LengthSize + DigestSize;
 inline constexpr std::size_t PrefixSize = LengthSize + DigestSize + LengthSize;
 
-// Lengths are eight hexadecimal digits. Who makes a package sees to it that none is longer.
+// Lengths are eight hexadecimal digits. Whoever makes a package refuses what is longer.
 inline constexpr uint64_t MaxLength = 0xFFFFFFFF;
 
 // Takes bytes of a package and their place in it.
 using Target = std::function<ResultCode(uint64_t offset, std::span<const uint8_t> bytes)>;
 
-// Composes one package in pieces. Every byte is given to target in its order, but for the prefix, which is
-// the last. A failure of the target ends the composing.
+// Composes one package in pieces. Every byte is given to target in order, except for the prefix, which comes
+// last. A failure of the target ends the composing.
 class Composer {
 public:
     explicit Composer(Target target) : m_target(std::move(target)) {}
 
-    // The first, and once.
+    // First, and once.
     ResultCode AppendHeader(std::span<const uint8_t> header);
 
     // The data is hashed while it is written, after the digest that it should have. If it has another one,
     // the entry is given to target once more.
     ResultCode AppendEntry(Platform::ByteSource& data, std::string digest);
 
-    // The last; gives the package's size.
+    // Last; gives the package's size.
     ResultCode Finish(uint64_t& size);
 
 private:

@@ -106,8 +106,7 @@ ResultCode Compare(const std::string& path, const PreparedSubmission& submission
     return size == package.GetSize() ? Platform::Success : ResultCode(NotOpened);
 }
 
-// Without a word in the log: the failure that leads here has its own. A folder that holds anything else
-// stays.
+// Logs nothing: the failure that led here is logged. A folder that holds anything else stays.
 void RemoveHalfPackage(const std::string& folder, const std::string& path) {
     const Platform::SystemPath file = path;
     const Platform::SystemPath parent = folder;
@@ -146,7 +145,7 @@ ResultCode PackageWriter::WriteAndFinish(const std::string& path, const std::str
         RETURN_IF_FAILED(IsFinishedPackage(path) ? Compare(path, submission) : Write(path, submission));
     }
     if (!m_keepWorkFolder) {
-        // A work folder that can't be deleted is logged; the package is sent all the same.
+        // A work folder that can't be deleted is logged; the package is sent nevertheless.
         static_cast<void>(PlatformHelpers::RemoveFolder(workFolder));
     }
     return PlatformHelpers::MakeFileReadOnly(path);

@@ -102,7 +102,7 @@ bool Packager::ThreadMain() {
     PLATFORM_ASSERT(m_watcherProcPtr);
     IWatcher* pWatcher = m_watcherProcPtr ? Reflection::Query<IWatcher>(*m_watcherProcPtr) : nullptr;
     PLATFORM_ASSERT(pWatcher);
-    if (!pWatcher || IsStopRequested()) { // a copy that goes deletes nothing that the other one writes
+    if (!pWatcher || IsStopRequested()) { // a copy that ends at once deletes nothing of the other's
         return IsStopRequested();
     }
     // Before the first pause, and so before anything is sent.
@@ -122,8 +122,8 @@ bool Packager::ThreadMain() {
     });
 }
 
-// The folders of tasks that a stop leaves undone stay on disk for the next run. Outside of Process nothing
-// allocates: what throws here would leave all the others to the next run, too.
+// The folders of tasks that a stop leaves undone stay on disk for the next run. Only Process may throw: any
+// other exception here would leave all remaining tasks to the next run.
 void Packager::ProcessAll(std::vector<TaskData>& tasks) const {
     while (!tasks.empty() && !IsStopRequested()) {
         const TaskData task = std::move(tasks.back());

@@ -11,9 +11,9 @@
 
 // Takes complete submission folders from a watcher and turns each into a package in the packaged folder. A
 // folder is deleted after its attempt, whether or not that succeeded, so that a failing submission is not
-// tried again; the configuration can keep those that only the machine made fail. Killed at any step and
-// started again it makes the same package: the folder is deleted only after the package is on the disk. Two
-// packagers must not share a work folder.
+// tried again; the configuration can keep those that failed through no fault of their own. Killed at any step
+// and started again it makes the same package: the folder is deleted only after the package is on the disk.
+// Two packagers must not share a work folder.
 class Packager : public ApplicationProcessBase {
 public:
     using ApplicationProcessBase::ApplicationProcessBase;

@@ -120,7 +120,7 @@ struct UploaderS3Config : UploaderConfig {
 };
 Reflection_DeclareType(UploaderS3Config);
 
-// Nothing of it is secret.
+// Holds no secret.
 struct UploaderPresignedConfig : UploaderConfig {
     std::string signerUrl; // of the studio's signer: https, or http to this machine
     std::map<std::string, std::string> signerHeaders; // sent with every question, such as a build's number

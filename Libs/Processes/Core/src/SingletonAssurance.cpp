@@ -30,8 +30,8 @@ State StateOf(uint32_t processId) {
 
 } // namespace
 
-// The event goes with the process, which may still wait for a reader of its outputs. Without it another copy
-// would take this one for one that has just started, and go away.
+// Leaves the event open until the process has ended, which may still wait for a reader of its outputs.
+// Without the event another copy would think that this one has just started, and would end.
 SingletonAssurance::~SingletonAssurance() {
     static_cast<void>(m_stays.Release());
 }
@@ -70,7 +70,7 @@ bool SingletonAssurance::MayStay() const {
             return verdict == Verdict::Stay;
         }
     } while (Pause(TimeBetweenLooks));
-    return true; // told to stop: it is no other copy's fault
+    return true; // asked to stop, but not because of another copy
 }
 
 void SingletonAssurance::RequestShutdown() {
@@ -78,7 +78,7 @@ void SingletonAssurance::RequestShutdown() {
     ResetEvent(m_stays.Get());
 }
 
-// The right to ask for the name is the right to ask for the time: a process without a time has ended since.
+// The same right is needed for the name and for the time: a process that has no time has ended meanwhile.
 ResultCode SingletonAssurance::FindCopies(std::vector<SingletonDecision::Copy>& copies) const {
     std::vector<uint32_t> processIds;
     RETURN_IF_FAILED(PlatformHelpers::FindProcessesByName(m_executableName, processIds));

@@ -8,8 +8,8 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Handle.h"
 
 // Ends the program when another copy of it runs: another process whose image ends in the executable's name.
-// Decides once, before any process has started: a copy that goes has done nothing. A copy that starts later
-// finds this one. Owned by the application.
+// Decides once, before any process has started: a copy that ends here has done nothing yet. A copy that
+// starts later finds this one. Owned by the application.
 class SingletonAssurance : public Reflected<SingletonAssurance> {
 public:
     using Reflected::Reflected;
@@ -18,8 +18,8 @@ public:
     // Has no section: all it needs is argv[0].
     ResultCode Initialize(const JsonDocument& config, int argc, const char** argv) override;
 
-    // Waits for a copy that is already ending: beside one that still packages or asks, this one would package
-    // the same submission, or ask too.
+    // Waits while another copy is ending: that may still package or ask, and this one would package the same
+    // submission, or ask again.
     ResultCode PostInitialize() override;
     bool ThreadMain() override { return IsStopRequested(); }
     void RequestShutdown() override;

@@ -8,9 +8,9 @@
 #include "Libs/Tarnel/Platform/src/Common/Platform_Folder.h"
 #include "Libs/Tarnel/Platform/src/Common/Platform_ResultCode.h"
 
-// The failures that lie in the submission itself: it fails in the same way every time. Every other failure of
-// packaging is one of the machine, which another run may not have: no space, no memory, a file that another
-// program holds. Some have the same text, so it is the constant, not its text, that says which it is.
+// The failures that are the submission's own fault: it fails in the same way every time. Every other failure
+// of packaging is one of the machine, which another run may not have: no space, no memory, a file that
+// another program holds. Some have the same text, so it is the constant, not its text, that says which it is.
 namespace SubmissionFault {
 
 inline constexpr char NoName[] = "Failed to find submission folder name in folder path";
@@ -42,7 +42,7 @@ public:
     // SubmissionFault::NoFile if it is missing.
     ResultCode OpenFile(const std::string& name, const char* ending, Platform::File& file) const;
 
-    // Opens an attachment in the form in which it lies in the folder, and refuses one that no package takes.
+    // Opens an attachment in the form that the folder has, and refuses one that no package takes.
     //   dump.dmp, plain in the folder        to be compressed
     //   game.log, there only as game.log.gz  compressed
     //   data.tgz                             compressed

@@ -37,12 +37,12 @@ ResultCode SubmissionPackager::PackCatalog(const AttachmentPacker& packer, Catal
     RETURN_IF_FAILED(PackOrEmpty(packer, catalog.log));
     std::vector<Attachment> kept;
     for (Attachment& attachment : catalog.attachments) {
-        const bool standsForNoFile = attachment.file.empty(); // here and in the package
+        const bool namesNoFile = attachment.file.empty(); // such a record stays in the header
         if (IsDroppedByBlacklist(attachment.file)) {
             continue;
         }
         RETURN_IF_FAILED(PackOrEmpty(packer, attachment));
-        if (standsForNoFile || !attachment.file.empty()) {
+        if (namesNoFile || !attachment.file.empty()) {
             kept.push_back(std::move(attachment));
         }
     }

@@ -24,11 +24,11 @@ Reflection_DeclareType(UploadReceipt);
 namespace UploadReceipts {
 
 inline constexpr std::size_t MostLines = 1000;
-inline constexpr uint64_t MostBytes = uint64_t{1} << 20; // what is before them goes first
+inline constexpr uint64_t MostBytes = uint64_t{1} << 20; // what is before them is deleted first
 
-// Adds a line with the time of now. It is on the medium when the call returns. After a line that a kill
-// cut it begins on a new one. A kill loses no line: the shorter file is complete before it takes the old
-// one's place. Any thread; one at a time writes. Throws std::bad_alloc.
+// Adds a line with the time of now. It is on the medium when the call returns. If a kill
+// has cut the last line, it begins on a new one. A kill loses no line: the shorter file is complete before it
+// takes the old one's place. Any thread; calls wait for each other. Throws std::bad_alloc.
 ResultCode Add(const std::string& path, UploadReceipt receipt);
 
 struct Content {

@@ -10,7 +10,7 @@
 struct UploadAnswer {
     std::string key;                // the object's, by which a player names the report; empty if unknown
     uint32_t httpStatus = 0;        // 0: no answer
-    uint32_t retryAfterSeconds = 0; // as the store asked to be left alone; 0: it did not ask
+    uint32_t retryAfterSeconds = 0; // before which the store wants no other attempt; 0: it did not say
 };
 
 // Which package an uploader sends next, and when one that failed is tried again. Decisions without clock,
@@ -31,7 +31,7 @@ struct Package {
 // The latest one that is due and not active; null if there is none.
 Package* LatestDue(std::vector<Package>& packages, Time now);
 
-// The active one of that folder. Null: none.
+// The active one of that folder; null if there is none.
 Package* FindActive(std::vector<Package>& packages, const std::string& folder);
 
 struct Rule {

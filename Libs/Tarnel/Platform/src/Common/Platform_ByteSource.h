@@ -30,7 +30,7 @@ public:
     bool HasFailed() const { return m_hasFailed; }
 
 private:
-    // All of the buffer lies in the source.
+    // The source has all bytes that the buffer asks for.
     virtual bool ReadInside(uint64_t offset, std::span<uint8_t> buffer) = 0;
 
     bool m_hasFailed = false;

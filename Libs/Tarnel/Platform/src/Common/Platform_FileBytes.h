@@ -28,7 +28,7 @@ ResultCode ReadFileBytes(File& file, std::vector<uint8_t>& bytes);
 
 enum class WriteOutcome { Done, OpenFailed, WriteFailed };
 
-// Creates or truncates the file and writes everything; a failure may leave a part of it behind.
+// Creates or truncates the file and writes everything; a failure may leave a part of it.
 [[nodiscard]] WriteOutcome WriteWholeFile(const SystemPath& path, std::span<const uint8_t> bytes);
 
 } // namespace Platform

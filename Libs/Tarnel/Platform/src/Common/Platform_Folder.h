@@ -29,8 +29,8 @@ public:
 
     // Opens a file for reading by its path relative to the folder, with either separator. NotInside, and the
     // file is closed again, if a link is on the way or what was opened is no plain file. The name must be
-    // checked already: no
-    // "..", no stream, no device. With Patience::WhileHeld it waits for a file that others hold open.
+    // checked already: no "..", no stream, no device. With Patience::WhileHeld it waits for a file that
+    // others hold open.
     [[nodiscard]] SystemError OpenFile(std::string_view name, Patience patience, File& file) const noexcept;
 
     static constexpr SystemError NotInside = 0x20000004;

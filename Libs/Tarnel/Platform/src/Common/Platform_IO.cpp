@@ -20,7 +20,7 @@ std::size_t NextSeparator(std::string_view path, std::size_t from) {
     return from;
 }
 
-// Behind what is never created: the first name of a path, such as its drive; of \\?\C:\ the drive; of
+// The end of what is never created: the first name of a path, such as its drive; of \\?\C:\ the drive; of
 // \\server\share\ and \\?\UNC\server\share\ the share.
 std::size_t EndOfRoot(std::string_view path) {
     const bool isDouble = path.size() > 2 && IsSeparator(path[0]) && IsSeparator(path[1]);

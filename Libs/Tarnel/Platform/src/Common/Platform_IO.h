@@ -63,8 +63,8 @@ bool Exists(const SystemPath& path) noexcept; // of whatever kind; false too if 
 [[nodiscard]] bool CreateDirectoryTree(const char* path);
 [[nodiscard]] bool CreateDirectoryTree(const wchar_t* path);
 
-// A virus scanner, an indexer or a backup holds a file for a moment: access is denied or the file is shared
-// out.
+// Access is denied, or another program has the file open: a virus scanner, an indexer or a backup holds files
+// for a moment.
 bool IsHeld(SystemError error);
 
 // No file of that name is there: not an error of the disk, the network or the memory, after which one may be.
@@ -165,8 +165,8 @@ uint32_t VersionResourceSize(const SystemPath& path);
 // std::bad_alloc.
 uint32_t FindDocumentsFolder(SystemText& folder);
 
-// Now, as a file time. The precise one: the other moves in steps of up to 16 ms and can be behind the
-// creation of a folder.
+// Now, as a file time. The precise one: the other moves in steps of up to 16 ms and can be earlier
+// than the creation of a folder.
 uint64_t PreciseSystemTime();
 
 } // namespace Platform

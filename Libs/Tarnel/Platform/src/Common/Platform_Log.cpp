@@ -187,8 +187,8 @@ void LogFileSink(const wchar_t* logName, const char* data, uint32_t length, int)
     }
     if (slot) { // writers reserve disjoint ranges first and then write without a lock
         const uint64_t offset = slot->nextOffset.fetch_add(length);
-        static_cast<void>(
-            WriteFileAt(slot->file, offset, data, length)); // an entry that can't be written is lost
+        // An entry that can't be written is lost.
+        static_cast<void>(WriteFileAt(slot->file, offset, data, length));
     }
 }
 

@@ -23,7 +23,7 @@ inline constexpr SystemError NotText = 84;  // EILSEQ
 inline constexpr SystemError NoMemory = 12; // ENOMEM
 #endif
 
-// A path in the form in which the system takes it as it stands: names are never normalised, shortened or
+// A path in the form that the system takes literally: names are never normalised, shortened or
 // stripped, and no length limit but the system's own applies. On Windows it is absolute and begins with
 // "\\?\", separators are "\", and "." and ".." are resolved:
 //
@@ -32,7 +32,7 @@ inline constexpr SystemError NoMemory = 12; // ENOMEM
 //   //server/share/dumps  \\?\UNC\server\share\dumps
 //
 // Elsewhere the bytes stay as they are. Every call that takes a name takes a SystemPath, so that no name
-// reaches the system in another way. An empty path is none: calls with it fail.
+// reaches the system in another way. Calls with an empty path fail.
 class SystemPath {
 public:
     SystemPath() = default;

@@ -184,8 +184,8 @@ bool FolderListing::Next() noexcept try {
         const WIN32_FIND_DATAW& entry = m_search->entry;
         if (!std::exchange(m_search->isFirst, false) &&
             !FindNextFileW(m_search->handle.Get(), &m_search->entry)) {
-            m_error =
-                GetLastError() == ERROR_NO_MORE_FILES ? NoError : LastError(); // any other end hides entries
+            // Any other end hides entries.
+            m_error = GetLastError() == ERROR_NO_MORE_FILES ? NoError : LastError();
             return false;
         }
         m_name = entry.cFileName;

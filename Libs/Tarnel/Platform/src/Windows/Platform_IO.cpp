@@ -202,8 +202,8 @@ bool ReadVersionResource(const SystemPath& path, std::span<uint8_t> block) {
 uint32_t FindDocumentsFolder(std::wstring& folder) {
     wchar_t* text = nullptr;
     const HRESULT answer = SHGetKnownFolderPath(FOLDERID_Documents, KF_FLAG_CREATE, nullptr, &text);
-    const std::unique_ptr<wchar_t, void (*)(void*)> owner(text,
-                                                          CoTaskMemFree); // to be freed after a failure too
+    // To be freed after a failure too.
+    const std::unique_ptr<wchar_t, void (*)(void*)> owner(text, CoTaskMemFree);
     folder = text ? text : L"";
     return static_cast<uint32_t>(answer);
 }
