@@ -65,7 +65,7 @@ private:
             if (!collector.empty()) {
                 m_report(watcher.At("MetricsCollectorName"),
                          Quoted(collector) + ": " +
-                             (m_sections.instances.contains(collector) ? StartFailure::IsNoCollector
+                             (m_sections.instances.contains(collector) ? StartFailure::NoCollectorInterface
                                                                        : StartFailure::NoCollector));
             }
         }

@@ -34,7 +34,7 @@ namespace StartFailure {
 inline constexpr char NoSubmissionWatcher[] = "No watcher process to provide submission for packager";
 inline constexpr char NoPackageWatcher[] = "No watcher process to provide submissions for uploader";
 inline constexpr char NoCollector[] = "No metrics process to provide metrics collection for watcher";
-inline constexpr char IsNoCollector[] =
+inline constexpr char NoCollectorInterface[] =
     "Metrics process could not provide required MetricsAggregator interface";
 inline constexpr char NoCloudComponent[] = "UploaderS3 requires CloudComponent for initialization";
 

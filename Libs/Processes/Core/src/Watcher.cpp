@@ -100,7 +100,7 @@ ResultCode Watcher::MakeMetrics() {
     }
     auto* aggregator = Reflection::Query<IMetricsAggregator>(*process);
     if (!aggregator) {
-        return StartFailure::IsNoCollector;
+        return StartFailure::NoCollectorInterface;
     }
     const std::string label = MetricLabel(GetName());
     m_pendingExisting = MakePendingMetric(*aggregator, "existing", label);
