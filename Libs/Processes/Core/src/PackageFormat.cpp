@@ -7,9 +7,8 @@ namespace PackageFormat {
 namespace {
 
 void WriteLength(uint8_t* target, uint64_t length) {
-    static constexpr char Digits[] = "0123456789ABCDEF";
     for (std::size_t i = LengthSize; i-- > 0; length >>= 4) {
-        target[i] = static_cast<uint8_t>(Digits[length & 0xF]);
+        target[i] = static_cast<uint8_t>(LengthDigits[length & 0xF]);
     }
 }
 

@@ -21,6 +21,7 @@ inline constexpr std::size_t PrefixSize = LengthSize + DigestSize + LengthSize;
 
 // Lengths are eight hexadecimal digits. Whoever makes a package refuses what is longer.
 inline constexpr uint64_t MaxLength = 0xFFFFFFFF;
+inline constexpr char LengthDigits[] = "0123456789ABCDEF";
 
 // Takes bytes of a package and their place in it.
 using Target = std::function<ResultCode(uint64_t offset, std::span<const uint8_t> bytes)>;

@@ -127,7 +127,7 @@ void PackageReader::NameEntries() {
 bool PackageReader::ReadLength(uint64_t offset, const char* what, uint64_t& length) {
     uint64_t value = 0;
     for (const char digit : ReadText(offset, LengthSize)) {
-        const std::size_t place = std::string_view("0123456789ABCDEF").find(digit);
+        const std::size_t place = std::string_view(PackageFormat::LengthDigits).find(digit);
         if (place == std::string_view::npos) {
             Report(offset,
                    std::string("The length of the ") + what + " is not eight upper-case hexadecimal digits");
