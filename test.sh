@@ -73,7 +73,7 @@ with_wine() { # command...
 end_to_end() {
     build release --target end_to_end &&
         build native --target PackageTool &&
-        /usr/bin/python3 -m pytest -q -ra -n 2 --dist loadfile --durations=8 tests/e2e
+        /usr/bin/python3 -m pytest -q -ra -n 3 --dist loadfile --durations=8 tests/e2e
 }
 
 scripts/setup.sh
